@@ -1,0 +1,163 @@
+#include "platform/os/Processes.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+
+#include "platform/os/Files.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr int ReportFile = 3;  ///< where a child keeps the pipe that reports a failed start
+
+/// The program's path; "" when there is no such program.
+std::string FindProgram(const std::string& name) {
+    if (name.find('/') != std::string::npos) return name;
+    const char* variable = std::getenv("PATH");
+    const std::string folders = variable ? variable : "/usr/local/bin:/usr/bin:/bin";
+    for (std::size_t start = 0; start <= folders.size();) {
+        const std::size_t end = std::min(folders.find(':', start), folders.size());
+        if (end > start) {
+            const std::string path = folders.substr(start, end - start) + "/" + name;
+            if (IsFile(path) && ::access(path.c_str(), X_OK) == 0) return path;
+        }
+        start = end + 1;
+    }
+    return {};
+}
+
+/// In the child: no file or signal setting of this program goes on into the new one. Its output
+/// goes to the error stream, because the output of this program belongs to scripts.
+void PrepareChild(int report) {
+    for (int number = 1; number < NSIG; ++number)
+        std::signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    const int empty = ::open("/dev/null", O_RDONLY);
+    if (empty >= 0) ::dup2(empty, STDIN_FILENO);
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    if (report != ReportFile) ::dup2(report, ReportFile);
+    ::fcntl(ReportFile, F_SETFD, FD_CLOEXEC);
+    ::close_range(ReportFile + 1, ~0U, 0);
+}
+
+[[noreturn]] void ReportFailure(int report) {
+    const char failed = 1;
+    const ssize_t written = ::write(report, &failed, 1);
+    ::_exit(written == 1 ? 127 : 126);
+}
+
+/// In the child: becomes the program. Only calls that are safe after fork in a program with
+/// threads.
+[[noreturn]] void BecomeProgram(const char* program, char* const* arguments, int report) {
+    PrepareChild(report);
+    ::execv(program, arguments);
+    ReportFailure(ReportFile);
+}
+
+void WaitFor(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+}
+
+/// True when nothing was reported until the pipe closed, which a successful start does.
+bool Started(int report) {
+    char failed = 0;
+    ssize_t count = 0;
+    do {
+        count = ::read(report, &failed, 1);
+    } while (count < 0 && errno == EINTR);
+    return count == 0;
+}
+
+enum class Start { AndWait, Detached };
+
+bool StartProgram(const std::vector<std::string>& commandLine, Start how) {
+    if (commandLine.empty()) return false;
+    const std::string program = FindProgram(commandLine.front());
+    if (program.empty()) return false;
+    std::vector<std::string> words = commandLine;
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+
+    int report[2];
+    if (::pipe2(report, O_CLOEXEC) != 0) return false;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (how == Start::Detached) {
+            // A grandchild in a session of its own: init takes it over, and it outlives us.
+            ::setsid();
+            const pid_t grandchild = ::fork();
+            if (grandchild < 0) ReportFailure(report[1]);
+            if (grandchild != 0) ::_exit(0);
+        }
+        BecomeProgram(program.c_str(), arguments.data(), report[1]);
+    }
+    ::close(report[1]);
+    const bool started = child > 0 && Started(report[0]);
+    ::close(report[0]);
+    if (child > 0) WaitFor(child);
+    return started;
+}
+
+}  // namespace
+
+bool SystemProcesses::OpenDocument(const std::string& path,
+                                   const std::vector<std::string>& arguments) {
+    if (path.empty()) return false;
+    // What has the execute bit is still a document: only a command with arguments is a program.
+    std::vector<std::string> commandLine{"xdg-open", path.front() == '-' ? "./" + path : path};
+    if (!arguments.empty()) {
+        commandLine = {path};
+        commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+    }
+    return StartProgram(commandLine, Start::Detached);
+}
+
+bool SystemProcesses::RunAndWait(const std::vector<std::string>& commandLine) {
+    return StartProgram(commandLine, Start::AndWait);
+}
+
+std::vector<std::string> SplitCommandLine(const std::string& line) {
+    std::vector<std::string> arguments;
+    std::string word;
+    bool inWord = false;
+    bool inQuotes = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const char c = line[i];
+        if (!inQuotes && (c == ' ' || c == '\t')) {
+            if (inWord) arguments.push_back(std::move(word));
+            word.clear();
+            inWord = false;
+            continue;
+        }
+        inWord = true;
+        if (c == '\\' && i + 1 < line.size() && line[i + 1] == '"') {
+            word += line[++i];
+        } else if (c == '"') {
+            inQuotes = !inQuotes;
+        } else {
+            word += c;
+        }
+    }
+    if (inWord) arguments.push_back(std::move(word));
+    return arguments;
+}
+
+std::string TemporaryFolder() {
+    const char* variable = std::getenv("TMPDIR");
+    const std::string folder = variable && *variable ? variable : "/tmp";
+    return folder.back() == '/' ? folder : folder + "/";
+}
+
+}  // namespace mailvane

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/os/Processes.h"
+
+namespace mailvane::test {
+
+/// Starts nothing; remembers what should have been started.
+class RecordingProcesses final : public Processes {
+public:
+    bool OpenDocument(const std::string& path, const std::vector<std::string>& arguments) override {
+        opened.emplace_back(path, arguments);
+        return succeeds;
+    }
+    bool RunAndWait(const std::vector<std::string>& commandLine) override {
+        ran.push_back(commandLine);
+        return succeeds;
+    }
+
+    std::vector<std::pair<std::string, std::vector<std::string>>> opened;
+    std::vector<std::vector<std::string>> ran;
+    bool succeeds = true;  ///< the answer to every call
+};
+
+}  // namespace mailvane::test
