@@ -1,0 +1,20 @@
+#include "platform/dao/StatementHandler.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace mailvane {
+
+StatementHandler::StatementHandler(std::initializer_list<int> silentNumbers, Ask ask)
+    : silent_(silentNumbers), ask_(std::move(ask)) {}
+
+bool StatementHandler::GoOn(const DaoError& outcome) {
+    if (ended_) return false;
+    if (outcome.Ok()) return true;
+    if (std::find(silent_.begin(), silent_.end(), outcome.number) != silent_.end()) return true;
+    hadError_ = true;
+    ended_ = !ask_(outcome);
+    return !ended_;
+}
+
+}  // namespace mailvane

@@ -1,0 +1,214 @@
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "platform/dao/DaoTestBase.h"
+
+namespace mailvane {
+namespace {
+
+class FileTest : public DaoTest {
+protected:
+    int OpenNumber(const std::string& path, OpenMode mode = OpenMode::Shared) {
+        return workspace_->OpenDatabase(path, mode).Error().number;
+    }
+
+    /// Carries the work out in a process of its own, and gives its exit status.
+    template <class Work>
+    static int InChild(const Work& work) {
+        const pid_t child = ::fork();
+        if (child == 0) ::_exit(work());
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    void Reopen() {
+        database_ = workspace_->OpenDatabase(path_).ValueOr(nullptr);
+        ASSERT_NE(database_, nullptr);
+    }
+
+    static void Overwrite(const std::string& path, std::int64_t place, const std::string& bytes) {
+        std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(place);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    bool LockFileExists() const { return std::filesystem::exists(path_ + ".lock"); }
+};
+
+TEST_F(FileTest, OnlyDatabasesOpen) {
+    database_->Close();
+    const std::string access =
+        std::string("\0\1\0\0", 4) + "Standard ACE DB" + std::string(4096, 1);
+    const std::pair<std::string, int> cases[] = {
+        {folder_.File("missing.db"), dao_error::FileNotFound},
+        {folder_.Path(), dao_error::UnrecognizedFormat},
+        {folder_.Write("empty.db", ""), dao_error::UnrecognizedFormat},
+        {folder_.Write("text.db", std::string(5000, 'x')), dao_error::UnrecognizedFormat},
+        {folder_.Write("short.db", "x"), dao_error::UnrecognizedFormat},
+        {folder_.Write("access.mdb", access), dao_error::UnrecognizedFormat},
+        {folder_.Write("header.db", "SQLite format 3" + std::string(2000, '\0')),
+         dao_error::DamagedFile},
+    };
+    for (const auto& [path, number] : cases)
+        EXPECT_EQ(OpenNumber(path), number) << path;
+    EXPECT_EQ(folder_.Read("access.mdb"), access);
+    EXPECT_NE(workspace_->OpenDatabase(folder_.File("access.mdb"))
+                  .Error()
+                  .description.find("Microsoft Access"),
+              std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(folder_.File("missing.db")));
+    EXPECT_FALSE(std::filesystem::exists(folder_.File("text.db.lock")));
+}
+
+TEST_F(FileTest, NewDatabaseTakesNoFilesPlace) {
+    EXPECT_EQ(workspace_->CreateDatabase(path_).Error().number, dao_error::DatabaseExists);
+    folder_.Write("other", "x");
+    EXPECT_EQ(workspace_->CreateDatabase(folder_.File("other")).Error().number,
+              dao_error::DatabaseExists);
+    EXPECT_EQ(folder_.Read("other"), "x");
+    EXPECT_EQ(workspace_->CreateDatabase(folder_.File("no/such/folder.db")).Error().number,
+              dao_error::CannotOpenFile);
+    database_->Close();
+    Reopen();  // a database without tables is one
+}
+
+TEST_F(FileTest, ExclusiveOpeningStandsAlone) {
+    const std::string link = folder_.File("link.db");
+    std::filesystem::create_symlink(path_, link);
+    EXPECT_EQ(OpenNumber(path_), 0);
+    EXPECT_EQ(OpenNumber(link, OpenMode::Exclusive), dao_error::OpenedExclusively);
+    EXPECT_EQ(InChild([&] {
+                  return OpenNumber(path_, OpenMode::Exclusive) == dao_error::OpenedExclusively;
+              }),
+              1);
+    database_->Close();
+    EXPECT_FALSE(LockFileExists());
+    {
+        const auto alone = workspace_->OpenDatabase(path_, OpenMode::Exclusive);
+        ASSERT_TRUE(alone.Ok());
+        EXPECT_EQ(OpenNumber(path_), dao_error::OpenedExclusively);
+        EXPECT_EQ(OpenNumber(link), dao_error::OpenedExclusively);
+        EXPECT_EQ(InChild([&] { return OpenNumber(path_) == dao_error::OpenedExclusively; }), 1);
+        EXPECT_FAILS(DBEngine::RepairDatabase(path_), dao_error::OpenedExclusively);
+    }
+    EXPECT_EQ(OpenNumber(path_), 0);
+    EXPECT_FALSE(LockFileExists());
+}
+
+TEST_F(FileTest, LockLeftByADeadProcessHoldsNobodyUp) {
+    database_->Close();
+    EXPECT_EQ(InChild([&]() -> int {
+                  const auto held = workspace_->OpenDatabase(path_, OpenMode::Exclusive);
+                  ::kill(::getpid(), SIGKILL);
+                  return 0;
+              }),
+              -1);
+    EXPECT_TRUE(LockFileExists());
+    EXPECT_EQ(OpenNumber(path_, OpenMode::Exclusive), 0);
+    EXPECT_FALSE(LockFileExists());
+}
+
+TEST_F(FileTest, KilledTransactionLeavesWholeUnits) {
+    MakePeople({"Ann"});
+    database_->Close();
+    EXPECT_EQ(
+        InChild([&]() -> int {
+            const auto database = workspace_->OpenDatabase(path_).ValueOr(nullptr);
+            if (database == nullptr) return 1;
+            database->Execute("INSERT INTO People (Name) VALUES ('committed')").Ok();
+            return database
+                ->Transaction([&]() -> DaoError {
+                    database->Execute("DELETE * FROM People").Ok();
+                    for (int i = 0; i < 5000; ++i)
+                        database->Execute("INSERT INTO People (Name) VALUES ('half done')").Ok();
+                    ::kill(::getpid(), SIGKILL);
+                    return {};
+                })
+                .number;
+        }),
+        -1);
+    Reopen();
+    EXPECT_EQ(Walk("People"), "Ann committed");
+}
+
+TEST_F(FileTest, CompactMakesADenseCopy) {
+    MakePeople({"Ann"});
+    EXPECT_DONE(database_->AppendIndex("People", {"Index1", {"Name"}, true, false}));
+    const auto people = Open("People");
+    EXPECT_DONE(database_->Transaction([&]() -> DaoError {
+        for (int i = 0; i < 2000; ++i)
+            EXPECT_DONE(AddRow(*people, {std::string(500, 'x') + std::to_string(i), i}));
+        return {};
+    }));
+    Execute("DELETE FROM People WHERE Name <> 'Ann'");
+    const std::string target = folder_.File("test.db.bak");
+    EXPECT_FAILS(DBEngine::CompactDatabase(path_, target), dao_error::OpenedExclusively);
+    database_->Close();
+    EXPECT_DONE(DBEngine::CompactDatabase(path_, target));
+    EXPECT_LT(std::filesystem::file_size(target), std::filesystem::file_size(path_) / 10);
+    EXPECT_FAILS(DBEngine::CompactDatabase(path_, target), dao_error::DatabaseExists);
+    EXPECT_FAILS(DBEngine::CompactDatabase(folder_.File("no.db"), target), dao_error::FileNotFound);
+    const auto left = std::distance(std::filesystem::directory_iterator(folder_.Path()), {});
+    EXPECT_EQ(left, 2);  // the file and its copy
+
+    std::filesystem::copy_file(target, path_, std::filesystem::copy_options::overwrite_existing);
+    Reopen();
+    EXPECT_EQ(Walk("People"), "Ann");
+    EXPECT_TRUE(database_->GetTableDef("People")->indexes.at(0).primary);
+    EXPECT_TRUE(std::filesystem::exists(path_ + "-wal"));  // still logs ahead
+}
+
+TEST_F(FileTest, RepairSavesTheRowsAroundTheDamage) {
+    TableDef table;
+    table.name = "Mail";
+    table.fields = {AutoNumber(), Column("Name"), Column("Body", FieldType::Memo)};
+    table.indexes = {{"Index1", {"ID"}, true, false}, {"Name", {"Name"}, false, true}};
+    ASSERT_EQ(database_->AppendTable(table).number, 0);
+    constexpr int Rows = 3000;
+    const auto mail = Open("Mail");
+    EXPECT_DONE(database_->Transaction([&]() -> DaoError {
+        for (int i = 1; i <= Rows; ++i)
+            EXPECT_DONE(AddRow(*mail, {DaoValue(), "row " + std::to_string(i),
+                                       std::string(300, static_cast<char>('a' + i % 26))}));
+        return {};
+    }));
+    Execute("DELETE FROM Mail WHERE ID = 3000");
+    database_->Close();
+    EXPECT_DONE(DBEngine::RepairDatabase(path_));  // a sound file stays as it is
+
+    const std::string garbage(4096, '\x5a');
+    Overwrite(path_, 40 * 4096, garbage);
+    Overwrite(path_, 60 * 4096, garbage);
+    Overwrite(path_, 61 * 4096, garbage);
+    EXPECT_DONE(DBEngine::RepairDatabase(path_));
+    EXPECT_FALSE(LockFileExists());
+
+    Reopen();
+    const auto saved = Open("Mail");
+    EXPECT_GT(saved->RecordCount(), Rows - 100);
+    EXPECT_LT(saved->RecordCount(), Rows - 1);
+    EXPECT_DONE(saved->FindFirst("Name = 'row 2999'"));
+    EXPECT_EQ(TextOf(saved->Get("ID")), "2999");
+    EXPECT_EQ(database_->GetTableDef("Mail")->indexes.size(), 2u);
+    EXPECT_DONE(AddRow(*saved, {DaoValue(), "new"}));
+    EXPECT_DONE(saved->SetBookmark(*saved->LastModified()));
+    EXPECT_EQ(TextOf(saved->Get("ID")), "3001");
+    database_->Close();
+    EXPECT_DONE(DBEngine::RepairDatabase(path_));
+    EXPECT_FAILS(DBEngine::RepairDatabase(folder_.File("no.db")), dao_error::FileNotFound);
+}
+
+TEST_F(FileTest, DamageMetWhileReadingIsTold) {
+    MakePeople({"Ann"});
+    database_->Close();
+    Overwrite(path_, 4096, std::string(4096, '\x5a'));
+    Reopen();
+    EXPECT_EQ(database_->OpenRecordset("People").Error().number, dao_error::DamagedFile);
+}
+
+}  // namespace
+}  // namespace mailvane
