@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mailvane {
+
+/// One item of an address list, taken apart.
+struct AddressItem {
+    std::string source;   ///< the item as it was written, trimmed
+    std::string name;     ///< display name without quotes, or the comment that stands for one
+    std::string address;  ///< bare
+};
+
+/// Takes a list apart as AddressesOf does (MailAddress.h); items without an address are left out.
+std::vector<AddressItem> ParseAddressList(std::string_view list);
+
+/// EncodeHeaderAddresses for items already taken apart.
+std::string EncodeAddressItems(const std::vector<AddressItem>& items, std::size_t nameLength);
+
+}  // namespace mailvane

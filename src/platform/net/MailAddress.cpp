@@ -1,0 +1,152 @@
+#include "platform/net/MailAddress.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/net/AddressList.h"
+#include "platform/net/Base64.h"
+#include "platform/net/TextCoding.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr std::size_t LineWidth = 78;         // RFC 5322 section 2.1.1
+constexpr std::size_t EncodedLineWidth = 76;  // RFC 2047 section 2
+constexpr std::size_t MaxEncodedWord = 75;    // RFC 2047 section 2
+constexpr std::size_t MaxPlainWord = 900;     // keeps a line with a long word under MaxMailLine
+constexpr std::string_view WordStart = "=?utf-8?B?";
+constexpr std::string_view WordEnd = "?=";
+constexpr std::string_view Fold = "\r\n ";
+
+std::size_t ColumnBehind(std::string_view text, std::size_t column) {
+    const std::size_t lineEnd = text.rfind('\n');
+    return lineEnd == std::string_view::npos ? column + text.size() : text.size() - lineEnd - 1;
+}
+
+/// Bytes of text that fit into an encoded word of the given width.
+std::size_t EncodedCapacity(std::size_t width) {
+    const std::size_t frame = WordStart.size() + WordEnd.size();
+    return width <= frame ? 0 : (width - frame) / 4 * 3;
+}
+
+/// The front of `text`, at most `capacity` bytes of whole characters, at least one.
+std::string_view TakeCharacters(std::string_view& text, std::size_t capacity) {
+    std::size_t length = 0;
+    while (length < text.size()) {
+        const std::size_t next = std::max<std::size_t>(1, Utf8CharacterLength(text, length));
+        if (length > 0 && length + next > capacity) break;
+        length += next;
+    }
+    const std::string_view taken = text.substr(0, length);
+    text.remove_prefix(length);
+    return taken;
+}
+
+/// Encoded words for UTF-8 text that begins at `column` of its line.
+std::string EncodedWords(std::string_view text, std::size_t column) {
+    constexpr std::size_t Smallest = 12;
+    std::string out;
+    std::size_t capacity = EncodedCapacity(EncodedLineWidth - std::min(column, EncodedLineWidth));
+    if (capacity < Smallest) capacity = Smallest;
+    capacity = std::min(capacity, EncodedCapacity(MaxEncodedWord));
+    while (!text.empty()) {
+        if (!out.empty()) out += Fold;
+        out += WordStart;
+        AppendBase64(out, TakeCharacters(text, capacity));
+        out += WordEnd;
+        capacity = EncodedCapacity(MaxEncodedWord);
+    }
+    return out;
+}
+
+bool HasOverlongWord(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t stop = std::min(text.find_first_of(" \t"), text.size());
+        if (stop > MaxPlainWord) return true;
+        text.remove_prefix(std::min(stop + 1, text.size()));
+    }
+    return false;
+}
+
+/// Breaks before blanks only, so that taking the breaks out gives the value again; no line is made
+/// of blanks alone (RFC 5322 section 3.2.2).
+std::string Folded(std::string_view value, std::size_t column) {
+    std::string out;
+    while (!value.empty()) {
+        const std::size_t word = std::min(value.find_first_not_of(" \t"), value.size());
+        const std::size_t stop = std::min(value.find_first_of(" \t", word), value.size());
+        if (!out.empty() && column + stop > LineWidth) {
+            out += "\r\n";
+            column = 0;
+        }
+        out += value.substr(0, stop);
+        column += stop;
+        value.remove_prefix(stop);
+    }
+    return out;
+}
+
+std::string QuotedName(std::string_view name) {
+    std::string out = "\"";
+    for (const char c : name) {
+        if (c == '"' || c == '\\') out += '\\';
+        out += c;
+    }
+    return out + '"';
+}
+
+/// An item of a list, at `column` of its line.
+std::string EncodedItem(const AddressItem& item, std::size_t column) {
+    const bool asItStands = !item.source.empty() && item.source.size() <= MaxPlainWord;
+    if (asItStands && IsAscii(item.source)) return item.source;
+    if (item.name.empty()) return item.address;
+    const bool plainName = IsAscii(item.name) && item.name.size() <= MaxPlainWord / 2;
+    const std::string name =
+        plainName ? QuotedName(item.name) : EncodedWords(ToUtf8(item.name), column);
+    const bool fits = ColumnBehind(name, column) + item.address.size() + 3 <= LineWidth;
+    return name + (fits ? " <" : "\r\n <") + item.address + '>';
+}
+
+}  // namespace
+
+std::vector<std::string> AddressesOf(std::string_view list) {
+    std::vector<std::string> addresses;
+    for (AddressItem& item : ParseAddressList(list)) {
+        addresses.push_back(std::move(item.address));
+    }
+    return addresses;
+}
+
+std::string EncodeHeaderText(std::string_view value, std::size_t nameLength) {
+    const std::string clean = WithoutLineBreaks(value);
+    const std::string_view text = Trimmed(clean);
+    const std::size_t column = nameLength + 1;
+    if (!IsAscii(text) || HasOverlongWord(text)) return EncodedWords(ToUtf8(text), column);
+    return Folded(text, column);
+}
+
+std::string EncodeAddressItems(const std::vector<AddressItem>& items, std::size_t nameLength) {
+    std::string out;
+    std::size_t column = nameLength + 1;
+    for (const AddressItem& item : items) {
+        if (item.address.size() > MaxPlainWord) continue;  // no mailbox name is that long
+        if (!out.empty()) {
+            const std::size_t width =
+                item.source.empty() ? item.address.size() : item.source.size();
+            const bool fits = column + 2 + width <= LineWidth;
+            out += fits ? ", " : ",\r\n ";
+            column = fits ? column + 2 : 1;
+        }
+        const std::string text = EncodedItem(item, column);
+        out += text;
+        column = ColumnBehind(text, column);
+    }
+    return out;
+}
+
+std::string EncodeHeaderAddresses(std::string_view value, std::size_t nameLength) {
+    return EncodeAddressItems(ParseAddressList(value), nameLength);
+}
+
+}  // namespace mailvane

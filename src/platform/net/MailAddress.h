@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mailvane {
+
+/// The bare addresses of a list: separated by commas (or semicolons outside quotes), display names,
+/// quoted or not, and comments left out, angle brackets taken off, CR, LF and NUL removed (RFC 5322
+/// section 3.4, read generously). Empty items are dropped; the order stays.
+std::vector<std::string> AddressesOf(std::string_view list);
+
+/// A header value fit for the wire: CR, LF and NUL removed, text outside ASCII as encoded words in
+/// UTF-8 (RFC 2047), long values folded (RFC 5322 section 2.2.3). `nameLength` is the room that the
+/// header's name and colon take on the first line.
+std::string EncodeHeaderText(std::string_view value, std::size_t nameLength);
+/// The same for address lists: only the display names are encoded, addresses stay as they are.
+std::string EncodeHeaderAddresses(std::string_view value, std::size_t nameLength);
+
+}  // namespace mailvane

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/net/NetWait.h"
+#include "platform/net/SmtpClient.h"
+
+namespace mailvane {
+
+/// Where a mail connection goes, and how.
+struct MailPeer {
+    std::string protocol;  ///< "smtp" or "pop3"
+    std::string host;
+    int port = 0;
+    Security security = Security::Automatic;
+    bool verifyCertificate = true;
+    std::string certificateAuthorities;  ///< a PEM file in place of the system's; "" for those
+    std::string localName;               ///< for EHLO
+    std::string dnsServers;              ///< as ResolveName takes them
+    int connectTimeout = 30;             ///< seconds, for the name and the connection
+    int answerTimeout = 300;             ///< seconds, for each answer of the server's from then on
+
+    bool operator==(const MailPeer&) const = default;
+};
+
+/// A TCP connection to a mail server, secured as asked for. libcurl makes it and goes through the
+/// beginning of the protocol (greeting, EHLO, STARTTLS; greeting, CAPA, STLS), then it carries
+/// bytes.
+class MailConnection {
+public:
+    enum class Outcome { Done, Again, Closed };
+
+    /// `onBeginning` is told the lines of that beginning, with their line ends.
+    explicit MailConnection(std::function<void(Direction, std::string_view)> onBeginning);
+    ~MailConnection();
+    MailConnection(const MailConnection&) = delete;
+    MailConnection& operator=(const MailConnection&) = delete;
+
+    /// Closes an open connection first. Fails with ConnectFailed, NameNotFound, TlsFailed,
+    /// TimedOut, Canceled, or with BadReply when the server refused; its words went to
+    /// `onBeginning`.
+    NetError Open(const MailPeer& peer, const KeepWaiting& keepWaiting);
+    void Close();
+
+    bool IsOpen() const { return open_; }
+    bool IsSecured() const { return secured_; }
+    /// The server is this machine: a loopback address, or the address that the connection comes
+    /// from.
+    bool IsLocalPeer() const { return local_; }
+
+    /// Neither blocks. Receive is repeated until Again before anybody waits: bytes can stand in the
+    /// TLS layer while the socket has none.
+    Outcome Send(std::string_view bytes, std::size_t& sent);
+    Outcome Receive(char* buffer, std::size_t size, std::size_t& received);
+    /// Waits until there is something to receive, or room to send; at most `milliseconds`.
+    void Wait(bool forSending, int milliseconds) const;
+
+private:
+    struct CloseEasy {
+        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+    };
+    struct CloseMulti {
+        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+    };
+    struct FreeList {
+        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    };
+
+    NetError SetUrl(const MailPeer& peer, const std::string& host);
+    void SetOptions(const MailPeer& peer);
+    NetError Resolve(const MailPeer& peer, const std::string& host, NetClock::time_point deadline,
+                     const KeepWaiting& keepWaiting);
+    NetError Connect(const MailPeer& peer, NetClock::time_point deadline,
+                     const KeepWaiting& keepWaiting);
+    NetError Failure(CURLcode code) const;
+    NetError TakeOver(const MailPeer& peer);
+    static int OnDebug(CURL* easy, curl_infotype type, char* data, size_t size, void* self);
+
+    std::function<void(Direction, std::string_view)> onBeginning_;
+    // Kept between connections: it holds the certificates that were read.
+    std::unique_ptr<CURLM, CloseMulti> multi_;
+    std::unique_ptr<CURL, CloseEasy> easy_;
+    std::unique_ptr<curl_slist, FreeList> addresses_;
+    std::array<char, CURL_ERROR_SIZE> errorText_{};
+    std::string early_;  // received while the connection was taken over
+    curl_socket_t socket_ = CURL_SOCKET_BAD;
+    bool heard_ = false;  // the server said something since this was last asked
+    bool open_ = false;
+    bool secured_ = false;
+    bool local_ = false;
+};
+
+}  // namespace mailvane

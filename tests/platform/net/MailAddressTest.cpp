@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "platform/net/MailAddress.h"
+#include "platform/net/TextCoding.h"
+
+namespace mailvane {
+namespace {
+
+using namespace std::string_literals;
+using List = std::vector<std::string>;
+
+TEST(MailAddress, AddressesOfAList) {
+    struct Row {
+        const char* name;
+        std::string list;
+        List addresses;
+    };
+    const std::vector<Row> rows = {
+        {"empty", "", {}},
+        {"nothing but separators", " , ;, <>,", {}},
+        {"bare", "a@b.c", {"a@b.c"}},
+        {"several, in order", "b@x, a@x;c@x", {"b@x", "a@x", "c@x"}},
+        {"names", "Ann <a@x>, \"Ben\" <b@x>", {"a@x", "b@x"}},
+        {"comma in quotes", "\"Doe, John\" <j@x>", {"j@x"}},
+        {"comma without quotes", "Doe, John <j@x>, b@x", {"j@x", "b@x"}},
+        {"local names stay", "root, postmaster", {"root", "postmaster"}},
+        {"escaped quote", "\"a\\\", b\" <a@x>, c@x", {"a@x", "c@x"}},
+        {"quoted local part", "\"a, b\"@x", {"\"a, b\"@x"}},
+        {"comments", "a@x (one, two (three)), (x) b@x", {"a@x", "b@x"}},
+        {"group", "Friends: a@x, B <b@x>;, c@x", {"a@x", "b@x", "c@x"}},
+        {"empty group", "undisclosed-recipients:;", {}},
+        {"link", "mailto:a@x", {"a@x"}},
+        {"address literal", "a@[IPv6:::1], b@x", {"a@[IPv6:::1]", "b@x"}},
+        {"source route", "<@r,@s:a@x>", {"a@x"}},
+        {"open bracket", "Ann <a@x, Ben <b@x>", {"Ann a@x", "b@x"}},
+        {"open quote", "\"Ann <a@x>, b@x", {"a@x", "b@x"}},
+        {"open comment", "(Ann <a@x>, b@x", {"a@x", "b@x"}},
+        {"line breaks and NUL", "a@x\r\nBcc: e@x\0\n, b@x"s, {"a@xBcc: e@x", "b@x"}},
+        {"a closing bracket adds no parameter", "a@x> NOTIFY=NEVER", {"a@x NOTIFY=NEVER"}},
+        {"outside ASCII", "Žan <ž@š.si>", {"ž@š.si"}},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(AddressesOf(row.list), row.addresses) << row.name;
+}
+
+TEST(MailAddress, HeaderText) {
+    struct Row {
+        const char* name;
+        std::string value;
+        std::string header;
+    };
+    const std::string words = "aaaaaaaaa bbbbbbbbb ccccccccc ddddddddd eeeeeeeee fffffffff ";
+    const std::vector<Row> rows = {
+        {"plain", "Hello, world", "Hello, world"},
+        {"header injection", "a\r\nBcc: b@x\0c"s, "aBcc: b@xc"},
+        {"outside ASCII", "Žan", "=?utf-8?B?xb1hbg==?="},
+        {"Windows-1252", "caf\xE9 \x80", "=?utf-8?B?Y2Fmw6kg4oKs?="},
+        {"folded at a blank", words + "ggggggggg hhhhhhhhh", words + "ggggggggg\r\n hhhhhhhhh"},
+        {"blanks at the ends", "  a  ", "a"},
+        {"no line of blanks alone", words + std::string(30, ' ') + "h",
+         words.substr(0, 59) + "\r\n" + std::string(31, ' ') + "h"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(EncodeHeaderText(row.value, 8), row.header) << row.name;
+}
+
+TEST(MailAddress, LongTextIsCutBetweenCharacters) {
+    std::string value;
+    for (int i = 0; i < 100; ++i)
+        value += "ž€";
+    const std::string header = "Subject: " + EncodeHeaderText(value, 8);
+    EXPECT_LE(ScanText(header).longestLine, 76U);
+    // Every word begins a character: no base64 group of a continuation byte at its start.
+    for (std::size_t at = header.find("?B?"); at != std::string::npos;
+         at = header.find("?B?", at + 1)) {
+        const std::string start = header.substr(at + 3, 1);
+        EXPECT_TRUE(start == "x" || start == "4") << start;
+    }
+    EXPECT_LE(ScanText(EncodeHeaderText(std::string(5000, 'x'), 8)).longestLine, 76U);
+}
+
+TEST(MailAddress, HeaderAddresses) {
+    struct Row {
+        const char* name;
+        std::string value;
+        std::string header;
+    };
+    const std::vector<Row> rows = {
+        {"as it stands", "\"Doe, J\" <j@x>; b@x", "\"Doe, J\" <j@x>, b@x"},
+        {"only the name is encoded", "Žan <z@x>, b@x", "=?utf-8?B?xb1hbg==?= <z@x>, b@x"},
+        {"quoted name", "\"Žan, Ž\" <z@x>", "=?utf-8?B?xb1hbiwgxb0=?= <z@x>"},
+        {"comment", "z@x (Žan)", "=?utf-8?B?xb1hbg==?= <z@x>"},
+        {"name with a comma", "Doe \"D\", J <j@x>", "\"Doe \\\"D\\\", J\" <j@x>"},
+        {"header injection", "a@x\r\nBcc: b@x", "a@xBcc: b@x"},
+        {"items without an address", "<>, a@x, g:;", "a@x"},
+        {"folded between items",
+         "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaa@example.com, bbbbbbbbbbbbbbbbbbbbbbbbbbbbbb@example.com",
+         "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaa@example.com,\r\n "
+         "bbbbbbbbbbbbbbbbbbbbbbbbbbbbbb@example.com"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(EncodeHeaderAddresses(row.value, 3), row.header) << row.name;
+    }
+    std::string many;
+    for (int i = 0; i < 500; ++i)
+        many += "Žan Žagar " + std::to_string(i) + " <z@example.com>,";
+    EXPECT_LE(ScanText(EncodeHeaderAddresses(many, 3)).longestLine, 78U);
+}
+
+TEST(TextCoding, Utf8) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"ž€😀", "ž€😀"},
+        {"\x80\x9E\xFF\x81", "€žÿ\xEF\xBF\xBD"},
+        {"a\xC5", "aÅ"},                          // cut character
+        {"\xC0\x80", "À€"},                       // overlong
+        {"\xED\xA0\x80", "í\xC2\xA0€"},           // surrogate
+        {"\xF4\x90\x80\x80", "ô\xEF\xBF\xBD€€"},  // past the last code point
+    };
+    for (const auto& [text, utf8] : rows)
+        EXPECT_EQ(ToUtf8(text), utf8);
+}
+
+TEST(TextCoding, QuotedPrintable) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"a=b\n", "a=3Db\r\n"},
+        {"end \rtab\t\r\n", "end=20\r\ntab=09\r\n"},
+        {"ž", "=C5=BE"},
+        {std::string(76, 'x'), std::string(76, 'x')},
+        {std::string(77, 'x'), std::string(75, 'x') + "=\r\nxx"},
+        {std::string(74, 'x') + "žy", std::string(74, 'x') + "=\r\n=C5=BEy"},
+    };
+    for (const auto& [text, coded] : rows) {
+        std::string out;
+        AppendQuotedPrintable(out, text);
+        EXPECT_EQ(out, coded);
+    }
+}
+
+}  // namespace
+}  // namespace mailvane

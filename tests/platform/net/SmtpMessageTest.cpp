@@ -1,0 +1,300 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/net/MessageSource.h"
+#include "platform/net/NetCode.h"
+#include "platform/net/SmtpMessage.h"
+#include "platform/net/TextCoding.h"
+
+namespace mailvane {
+namespace {
+
+using namespace std::string_literals;
+
+std::string Wire(const MessageFields& fields, WireAbilities server, bool stuffDots = false) {
+    SmtpMessage message;
+    message.Compose(fields, server);
+    MessageSource source;
+    EXPECT_TRUE(source.Open(message.Head(), message.Body(), message.WireSize(), "").Ok());
+    std::string out;
+    EXPECT_TRUE(source.Read(out, out.max_size(), stuffDots).Ok());
+    EXPECT_LE(ScanText(out).longestLine, MaxMailLine);
+    return out;
+}
+
+TEST(SmtpMessage, Head) {
+    const std::string wire = Wire(
+        {"Ann <a@x.org>", "b@x", "", "Hi", "X-Mailer: m\n\r\n \nReply-To: \r\nX-A: 1\r\n\tb\0"s,
+         "text", "Mon, 1 Jan 2024 00:00:00 +0000", "me"},
+        {});
+    const std::size_t id = wire.find("Message-ID: <");
+    const std::size_t idEnd = wire.find('\n', id);
+    ASSERT_NE(id, std::string::npos);
+    EXPECT_EQ(wire.substr(idEnd - 8, 8), "@x.org>\r");
+    EXPECT_EQ(wire.substr(0, id) + wire.substr(idEnd + 1),
+              "Date: Mon, 1 Jan 2024 00:00:00 +0000\r\nFrom: Ann <a@x.org>\r\nTo: b@x\r\n"
+              "Subject: Hi\r\nX-Mailer: m\r\nReply-To: \r\nX-A: 1\r\n\tb\r\n"
+              "MIME-Version: 1.0\r\n\r\ntext\r\n");
+}
+
+TEST(SmtpMessage, HeadLines) {
+    struct Row {
+        const char* name;
+        MessageFields fields;
+        const char* present;
+        const char* absent;
+    };
+    const std::vector<Row> rows = {
+        {"own MIME-Version",
+         {"a@x", "", "", "", "mime-version: 1.0", "", "", "me"},
+         "mime-version: 1.0\r\n\r\n",
+         "MIME-Version"},
+        {"MIME-Version behind another text",
+         {"a@x", "", "", "", "X-P: NormalMIME-Version: 1.0", "", "", "me"},
+         "X-P: NormalMIME-Version: 1.0\r\nMIME-Version: 1.0\r\n\r\n",
+         "To:"},
+        {"own Date", {"a@x", "", "", "", "Date: now", "", "", "me"}, "Date: now\r\n", " +0"},
+        {"no empty lines", {"a@x", "", "", "", "", "", "", "me"}, "From: a@x\r\nMIME", "Subject"},
+        {"injection by the subject",
+         {"a@x", "b@x", "", "s\r\nBcc: e@x", "", "", "", "me"},
+         "Subject: sBcc: e@x\r\n",
+         "\nBcc"},
+        {"injection by the date",
+         {"a@x", "", "", "", "", "", "d\r\n\r\nbody", "me"},
+         "Date: dbody\r\n",
+         "\r\nbody"},
+        {"encoded block",
+         {"a@x", "", "", "", "X-Mailer: Ž\r\nReply-To: Ž <z@x>", "", "", "me"},
+         "X-Mailer: =?utf-8?B?xb0=?=\r\nReply-To: =?utf-8?B?xb0=?= <z@x>\r\n",
+         "Ž"},
+        {"an address outside ASCII",
+         {"a@x", "ž@x, b@x", "ž@x", "", "", "", "", "me"},
+         "To: b@x\r\n",
+         "Cc"},
+        {"local name in the Message-ID",
+         {"a@ž", "", "", "", "", "", "", "me.org"},
+         "@me.org>\r\n",
+         "From"},
+    };
+    for (const Row& row : rows) {
+        const std::string wire = Wire(row.fields, {});
+        EXPECT_NE(wire.find(row.present), std::string::npos) << row.name << "\n" << wire;
+        EXPECT_EQ(wire.find(row.absent), std::string::npos) << row.name << "\n" << wire;
+    }
+    EXPECT_NE(Wire({"ž@x", "", "", "", "", "", "", "me"}, {true, true}).find("From: ž@x\r\n"),
+              std::string::npos);
+}
+
+TEST(SmtpMessage, IdsDiffer) {
+    SmtpMessage one;
+    SmtpMessage other;
+    std::vector<std::string> ids;
+    for (SmtpMessage* message : {&one, &one, &other}) {
+        message->Compose({"a@x", "", "", "", "", "", "d", "me"}, {});
+        ids.emplace_back(message->Head());
+    }
+    EXPECT_TRUE(ids[0] != ids[1] && ids[0] != ids[2] && ids[1] != ids[2]);
+}
+
+struct BodyRow {
+    const char* name;
+    std::string headers;
+    std::string text;
+    bool eightBit;
+    std::string wire;  ///< from the first line of the block on
+};
+
+TEST(SmtpMessage, Body) {
+    const std::string plain = "Content-Type: text/plain; charset=us-ascii\r\nX: y";
+    const std::string plainEnd = "X: y\r\nMIME-Version: 1.0\r\n\r\n";
+    const std::string longLine(999, 'x');
+    std::string longCoded;
+    AppendQuotedPrintable(longCoded, longLine);
+    const std::vector<BodyRow> rows = {
+        {"ASCII", plain, "a\nb\rc\r\n\r\nd", false,
+         "Content-Type: text/plain; charset=us-ascii\r\n" + plainEnd + "a\r\nb\r\nc\r\n\r\nd\r\n"},
+        {"empty", plain, "", false, "Content-Type: text/plain; charset=us-ascii\r\n" + plainEnd},
+        {"8 bits taken", plain, "ž", true,
+         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n" +
+             plainEnd + "ž\r\n"},
+        {"8 bits not taken", plain, "ž=\r\n.", false,
+         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: "
+         "quoted-printable\r\n" +
+             plainEnd + "=C5=BE=3D\r\n.\r\n"},
+        {"Windows-1252", plain, "\xE9", true,
+         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n" +
+             plainEnd + "é\r\n"},
+        {"long line", plain, longLine, true,
+         "Content-Type: text/plain; charset=us-ascii\r\nContent-Transfer-Encoding: "
+         "quoted-printable\r\n" +
+             plainEnd + longCoded + "\r\n"},
+        {"NUL", plain, "a\0b"s, true,
+         "Content-Type: text/plain; charset=us-ascii\r\nContent-Transfer-Encoding: "
+         "quoted-printable\r\n" +
+             plainEnd + "a=00b\r\n"},
+        {"other parameters stay", "content-type: text/html;charset=\"iso-8859-1\" ; a=b", "ž", true,
+         "Content-Type: text/html;charset=utf-8; a=b\r\nContent-Transfer-Encoding: 8bit\r\n"
+         "MIME-Version: 1.0\r\n\r\nž\r\n"},
+        {"no type told", "Content-Transfer-Encoding: 7bit\r\nX: y", "ž", true,
+         "X: y\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n"
+         "MIME-Version: 1.0\r\n\r\nž\r\n"},
+    };
+    for (const BodyRow& row : rows) {
+        SCOPED_TRACE(row.name);
+        const std::string wire =
+            Wire({"a@x", "", "", "", row.headers, row.text, "", "me"}, {row.eightBit, false});
+        EXPECT_EQ(wire.substr(wire.find("From: a@x\r\n") + 11), row.wire);
+    }
+}
+
+TEST(SmtpMessage, Multipart) {
+    const std::string type = "Content-Type: multipart/mixed; boundary=bnd\r\n";
+    const auto body = [](const std::string& part, const std::string& name) {
+        return "This is a multi-part message in MIME format.\r\n--bnd\r\n" + part +
+               "\r\n--bnd\r\nContent-Type: application/octet-stream; name=" + name +
+               "\r\nContent-Transfer-Encoding: base64\r\n\r\n";
+    };
+    const std::string coded =
+        "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: ";
+    const std::string html =
+        "Content-Type: text/html;    charset=\"iso-8859-1\"Content-Transfer-Encoding: "
+        "quoted-printable\r\n";
+    const std::string codedHtml =
+        "Content-Type: text/html;    charset=utf-8\r\nContent-Transfer-Encoding: ";
+    struct Row {
+        const char* name;
+        std::string text;
+        bool eightBit;
+        std::string wire;
+    };
+    const std::vector<Row> rows = {
+        {"ASCII as it stands", body(html + "<p>a", "x.doc"), false, body(html + "<p>a", "x.doc")},
+        {"plain, 8 bits taken", body("\r\nž", "x"), true, body(coded + "8bit\r\n\r\nž", "x")},
+        {"plain, 8 bits not taken", body("\r\nž\r\n", "x"), false,
+         body(coded + "quoted-printable\r\n\r\n=C5=BE\r\n", "x")},
+        {"HTML that follows its header line at once", body(html + "<p>ž", "x"), false,
+         body(codedHtml + "quoted-printable\r\n\r\n<p>=C5=BE", "x")},
+        {"boundary inside the text", body("\r\nž\r\n--bnd\r\nž", "x"), false,
+         body(coded + "quoted-printable\r\n\r\n=C5=BE\r\n--bnd\r\n=C5=BE", "x")},
+        {"file name outside ASCII", body("\r\na", "Ž.doc"), false,
+         body("\r\na", "\"=?utf-8?B?xb0uZG9j?=\"")},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const std::string wire =
+            Wire({"a@x", "", "", "", type, row.text, "", "me"}, {row.eightBit, false});
+        EXPECT_EQ(wire.substr(wire.find("\r\n\r\n") + 4), row.wire);
+    }
+}
+
+// Normalisation gives the same bytes wherever the pieces are cut.
+TEST(MessageSource, LinesInPieces) {
+    struct Row {
+        std::string text;
+        std::string wire;
+        std::string stuffed;
+    };
+    const std::vector<Row> rows = {
+        {"", "", ""},
+        {".", ".\r\n", "..\r\n"},
+        {"a\r\r\n\n\nb", "a\r\n\r\n\r\n\r\nb\r\n", "a\r\n\r\n\r\n\r\nb\r\n"},
+        {".a\r.b\n.\r\n..c.\r", ".a\r\n.b\r\n.\r\n..c.\r\n", "..a\r\n..b\r\n..\r\n...c.\r\n"},
+        {"a\r\n", "a\r\n", "a\r\n"},
+    };
+    for (const Row& row : rows) {
+        for (std::size_t piece = 1; piece < 6; ++piece) {
+            std::string plain;
+            std::string stuffed;
+            WireLines plainLines;
+            WireLines stuffedLines;
+            for (std::size_t i = 0; i < row.text.size(); i += piece) {
+                plainLines.Append(plain, std::string_view(row.text).substr(i, piece), false);
+                stuffedLines.Append(stuffed, std::string_view(row.text).substr(i, piece), true);
+            }
+            plainLines.Finish(plain);
+            stuffedLines.Finish(stuffed);
+            EXPECT_EQ(plain, row.wire);
+            EXPECT_EQ(stuffed, row.stuffed);
+        }
+    }
+}
+
+std::string ReadAll(const std::string& file) {
+    std::ostringstream text;
+    text << std::ifstream(file, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+class NetCodeTest : public testing::Test {
+protected:
+    void SetUp() override {
+        code.DecodedFile = testing::TempDir() + "netcode_in";
+        code.EncodedFile = testing::TempDir() + "netcode_out";
+        code.Overwrite = true;
+        std::remove(code.EncodedFile.c_str());
+    }
+    void TearDown() override {
+        std::remove(code.DecodedFile.c_str());
+        std::remove(code.EncodedFile.c_str());
+    }
+    std::string Encoded(const std::string& bytes) {
+        std::ofstream(code.DecodedFile, std::ios::binary) << bytes;
+        EXPECT_TRUE(code.SetAction(NetCode::Action::Encode).Ok());
+        return ReadAll(code.EncodedFile);
+    }
+    NetCode code;
+};
+
+TEST_F(NetCodeTest, Lines) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"", ""},
+        {"a", "YQ==\r\n"},
+        {"ab", "YWI=\r\n"},
+        {"\xFF\xFE\xFD", "//79\r\n"},
+        {"user@example.com", "dXNlckBleGFtcGxlLmNvbQ==\r\n"},
+    };
+    for (const auto& [bytes, lines] : rows)
+        EXPECT_EQ(Encoded(bytes), lines);
+    const std::string large = Encoded(std::string(57 * 1024 + 58, '\0'));
+    EXPECT_EQ(large.size(), 1025 * 78 + 6U);
+    EXPECT_EQ(large.substr(large.size() - 10), "AA\r\nAA==\r\n");
+}
+
+TEST_F(NetCodeTest, Failures) {
+    NetError error = code.SetAction(NetCode::Action::Encode);
+    EXPECT_EQ(error.code, net_error::FileUnreadable);
+    EXPECT_NE(error.description.find(code.DecodedFile), std::string::npos);
+
+    EXPECT_EQ(Encoded("a"), "YQ==\r\n");
+    code.Overwrite = false;
+    EXPECT_EQ(code.SetAction(NetCode::Action::Encode).code, net_error::FileUnwritable);
+    EXPECT_EQ(ReadAll(code.EncodedFile), "YQ==\r\n");
+}
+
+TEST_F(NetCodeTest, FileFollowsTheText) {
+    std::ofstream(code.DecodedFile, std::ios::binary) << std::string(200 * 1024, 'x') << "\n.y";
+    MessageSource source;
+    ASSERT_TRUE(source.Open("H: h\r\n\r\n", "text\r", 14, code.DecodedFile).Ok());
+    EXPECT_EQ(source.Size(), 14 + 200 * 1024 + 3);
+    std::string out;
+    std::size_t largest = 0;
+    while (!source.AtEnd()) {
+        const std::size_t before = out.size();
+        ASSERT_TRUE(source.Read(out, 1000, true).Ok());
+        largest = std::max(largest, out.size() - before);
+    }
+    EXPECT_EQ(out, "H: h\r\n\r\ntext\r\n" + std::string(200 * 1024, 'x') + "\r\n..y\r\n");
+    EXPECT_LE(largest, 70U * 1024);
+
+    const NetError missing = source.Open("", "", 0, code.DecodedFile + "x");
+    EXPECT_EQ(missing.code, net_error::FileUnreadable);
+    EXPECT_NE(missing.description.find(code.DecodedFile + "x"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace mailvane
