@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include "platform/forms/HeadlessWindows.h"
+#include "support/ManualClock.h"
+
+namespace mailvane {
+namespace {
+
+class Prompts : public testing::Test {
+protected:
+    BoxAnswer Box(const std::string& text, BoxButtons buttons) {
+        return windows.MessageBox({text, "Mailvane", BoxIcon::Question, buttons});
+    }
+
+    test::ManualClock clock;
+    HeadlessWindows windows{clock};
+};
+
+TEST_F(Prompts, BoxesTakeTheFirstAnswerThatIsForThem) {
+    windows.prompts.QueueBox(BoxAnswer::No, "delete");
+    windows.prompts.QueueBox(BoxAnswer::Yes);
+    windows.prompts.QueueBox(BoxAnswer::Cancel);
+    EXPECT_EQ(Box("Save it?", BoxButtons::YesNo), BoxAnswer::Yes);
+    EXPECT_EQ(Box("Really delete?", BoxButtons::YesNo), BoxAnswer::No);
+    EXPECT_EQ(Box("Go on?", BoxButtons::OkCancel), BoxAnswer::Cancel);
+    EXPECT_EQ(windows.prompts.Failure(), std::nullopt);
+}
+
+TEST_F(Prompts, UnansweredBoxesAreClosedAndTheFirstIsTold) {
+    struct Row {
+        BoxButtons buttons;
+        BoxAnswer closed;
+        BoxAnswer byDefault;
+    };
+    for (const Row& row : {Row{BoxButtons::Ok, BoxAnswer::Ok, BoxAnswer::Ok},
+                           Row{BoxButtons::OkCancel, BoxAnswer::Cancel, BoxAnswer::Ok},
+                           Row{BoxButtons::YesNo, BoxAnswer::No, BoxAnswer::Yes},
+                           Row{BoxButtons::YesNoCancel, BoxAnswer::Cancel, BoxAnswer::Yes}}) {
+        HeadlessWindows fresh(clock);
+        EXPECT_EQ(fresh.MessageBox({"One\r\ntwo", "T", BoxIcon::None, row.buttons}), row.closed);
+        EXPECT_EQ(fresh.prompts.Failure(), "nothing answers the message box \"T\": \"One\\ntwo\"");
+        PromptScript relaxed;
+        relaxed.UseDefaults();
+        fresh.PlayPrompts(&relaxed);
+        EXPECT_EQ(fresh.MessageBox({"One", "T", BoxIcon::None, row.buttons}), row.byDefault);
+        EXPECT_EQ(relaxed.Failure(), std::nullopt);
+        EXPECT_EQ(fresh.InputBox({"Name", "T", ""}), std::nullopt);
+        EXPECT_NE(relaxed.Failure(), std::nullopt);  // no default for what must be typed
+    }
+}
+
+TEST_F(Prompts, AnAnswerThatTheBoxDoesNotOfferIsAFailure) {
+    windows.prompts.QueueBox(BoxAnswer::Yes);
+    EXPECT_EQ(Box("Stop?", BoxButtons::OkCancel), BoxAnswer::Cancel);
+    EXPECT_EQ(windows.prompts.Failure(), "the message box \"Stop?\" offers no button \"yes\"");
+}
+
+TEST_F(Prompts, FilesComeInOrderAndGetTheirExtensionWhenSaved) {
+    const FileRequest open{};
+    FileRequest save;
+    save.save = true;
+    save.defaultExtension = "poc";
+    for (const auto* path : {"/p.d/plain", "/p.d/named.txt", "", "/p.d/plain"})
+        windows.prompts.QueueFile(path);
+    windows.prompts.QueueFile(std::nullopt);
+    windows.prompts.QueueFileFirst("/first");
+    EXPECT_EQ(windows.FileDialog(open), "/first");
+    EXPECT_EQ(windows.FileDialog(save), "/p.d/plain.poc");
+    EXPECT_EQ(windows.FileDialog(save), "/p.d/named.txt");
+    EXPECT_EQ(windows.FileDialog(save), "");
+    EXPECT_EQ(windows.FileDialog(open), "/p.d/plain");
+    EXPECT_EQ(windows.FileDialog(save), std::nullopt);
+    EXPECT_EQ(windows.prompts.Failure(), std::nullopt);
+    EXPECT_EQ(windows.FileDialog(open), std::nullopt);
+    EXPECT_NE(windows.prompts.Failure(), std::nullopt);
+}
+
+TEST_F(Prompts, ExpectedBoxesAreFoundOnceAndInOrder) {
+    windows.prompts.UseDefaults();
+    for (const auto* text : {"first", "second", "first"})
+        Box(text, BoxButtons::Ok);
+    EXPECT_FALSE(windows.prompts.ExpectBox("fir"));
+    EXPECT_TRUE(windows.prompts.ExpectBox("second"));
+    EXPECT_FALSE(windows.prompts.ExpectBox("second"));
+    EXPECT_TRUE(windows.prompts.ExpectBox("first"));
+    EXPECT_FALSE(windows.prompts.ExpectBox("first"));
+}
+
+}  // namespace
+}  // namespace mailvane
