@@ -1,0 +1,72 @@
+#include "core/DataControl.h"
+
+#include "core/Paths.h"
+#include "core/RecordsetRows.h"
+
+namespace mailvane {
+
+DaoError DataControl::Refresh() {
+    if (database_ && (!database_->IsOpen() || database_->Path() != DatabaseName)) Close();
+    if (!database_) {
+        if (!wb_.state.MainWorkspace) wb_.state.MainWorkspace = Workspace::Create();
+        auto opened = wb_.state.MainWorkspace->OpenDatabase(DatabaseName);
+        if (opened.Failed()) return opened.Error();
+        database_ = *opened;
+    }
+    auto recordset = database_->OpenRecordset(RecordSource);
+    recordset_ = recordset.Ok() ? *recordset : nullptr;
+    ShowInGrid();
+    refreshed.Tell();
+    return recordset.Ok() ? DaoError{} : recordset.Error();
+}
+
+void DataControl::UseRecordset(std::shared_ptr<mailvane::Recordset> recordset) {
+    recordset_ = std::move(recordset);
+    ShowInGrid();
+}
+
+void DataControl::Close() {
+    aboutToClose.Tell();
+    if (recordset_) recordset_->Close();
+    if (database_) database_->Close();
+    recordset_ = nullptr;
+    database_ = nullptr;
+    ShowInGrid();
+}
+
+std::string DataControl::CurrentTable() const {
+    return TableOfRecordSource(RecordSource);
+}
+
+void DataControl::Bind(Grid& grid) {
+    grid_ = &grid;
+    gridChanges_ = grid.changed.Observe([this](Property property) {
+        if (property != Property::CurrentCell || !recordset_ || !grid_->CurrentRow()) return;
+        const auto bookmark = recordset_->BookmarkAt(*grid_->CurrentRow());
+        // A row that went meanwhile leaves the recordset where it is.
+        if (bookmark.Ok()) recordset_->SetBookmark(*bookmark).Ignore();
+    });
+    ShowInGrid();
+}
+
+void DataControl::ShowInGrid() {
+    if (!grid_) return;
+    std::vector<GridColumn> columns;
+    if (recordset_)
+        for (const Field& field : recordset_->Fields()) {
+            auto& column = columns.emplace_back();
+            column.name = column.caption = field.name;
+            column.position = static_cast<int>(columns.size()) - 1;
+        }
+    grid_->SetRows(nullptr);
+    grid_->SetColumns(std::move(columns));
+    if (!recordset_) return;
+    grid_->SetRows(std::make_shared<RecordsetRows>(recordset_));
+    if (recordset_->RecordCount() > 0) grid_->SetCurrentRow(0);
+}
+
+void FillWithUserTables(const Database& database, ItemsControl& list) {
+    list.SetItems(database.UserTableNames().ValueOr({}));
+}
+
+}  // namespace mailvane

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "platform/forms/Form.h"
+
+namespace mailvane {
+
+/// What lower parts ask of the main window.
+class Shell {
+public:
+    virtual ~Shell() = default;
+
+    /// Carries out the command of a tool of the main window. Disabled and NoSuchEntry do nothing.
+    virtual ControlAnswer ExecuteCommand(const std::string& toolName,
+                                         const std::string& toolCaption) = 0;
+    virtual Form& MainForm() = 0;
+    virtual void SetPanel(const std::string& text) = 0;  ///< panel 1 of the status bar
+    virtual std::string Panel() const = 0;
+    virtual void SetRecordPanel(const std::string& text) = 0;  ///< panel 2
+    virtual ProgressBar& Progress() = 0;                       ///< `Progress1`
+    virtual Button& ShowProgressButton() = 0;                  ///< `cmdProgress`
+    virtual Button& HideProgressButton() = 0;                  ///< `cmdNoProgress`
+    virtual Button& SaveButton() = 0;                          ///< `cmdSave`
+    virtual void AddRecentFile(const std::string& path) = 0;
+};
+
+}  // namespace mailvane

@@ -1,0 +1,240 @@
+#include <gtest/gtest.h>
+
+#include "core/ProgramFolder.h"
+#include "core/Progress.h"
+#include "core/Project.h"
+#include "core/Settings.h"
+#include "core/Sifrant.h"
+#include "core/Text.h"
+#include "core/frmSettings.h"
+#include "core/frmStatus.h"
+#include "support/TestBench.h"
+
+namespace mailvane {
+namespace {
+
+class Project : public ::testing::Test {
+protected:
+    frmSettings& Settings() { return bench.wb.forms.Get<frmSettings>(); }
+    std::string ProjectPath(const std::string& name) const {
+        return bench.InProgramFolder("Projects/" + name);
+    }
+    void Open(const std::string& path) { SwitchProject(bench.wb, path); }
+    /// A project file with that clear text.
+    std::string Written(const std::string& clearText, const char* key = ProjectKey) {
+        const std::string path = ProjectPath("given.poc");
+        WriteFileText(path, Sifrant().Sifriraj(clearText, key));
+        return path;
+    }
+
+    test::TestBench bench;
+};
+
+TEST_F(Project, ComesBackAsItWasSaved) {
+    Settings().txtName.SetText("\xC3\x84nn \"A\"");
+    Settings().txtSignature.SetText("two\r\nlines, * | # each");
+    Settings().chkWrap.SetChecked(true);
+    Settings().optIdentityCustom.SetValue(true);
+    Settings().cmbIndent.SetListIndex(3);
+    Settings().Slider1.SetValue(12);
+    SaveProject(bench.wb, ProjectPath("Sum.mer.poc"));
+    EXPECT_EQ(bench.wb.state.ProjectName, "Sum.mer");
+    EXPECT_EQ(bench.wb.state.ProjectFolder, ProjectPath("Sum.mer"));
+    EXPECT_TRUE(FileExists(ProjectPath("Sum.mer"), true));
+    EXPECT_EQ(bench.mainForm.Caption(), "Sum.mer - Mailvane");
+    EXPECT_EQ(bench.shell.recentFiles, (std::vector<std::string>{ProjectPath("Sum.mer.poc")}));
+    EXPECT_FALSE(bench.wb.forms.Get<frmStatus>().Visible());
+
+    Open(ProjectPath("Sum.mer.poc"));
+    EXPECT_EQ(bench.shell.panels.front(), "");
+    EXPECT_EQ(bench.shell.panel, "");
+    EXPECT_EQ(Settings().txtName.Text(), "\xC3\x84nn \"A\"");
+    EXPECT_TRUE(Settings().optIdentityCustom.IsSet());
+    EXPECT_FALSE(Settings().optIdentityDefault.IsSet());
+    EXPECT_EQ(Settings().cmbIndent.ListIndex(), 3);
+    EXPECT_EQ(Settings().lblTimeOut.Text(), "12 minutes");
+    EXPECT_FALSE(bench.wb.state.LoadingProject);
+
+    SaveProject(bench.wb, ProjectPath("Copy.poc"));
+    EXPECT_EQ(ReadFileText(ProjectPath("Copy.poc")), ReadFileText(ProjectPath("Sum.mer.poc")));
+}
+
+TEST_F(Project, TextHasTheFormsOrder) {
+    const std::string text = ReadControlValues(bench.wb, Settings());
+    EXPECT_TRUE(text.starts_with("txtName*|*#|#txtEmail*|*#|#txtReplyTo*|*#|#"));
+    EXPECT_NE(text.find("optIdentityDefault*|*True#|#optIdentityAnonymous*|*False#|#"),
+              std::string::npos);
+    EXPECT_TRUE(text.ends_with("chkPOPVerify*|*1#|#\r\n"));
+    EXPECT_EQ(text.find("lblTimeOut"), std::string::npos);
+    EXPECT_EQ(text.find("lbxRules"), std::string::npos);
+}
+
+TEST_F(Project, ValuesOfTheText) {
+    struct {
+        const char* name;
+        const char* text;
+        const char* control;
+        const char* expected;
+    } const rows[] = {
+        {"first of two", "txtName*|*a#|#txtName*|*b#|#", "txtName", "a"},
+        {"name counts exactly", "TXTNAME*|*a#|#", "txtName", ""},
+        {"item separator in a value", "txtName*|*a#|#b#|#", "txtName", "a"},
+        {"name separator in a value", "txtName*|*a*|*b#|#", "txtName", "a"},
+        {"item without a value", "txtName#|#", "txtName", ""},
+        {"missing text is emptied", "", "txtSMTPPort", ""},
+        {"missing check box stays", "", "chkPOPVerify", "1"},
+        {"empty option stays", "optIdentityDefault*|*#|#", "optIdentityDefault", "1"},
+        {"option as a number", "optFile*|*-1#|#txtSigFile*|*/none#|#", "optText", "1"},
+        {"option as a word", "optIdentityCustom*|*true#|#", "optIdentityCustom", "1"},
+        {"missing list index stays", "", "cmbSMTPSecurity", "Automatic"},
+        {"list index beyond the end", "cmbIndent*|*99#|#", "cmbIndent", ">"},
+        {"list index that is none", "cmbIndent*|*x#|#", "cmbIndent", ">"},
+        {"no entry", "cmbIndent*|*-1#|#", "cmbIndent", ""},
+        {"slider beyond its end", "Slider1*|*4000000000#|#", "Slider1", "5"},
+        {"missing wrap gets its default", "", "txtWrap", "65"},
+        {"missing tries get their default", "", "txtDeleteUndeliverables", "4"},
+        {"missing POP3 port gets its default", "", "txtPOPPort", "110"},
+        {"the secure default port", "cmbPOPSecurity*|*2#|#", "txtPOPPort", "995"},
+    };
+    for (const auto& row : rows) {
+        bench.Prompts().UseDefaults();
+        Open(Written(row.text));
+        EXPECT_EQ(Settings().FindControl(row.control)->ShownText(), row.expected) << row.name;
+    }
+}
+
+TEST_F(Project, BadFilesEmptyTheTextsAndKeepTheRest) {
+    Settings().txtEmail.SetText("a@b.c");
+    const std::string good = ReadControlValues(bench.wb, Settings());
+    std::string random;
+    for (unsigned i = 0, seed = 3; i < 5000; ++i) {
+        seed = seed * 1103515245u + 12345u;
+        random.push_back(static_cast<char>(seed >> 16));
+    }
+    struct {
+        const char* name;
+        std::string path;
+    } const rows[] = {
+        {"wrong key", Written(good, "other")},
+        {"empty", bench.folder.Write("empty.poc", "")},
+        {"random", bench.folder.Write("random.poc", random)},
+        {"not scrambled", bench.folder.Write("plain.poc", good)},
+        {"missing", bench.folder.File("missing.poc")},
+        {"a folder", bench.folder.Path()},
+    };
+    for (const auto& row : rows) {
+        Open(row.path);
+        EXPECT_EQ(Settings().txtEmail.Text(), "") << row.name;
+        EXPECT_EQ(Settings().txtSMTPPort.Text(), "") << row.name;
+        EXPECT_TRUE(Settings().optIdentityDefault.IsSet()) << row.name;
+        EXPECT_EQ(Settings().cmbIndent.ListIndex(), 0) << row.name;
+    }
+}
+
+TEST_F(Project, CutFilesNeverCrash) {
+    SaveProject(bench.wb, ProjectPath("a.poc"));
+    const std::string whole = ReadFileText(ProjectPath("a.poc"));
+    for (std::size_t length = 0; length < whole.size(); length += 41)
+        Open(bench.folder.Write("cut.poc", whole.substr(0, length)));
+    EXPECT_FALSE(bench.Prompts().Failure().has_value());
+}
+
+TEST_F(Project, SavingRefusesWhatIsNoPath) {
+    bench.Prompts().UseDefaults();
+    SaveProject(bench.wb, "ab");
+    EXPECT_TRUE(bench.Prompts().ExpectBox("Invalid File Name."));
+    EXPECT_EQ(bench.wb.state.ProjectName, "");
+    SaveProject(bench.wb, bench.folder.File("none/none/a.poc"));
+    EXPECT_EQ(bench.Prompts().Shown().size(), 2u);
+    EXPECT_TRUE(bench.shell.recentFiles.empty());
+}
+
+TEST_F(Project, ShippedTemplateHoldsTheDefaults) {
+    const std::string defaults = ReadControlValues(bench.wb, Settings());
+    ASSERT_TRUE(PrepareProgramFolder(bench.wb));
+    EXPECT_EQ(Sifrant().DeSifriraj(ReadFileText(TemplatePath(bench.wb)), ProjectKey), defaults);
+    Open(TemplatePath(bench.wb));
+    EXPECT_EQ(bench.mainForm.Caption(), "Mailvane");
+    EXPECT_TRUE(bench.shell.recentFiles.empty());
+    for (const char* reply : {"subs.msg", "unsubs.msg"}) {
+        const std::string text =
+            Sifrant().DeSifriraj(ReadFileText(bench.InProgramFolder(reply)), ProjectKey);
+        for (const char* key : {"txtFrom*|*", "txtSubject*|*", "txtBody*|*"})
+            EXPECT_NE(text.find(key), std::string::npos) << reply << key;
+        EXPECT_EQ(CountOccurrences(text, "[!replace!]"), 3) << reply;
+    }
+    for (const char* name : {".shd", "msge.mg", "help/index.html"})
+        EXPECT_TRUE(FileExists(bench.InProgramFolder(name))) << name;
+}
+
+TEST_F(Project, PreparingKeepsWhatIsThere) {
+    WriteFileText(TemplatePath(bench.wb), "mine");
+    EXPECT_TRUE(PrepareProgramFolder(bench.wb));
+    EXPECT_EQ(ReadFileText(TemplatePath(bench.wb)), "mine");
+    bench.platform.shareFolder = bench.folder.Path() + "/none";
+    DeleteFile(TemplatePath(bench.wb));
+    EXPECT_FALSE(PrepareProgramFolder(bench.wb));
+}
+
+TEST_F(Project, BrowsingRemembersTheFolder) {
+    bench.Prompts().QueueFile(std::nullopt);
+    EXPECT_EQ(BrowseFile(bench.wb, false, "Projects", ".poc"), "");
+    EXPECT_EQ(GetUserSetting(bench.wb, "Recent File List", "LastDir"), NotFound);
+    bench.Prompts().QueueFile("/p/q/Summer");
+    EXPECT_EQ(BrowseFile(bench.wb, true, "Projects", ".poc"), "/p/q/Summer.poc");
+    EXPECT_EQ(GetUserSetting(bench.wb, "Recent File List", "LastDir"), "/p/q");
+}
+
+TEST_F(Project, RecentFilesKeepFive) {
+    RecentFile recent(bench.wb, "Mailvane");
+    std::vector<std::string> told;
+    recent.onChange = [&](const std::vector<std::string>& paths) { told = paths; };
+    for (const char* path : {"/1", "/2", "/3", "/4", "/5", "/6", "/4"})
+        recent.Add(path);
+    const std::vector<std::string> expected = {"/4", "/6", "/5", "/3", "/2"};
+    EXPECT_EQ(told, expected);
+    RecentFile again(bench.wb, "Mailvane");
+    again.Load();
+    EXPECT_EQ(again.Paths(), expected);
+    RecentFile other(bench.wb, "Other");
+    other.Load();
+    EXPECT_EQ(other.Paths(), std::vector<std::string>(5));
+}
+
+TEST_F(Project, ProgressRunsFromItsOpeningToItsLastStep) {
+    std::string pressed;
+    bench.mainForm.cmdProgress.onClick = [&] { pressed += "+"; };
+    bench.mainForm.cmdNoProgress.onClick = [&] { pressed += "-"; };
+    auto& status = bench.wb.forms.Get<frmStatus>();
+    bench.shell.panel = "busy";
+    UpdateProgress(bench.wb, 3, 0, "one", "two");
+    EXPECT_TRUE(status.Visible());
+    UpdateProgress(bench.wb, 0, 2, "", "more");
+    EXPECT_EQ(status.lblCaption1.Text(), "one");
+    EXPECT_EQ(status.lblCaption2.Text(), "more");
+    EXPECT_EQ(bench.mainForm.Progress1.Value(), 2);
+    EXPECT_EQ(bench.shell.panel, "busy");
+    UpdateProgress(bench.wb, 0, 3);
+    EXPECT_FALSE(status.Visible());
+    EXPECT_EQ(pressed, "+-");
+    EXPECT_EQ(bench.shell.panel, "");
+    UpdateProgress(bench.wb, 5, 0, "", "", false);
+    EXPECT_FALSE(status.Visible());
+    EXPECT_EQ(status.lblCaption1.Text(), "");
+    status.cmdCancel.Press();
+    EXPECT_TRUE(bench.wb.state.CancelRequested);
+    bench.wb.shell = nullptr;
+    UpdateProgress(bench.wb, 0, 5);
+}
+
+TEST_F(Project, BusyPointersNest) {
+    {
+        const BusyPointer outer(bench.wb);
+        { const BusyPointer inner(bench.wb); }
+        EXPECT_EQ(bench.windows.Pointer(), MousePointer::Busy);
+    }
+    EXPECT_EQ(bench.windows.Pointer(), MousePointer::Normal);
+}
+
+}  // namespace
+}  // namespace mailvane

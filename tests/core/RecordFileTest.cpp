@@ -1,0 +1,94 @@
+#include <gtest/gtest.h>
+
+#include "core/RecordFile.h"
+#include "support/TempFolder.h"
+
+namespace mailvane {
+namespace {
+
+const DateTime Date = *DateTime::FromParts(2024, 3, 15, 10, 30, 59);
+
+std::string SampleBytes() {
+    RecordWriter writer;
+    writer.Long(-2);
+    writer.Text("ab");
+    writer.Flag(true);
+    writer.Integer(258);
+    writer.Date(Date);
+    return writer.Bytes();
+}
+
+TEST(RecordFile, WritesFieldsWithoutPadding) {
+    const std::string bytes = SampleBytes();
+    EXPECT_EQ(bytes.substr(0, 12), std::string("\xFE\xFF\xFF\xFF\x02\0ab\xFF\xFF\x02\x01", 12));
+    EXPECT_EQ(bytes.size(), 20u);
+}
+
+TEST(RecordFile, ReadsThemBack) {
+    RecordReader reader(SampleBytes());
+    EXPECT_EQ(reader.Long(), -2);
+    EXPECT_EQ(reader.Text(), "ab");
+    EXPECT_TRUE(reader.Flag());
+    EXPECT_EQ(reader.Integer(), 258);
+    EXPECT_EQ(reader.Date(), Date);
+    EXPECT_TRUE(reader.Complete());
+    EXPECT_EQ(reader.Long(), 0);
+    EXPECT_FALSE(reader.Complete());
+}
+
+TEST(RecordFile, CutsNoText) {
+    for (const std::size_t length : {0u, 1u, 65534u, 65535u, 65536u, 200000u}) {
+        RecordWriter writer;
+        writer.Text(std::string(length, 'x'));
+        writer.Text("behind");
+        RecordReader reader(writer.Bytes());
+        EXPECT_EQ(reader.Text().size(), length);
+        EXPECT_EQ(reader.Text(), "behind") << length;
+    }
+}
+
+TEST(RecordFile, ShortBytesReadAsNothing) {
+    const std::string bytes = SampleBytes();
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        RecordReader reader(bytes.substr(0, length));
+        const std::int32_t number = reader.Long();
+        EXPECT_EQ(number, length < 4 ? 0 : -2);
+        EXPECT_EQ(reader.Text(), length < 8 ? "" : "ab") << length;
+        reader.Flag();
+        reader.Integer();
+        EXPECT_EQ(reader.Date(), DateTime());
+        EXPECT_FALSE(reader.Complete());
+    }
+}
+
+TEST(RecordFile, HostileLengthsAndDatesReadAsNothing) {
+    for (const std::string& bytes : {std::string("\xFE\xFF"
+                                                 "abc"),
+                                     std::string("\xFF\xFF\xFF\xFF\xFF\xFF"
+                                                 "abc"),
+                                     std::string("\xFF\xFF\x01")}) {
+        RecordReader reader(bytes);
+        EXPECT_EQ(reader.Text(), "");
+        EXPECT_EQ(reader.Long(), 0);
+        EXPECT_FALSE(reader.Complete());
+    }
+    RecordReader dates(std::string(8, '\xFF') + std::string("\0\0\0\0\0\0\xF0\x7F", 8));
+    EXPECT_EQ(dates.Date(), DateTime());
+    EXPECT_EQ(dates.Date(), DateTime());
+}
+
+TEST(RecordFile, SavesAndLoadsWholeFiles) {
+    const test::TempFolder folder;
+    const std::string path = folder.File("1.fl");
+    ASSERT_TRUE(SaveRecordFile(path, [](RecordWriter& writer) { writer.Text("t"); }));
+    std::string text;
+    const auto read = [&](RecordReader& reader) { text = reader.Text(); };
+    EXPECT_TRUE(LoadRecordFile(path, read));
+    EXPECT_EQ(text, "t");
+    EXPECT_FALSE(LoadRecordFile(folder.File("2.fl"), read));
+    EXPECT_EQ(text, "");
+    EXPECT_FALSE(SaveRecordFile(folder.File("none/1.fl"), [](RecordWriter&) {}));
+}
+
+}  // namespace
+}  // namespace mailvane
