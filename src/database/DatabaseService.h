@@ -1,0 +1,23 @@
+#pragma once
+
+#include "core/Workbench.h"
+#include "core/frmSettings.h"
+
+namespace mailvane {
+
+/// Attaches the recipients database to frmSettings whenever that form is made: the wizard's
+/// buttons, and the view that follows the chosen file and table. One per workbench; lives as long.
+class DatabaseService {
+public:
+    explicit DatabaseService(Workbench& wb);
+
+private:
+    void Attach(frmSettings& settings);
+    void FollowTable();
+    Workbench& wb_;
+    Subscription created_;
+    Subscription databaseChanged_;
+    Subscription tableChosen_;
+};
+
+}  // namespace mailvane
