@@ -1,0 +1,277 @@
+#include "platform/qt/FormWindow.h"
+
+#include <QDialog>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QScreen>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "platform/qt/FormDesign.h"
+#include "platform/qt/QtText.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr double TwipsPerPixel = 15;
+constexpr int CascadeStep = 28;  ///< pixels
+constexpr int CascadeLength = 6;
+
+int ToPixels(double twips) {
+    return static_cast<int>(twips / TwipsPerPixel);
+}
+
+/// In a window title "[*]" would be a place holder.
+QString TitleText(const std::string& caption) {
+    return ToQt(caption).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+}
+
+Qt::WindowFlags FlagsOf(FormStyle style) {
+    if (style == FormStyle::Splash) return Qt::SplashScreen | Qt::FramelessWindowHint;
+    return Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+}
+
+bool IsOnAScreen(const QPoint& corner) {
+    return QGuiApplication::screenAt(corner) != nullptr;
+}
+
+/// Turns every tab page that `widget` lies on to the front.
+void BringPagesForward(QWidget* widget) {
+    for (QWidget* page = widget; page->parentWidget(); page = page->parentWidget()) {
+        // A page's parent is the stack inside the tab widget.
+        auto* tabs = qobject_cast<QTabWidget*>(page->parentWidget()->parentWidget());
+        if (tabs && tabs->indexOf(page) >= 0) tabs->setCurrentWidget(page);
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<FormWindow> FormWindow::Make(Form& form, MainWindow* main, bool modal) {
+    std::unique_ptr<FormWindow> window(new FormWindow(form));
+    if (!window->MakeFrame(main, modal)) return nullptr;
+    window->TieControls();
+    window->Follow();
+    window->frame_->installEventFilter(window.get());
+    return window;
+}
+
+FormWindow::FormWindow(Form& form) : form_(&form) {}
+
+FormWindow::~FormWindow() {
+    if (form_ && frame_) Detach();
+    delete frame_;
+}
+
+bool FormWindow::MakeFrame(MainWindow* main, bool modal) {
+    if (form_->Style() == FormStyle::Main) {
+        main_ = new MainWindow(*form_);
+        frame_ = content_ = main_;
+        return true;
+    }
+    // Without a parent: inside one, the design's root would lose the margins of its layout.
+    content_ = LoadDesign(form_->Name(), nullptr);
+    if (!content_) return false;
+    inside_ = form_->Style() == FormStyle::Child && main && !modal;
+    if (inside_) {
+        MakeChild(main->Area());
+    } else {
+        MakeDialog(main && main->isVisible() ? main : nullptr);
+    }
+    return true;
+}
+
+/// A child that has not been placed yet stands a little below and right of the one before, whole.
+void FormWindow::MakeChild(QMdiArea& area) {
+    const QSize size = content_->size();
+    auto* child = new QMdiSubWindow;
+    frame_ = child;
+    child->setAttribute(Qt::WA_DeleteOnClose, false);
+    child->setWidget(content_);
+    const int step = static_cast<int>(area.subWindowList().size()) % CascadeLength * CascadeStep;
+    area.addSubWindow(child);
+    const QSize whole = size.grownBy(child->contentsMargins());
+    const QSize room = area.viewport()->size() - QSize(step, step);
+    child->resize(area.isVisible() ? whole.boundedTo(room) : whole);
+    child->move(step, step);
+    child->hide();
+}
+
+void FormWindow::MakeDialog(QWidget* parent) {
+    const QSize size = content_->size();
+    frame_ = new QDialog(parent, FlagsOf(form_->Style()));
+    auto* layout = new QVBoxLayout(frame_);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(content_);
+    frame_->resize(size);
+    // A default button tells its dialog only when it becomes the default.
+    for (QPushButton* button : content_->findChildren<QPushButton*>()) {
+        if (!button->isDefault()) continue;
+        button->setDefault(false);
+        button->setDefault(true);
+    }
+}
+
+void FormWindow::TieControls() {
+    for (Control* control : form_->Controls()) {
+        if (control->Kind() == ControlKind::ActiveBar) {
+            TieBar(static_cast<ActiveBar&>(*control));
+            continue;
+        }
+        QWidget* widget = main_ ? nullptr : WidgetOf(*control);
+        if (!widget || !WidgetFits(*control, *widget)) continue;
+        bindings_.push_back(BindControl(*control, *widget));
+        bindings_.back()->Start();
+    }
+}
+
+void FormWindow::TieBar(ActiveBar& bar) {
+    if (main_) {
+        bar_ = std::make_unique<BarBinding>(bar, *main_);
+    } else if (QWidget* place = WidgetOf(bar)) {
+        bar_ = std::make_unique<BarBinding>(bar, *place, *content_);
+    }
+}
+
+QWidget* FormWindow::WidgetOf(const Control& control) const {
+    return content_->findChild<QWidget*>(ToQt(control.Name()));
+}
+
+void FormWindow::Show() {
+    Follow();
+    frame_->show();
+    FollowState();
+    BringToFront();
+    ReportPlace();
+}
+
+void FormWindow::Hide() {
+    frame_->hide();
+}
+
+void FormWindow::BringToFront() {
+    if (frame_->isMinimized()) frame_->showNormal();
+    if (inside_) {
+        auto* child = static_cast<QMdiSubWindow*>(frame_);
+        if (child->mdiArea()) child->mdiArea()->setActiveSubWindow(child);
+        return;
+    }
+    frame_->raise();
+    if (form_->Style() != FormStyle::Splash) frame_->activateWindow();
+}
+
+void FormWindow::Follow() {
+    frame_->setWindowTitle(TitleText(form_->Caption()));
+    FollowPlace();
+    if (frame_->isVisible()) FollowState();
+}
+
+bool FormWindow::IsPlaced() const {
+    const FormRect& rect = form_->Rect();
+    return (rect.left != -1 || rect.top != -1) &&
+           (inside_ || IsOnAScreen(QPoint(ToPixels(rect.left), ToPixels(rect.top))));
+}
+
+void FormWindow::FollowPlace() {
+    const FormRect& rect = form_->Rect();
+    following_ = true;
+    const QSize size(rect.width > 0 ? ToPixels(rect.width) : frame_->width(),
+                     rect.height > 0 ? ToPixels(rect.height) : frame_->height());
+    if (ShownState() == WindowState::Normal) {
+        frame_->resize(size);
+        if (IsPlaced()) frame_->move(ToPixels(rect.left), ToPixels(rect.top));
+    }
+    following_ = false;
+}
+
+void FormWindow::FollowState() {
+    if (form_->State() == ShownState()) return;
+    following_ = true;
+    switch (form_->State()) {
+        case WindowState::Normal:
+            frame_->showNormal();
+            break;
+        case WindowState::Minimized:
+            frame_->showMinimized();
+            break;
+        case WindowState::Maximized:
+            frame_->showMaximized();
+            break;
+    }
+    following_ = false;
+}
+
+WindowState FormWindow::ShownState() const {
+    if (frame_->isMinimized()) return WindowState::Minimized;
+    return frame_->isMaximized() ? WindowState::Maximized : WindowState::Normal;
+}
+
+void FormWindow::ReportPlace() {
+    FormRect rect = form_->Rect();
+    const WindowState state = ShownState();
+    if (state == WindowState::Normal) {
+        rect = {frame_->x() * TwipsPerPixel, frame_->y() * TwipsPerPixel,
+                frame_->width() * TwipsPerPixel, frame_->height() * TwipsPerPixel};
+    }
+    form_->PlacedByUser(rect, state);
+}
+
+void FormWindow::SetModal(bool modal) {
+    if (inside_) return;
+    const Qt::WindowModality modality = modal ? Qt::ApplicationModal : Qt::NonModal;
+    if (frame_->windowModality() == modality) return;
+    // Qt takes the change only from a hidden window.
+    const bool shown = frame_->isVisible() && modal;
+    if (shown) frame_->hide();
+    frame_->setWindowModality(modality);
+    if (shown) frame_->show();
+}
+
+void FormWindow::FocusControl(const Control& control) {
+    QWidget* widget = WidgetOf(control);
+    if (!widget) return;
+    BringPagesForward(widget);
+    BringToFront();
+    widget->setFocus(Qt::OtherFocusReason);
+}
+
+void FormWindow::Detach() {
+    bindings_.clear();
+    bar_.reset();
+    if (main_) main_->Detach();
+    form_ = nullptr;
+    frame_->removeEventFilter(this);
+    frame_->hide();
+    if (inside_) {
+        auto* child = static_cast<QMdiSubWindow*>(frame_);
+        if (child->mdiArea()) child->mdiArea()->removeSubWindow(child);
+        child->hide();
+    }
+}
+
+bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != frame_ || !form_) return false;
+    switch (event->type()) {
+        case QEvent::Close:
+            event->ignore();
+            form_->OnCloseBox();
+            return true;
+        case QEvent::KeyPress:
+            if (main_ || inside_ || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
+                return false;
+            form_->OnCloseBox();
+            return true;
+        case QEvent::Move:
+        case QEvent::Resize:
+        case QEvent::WindowStateChange:
+            if (!following_ && frame_->isVisible()) ReportPlace();
+            return false;
+        default:
+            return false;
+    }
+}
+
+}  // namespace mailvane
