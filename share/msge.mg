@@ -1,1 +1,1 @@
-ejntE`XaOIA;uOmOaBiIAnGFntOH=AC<oyh=UuAy`ocn<sdez_r[N[ydUuIee\NG\<FvP?dQVMfMal>`kUsGw<G^vWESNbLE_\=Z<w[iGDMy?iBRu@dRDGCRRceszOaHpOc
+ejntE`XaOIA;uOmOaBiIAnGFntOH=AC<oyh=UuAy`ocn<sdez_r[N[ydUuIee\NG\<QvBVqNOHg=N?>``SnGyRUqm>PXWsQUSxVZ;UqfU;HjV\D>oxWRE=<RSywhqFtCVNhd

@@ -86,11 +86,12 @@ void ControlBinding::Guarded(const std::function<void()>& show) {
 }
 
 void ControlBinding::ShowCommon(Property property) {
+    QWidget* const label = label_;
     if (property == Property::Enabled) {
-        if (label_) label_->setEnabled(control_.Enabled());
+        if (label != nullptr) label->setEnabled(control_.Enabled());
         widget_.setEnabled(control_.Enabled());
     } else if (property == Property::Visible) {
-        if (label_) label_->setVisible(control_.Visible());
+        if (label != nullptr) label->setVisible(control_.Visible());
         if (widget_.isHidden() == control_.Visible()) widget_.setVisible(control_.Visible());
     } else if (property == Property::Tip && (!control_.Tip().empty() || started_)) {
         widget_.setToolTip(PlainToolTip(control_.Tip()));

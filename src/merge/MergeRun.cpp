@@ -1,0 +1,280 @@
+#include "merge/MergeRun.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/Progress.h"
+#include "core/Text.h"
+#include "core/frmSettings.h"
+#include "core/frmStatus.h"
+#include "merge/MergeGenerator.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr const char* AccessingRecords = "Accessing records, please wait...";
+constexpr const char* FilteringRecords = "Filtering records, please wait...";
+constexpr const char* ProceedAnyway = "\r\nDo you want to proceed anyway?";
+constexpr std::size_t MailingTableNameLength = 58;
+
+/// The text as a number of rows; what is beyond 32 bits is as good as without end.
+std::int64_t RowNumber(const std::string& text) {
+    constexpr double Most = 2147483647;
+    return std::llrint(std::clamp(NumberOf(text), -Most, Most));
+}
+
+bool IsBelowOneOrNoNumber(const std::string& text) {
+    return !IsNumeric(text) || NumberOf(text) < 1;
+}
+
+std::string MailingTableName(const std::string& table, DateTime now) {
+    std::string name = table + " " + now.Stamp();
+    std::size_t length = std::min(name.size(), MailingTableNameLength);
+    // No letter is cut in the middle of its bytes.
+    while (length < name.size() && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80)
+        --length;
+    return name.substr(0, length);
+}
+
+}  // namespace
+
+MergeRun::MergeRun(Workbench& wb, frmMerge& dialog)
+    : wb_(wb),
+      dialog_(dialog),
+      view_(wb.forms.Get<frmViewDatabase>()),
+      message_(wb.forms.Get<frmViewMerge>()) {}
+
+void MergeRun::Start() {
+    if (!CheckOptions()) return;
+    CopySettings();
+    Begin();
+    OpenRecipients();
+    if (!Narrow()) return FinishMergeRun();
+    ShowPanel("");
+    wb_.platform.windows.SetPointer(MousePointer::ArrowBusy);
+    const Outcome outcome = GenerateMessages();
+    FinishMergeRun();
+    if (outcome == Outcome::Complete) HandOver();
+    if (outcome == Outcome::Cancelled) {
+        AskToDelete();
+        dialog_.Unload();
+    }
+}
+
+/// A bracket in the name itself would end it early; without it, no table has that name.
+std::string MergeRun::Bracketed(const std::string& name) {
+    std::string inner = name;
+    std::erase(inner, ']');
+    return "[" + inner + "]";
+}
+
+bool MergeRun::CheckOptions() {
+    return CheckDateColumn() && CheckMaximum() && CheckRange();
+}
+
+bool MergeRun::CheckDateColumn() {
+    if (!dialog_.chkDate.Checked() || dialog_.DateColumnChosen()) return true;
+    dialog_.chkDate.SetChecked(false);
+    return AskYesNo(wb_, "Your database field '" + dialog_.cmbField.Text() +
+                             "' is not a date data type field. \r\n"
+                             "You can use this criteria only with date data type fields." +
+                             ProceedAnyway);
+}
+
+bool MergeRun::CheckMaximum() {
+    if (!dialog_.chkMax.Checked()) return true;
+    dialog_.txtMax.SetText(Trim(dialog_.txtMax.Text()));
+    const std::string value = dialog_.txtMax.Text();
+    if (!IsBelowOneOrNoNumber(value)) return true;
+    dialog_.chkMax.SetChecked(false);
+    return AskYesNo(wb_, "'Maximum number of messages' text box contains invalid value: '" + value +
+                             "'." + ProceedAnyway);
+}
+
+bool MergeRun::CheckRange() {
+    if (!dialog_.chkFractional.Checked()) return true;
+    for (TextBox* field : {&dialog_.txtFractional1, &dialog_.txtFractional2})
+        field->SetText(Trim(field->Text()));
+    const std::string first = dialog_.txtFractional1.Text();
+    const std::string second = dialog_.txtFractional2.Text();
+    if (!IsBelowOneOrNoNumber(first) && !IsBelowOneOrNoNumber(second) &&
+        NumberOf(first) <= NumberOf(second))
+        return true;
+    dialog_.chkFractional.SetChecked(false);
+    return AskYesNo(wb_,
+                    "Invalid range of rows for fractional sending: " + RangeText() + ProceedAnyway);
+}
+
+std::string MergeRun::RangeText() const {
+    return "'from " + dialog_.txtFractional1.Text() + " to " + dialog_.txtFractional2.Text() + "'.";
+}
+
+void MergeRun::CopySettings() {
+    frmSettings& settings = wb_.forms.Get<frmSettings>();
+    settings.txtSMTPServer.SetText(dialog_.txtSMTPServer.Text());
+    settings.txtSMTPPort.SetText(dialog_.txtSMTPPort.Text());
+    settings.chkServer.SetChecked(dialog_.chkServer.Checked());
+    settings.chkSaveSentMessages.SetChecked(dialog_.chkSaveSentMessages.Checked());
+}
+
+void MergeRun::Begin() {
+    message_.Grid1.SetRedraw(false);
+    view_.Grid1.SetRedraw(false);
+    message_.SetRunning(true);
+    dialog_.cmdStart.SetEnabled(false);
+    wb_.state.CancelRequested = false;
+    if (const auto shown = view_.Data1.Recordset()) {
+        const auto bookmark = shown->GetBookmark();
+        if (bookmark.Ok()) savedBookmark_ = *bookmark;
+    }
+    wb_.platform.windows.SetPointer(MousePointer::Busy);
+    table_ = view_.Data1.CurrentTable();
+    mailingTable_ = MailingTableName(table_, wb_.platform.clock.Now());
+}
+
+/// A table that cannot be opened leaves no recipients and a total of 0.
+void MergeRun::OpenRecipients() {
+    ShowPreparing(wb_, AccessingRecords);
+    ShowPanel(AccessingRecords);
+    database_ = view_.Data1.Database();
+    if (database_) {
+        const std::string all = Bracketed(table_);
+        const auto opened = database_->OpenRecordset(
+            dialog_.chkMax.Checked()
+                ? "SELECT TOP " + std::to_string(RowNumber(dialog_.txtMax.Text())) + " " + all +
+                      ".* FROM " + all + ";"
+                : table_);
+        if (opened.Ok()) recipients_ = *opened;
+    }
+    if (recipients_) total_ = recipients_->RecordCount();
+    EndPreparing(wb_);
+}
+
+bool MergeRun::Narrow() {
+    if (recipients_ && dialog_.chkDate.Checked() && !NarrowByDate()) return false;
+    if (recipients_ && dialog_.chkFractional.Checked() && !NarrowByRows()) return false;
+    if (total_ == 0)
+        return RefuseStart(
+            "This message cannot be sent. You don't have any records.\r\n"
+            "Choose another table or select another date range.");
+    return dialog_.IsLoaded();
+}
+
+/// Dates that cannot be compared select nobody, rather than everybody.
+bool MergeRun::NarrowByDate() {
+    ShowPanel(FilteringRecords);
+    recipients_->SetFilter(Bracketed(dialog_.cmbField.Text()) + " BETWEEN #" +
+                           dialog_.Date1.Value().GeneralDate() + "# And #" +
+                           dialog_.Date2.Value().GeneralDate() + "#");
+    const auto filtered = recipients_->OpenFiltered();
+    recipients_ = filtered.Ok() ? *filtered : nullptr;
+    total_ = recipients_ ? recipients_->RecordCount() : 0;
+    if (total_ > 0) return true;
+    return RefuseStart(
+        "This message cannot be sent. \r\nChoose another table or select another date range.");
+}
+
+bool MergeRun::NarrowByRows() {
+    ShowPanel(FilteringRecords);
+    firstRow_ = RowNumber(dialog_.txtFractional1.Text());
+    total_ = RowNumber(dialog_.txtFractional2.Text()) - firstRow_ + 1;
+    SkipRows(firstRow_ - 1);
+    if (total_ >= 1) return true;
+    return RefuseStart(
+        "This message can't be sent. Invalid range of rows for fractional sending: " + RangeText() +
+        "\r\nChoose another table or select another range.");
+}
+
+bool MergeRun::RefuseStart(const std::string& text) {
+    wb_.platform.windows.SetPointer(MousePointer::Normal);
+    Tell(wb_, text, BoxIcon::Exclamation);
+    return false;
+}
+
+MergeRun::Outcome MergeRun::GenerateMessages() {
+    const bool personal = dialog_.optPersonal.IsSet();
+    if (!personal && !CheckPacketSize()) return Outcome::Stopped;
+    MergeGenerator generator(wb_, message_, recipients_,
+                             {personal, message_.txtTo.Text(), dialog_.txtTo.Text()});
+    UpdateProgress(wb_, static_cast<long>(total_), 0, "Generating messages...");
+    return personal ? GeneratePersonal(generator) : GenerateBulk(generator);
+}
+
+MergeRun::Outcome MergeRun::GeneratePersonal(MergeGenerator& generator) {
+    Outcome outcome = Outcome::Complete;
+    for (std::int64_t i = 1; i <= total_ && outcome == Outcome::Complete; ++i) {
+        generator.GenerateMergeMessage();
+        outcome = StepOn(i);
+    }
+    noMailingTable_ = outcome == Outcome::Cancelled;
+    return outcome;
+}
+
+/// The packet text goes on growing from one packet to the next, and only a full packet, or one that
+/// has reached the number of all recipients, becomes a message.
+MergeRun::Outcome MergeRun::GenerateBulk(MergeGenerator& generator) {
+    const double packetSize = NumberOf(dialog_.txtPacket.Text());
+    std::int64_t packetCount = 1;
+    Outcome outcome = Outcome::Complete;
+    for (std::int64_t i = 1; i <= total_ && outcome == Outcome::Complete; ++i) {
+        const bool full = static_cast<double>(packetCount) == packetSize ||
+                          packetCount == recipients_->RecordCount();
+        if (!AppendAddress(generator.PacketText, full ? "" : ", ")) return Outcome::Stopped;
+        if (full) generator.GenerateMergeMessage();
+        packetCount = full ? 1 : packetCount + 1;
+        outcome = StepOn(i);
+    }
+    return outcome;
+}
+
+bool MergeRun::CheckPacketSize() {
+    dialog_.txtPacket.SetText(Trim(dialog_.txtPacket.Text()));
+    const std::string value = dialog_.txtPacket.Text();
+    if (!IsBelowOneOrNoNumber(value)) return true;
+    wb_.platform.windows.SetPointer(MousePointer::Normal);
+    if (!AskYesNo(wb_, "'Messages per packet' text-box contains invalid value: '" + value + "'." +
+                           ProceedAnyway))
+        return false;
+    dialog_.txtPacket.SetText("19");
+    return true;
+}
+
+/// A Null address joins as nothing. False when the user ends the run.
+bool MergeRun::AppendAddress(std::string& packet, const char* separator) {
+    const auto address = recipients_->Get(dialog_.cmbEmail.Text());
+    if (address.Failed()) return Proceed(address.Error());
+    packet.append(address->TextOrEmpty()).append(separator);
+    return true;
+}
+
+/// To the next recipient; Complete when the run goes on.
+MergeRun::Outcome MergeRun::StepOn(std::int64_t message) {
+    if (std::exchange(wb_.state.CancelRequested, false)) return Outcome::Cancelled;
+    UpdateProgress(
+        wb_, 0, static_cast<long>(message),
+        "Generating message " + std::to_string(message) + " of " + std::to_string(total_) + "...");
+    if (!Proceed(recipients_->MoveNext())) return Outcome::Stopped;
+    YieldBriefly(wb_);
+    return dialog_.IsLoaded() ? Outcome::Complete : Outcome::Stopped;
+}
+
+bool MergeRun::Proceed(const DaoError& error) {
+    return error.Ok() || AskYesNo(wb_, error.description + ProceedAnyway, BoxIcon::Exclamation);
+}
+
+void MergeRun::SkipRows(std::int64_t count) {
+    // A failed step leaves the position past the end, which the next message then meets.
+    recipients_->MoveFirst().Ignore();
+    for (std::int64_t i = 0; i < count && !recipients_->EndOfFile(); ++i) {
+        recipients_->MoveNext().Ignore();
+        YieldBriefly(wb_);
+    }
+}
+
+void MergeRun::ShowPanel(const std::string& text) {
+    if (wb_.shell) wb_.shell->SetPanel(text);
+}
+
+}  // namespace mailvane

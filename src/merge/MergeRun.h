@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/Workbench.h"
+#include "database/frmViewDatabase.h"
+#include "merge/frmMerge.h"
+#include "merge/frmViewMerge.h"
+
+namespace mailvane {
+
+class MergeGenerator;
+
+/// One run of frmMerge: narrows the recipients, writes the messages to the Outbox, and hands over
+/// to the send run when that was asked for. The dialog and the views may be unloaded while it
+/// yields; it ends then.
+class MergeRun {
+public:
+    MergeRun(Workbench& wb, frmMerge& dialog);
+
+    /// The whole run, messages to the user included. Returns when it is over.
+    void Start();
+
+private:
+    enum class Outcome { Complete, Cancelled, Stopped };
+
+    // Before the run: false ends it.
+    bool CheckOptions();
+    bool CheckDateColumn();
+    bool CheckMaximum();
+    bool CheckRange();
+    void CopySettings();
+    void Begin();
+    void OpenRecipients();
+    bool Narrow();
+    bool NarrowByDate();
+    bool NarrowByRows();
+    bool RefuseStart(const std::string& text);
+
+    // The run.
+    Outcome GenerateMessages();
+    Outcome GeneratePersonal(MergeGenerator& generator);
+    Outcome GenerateBulk(MergeGenerator& generator);
+    bool CheckPacketSize();
+    bool AppendAddress(std::string& packet, const char* separator);
+    Outcome StepOn(std::int64_t message);
+    bool Proceed(const DaoError& error);
+
+    // After it.
+    void FinishMergeRun();
+    void CreateMailingTable();
+    void CopyRows(Recordset& mailingTable);
+    void AskToDelete();
+    void HandOver();
+
+    void SkipRows(std::int64_t count);
+    void ShowPanel(const std::string& text);
+    std::string RangeText() const;
+    static std::string Bracketed(const std::string& name);
+
+    Workbench& wb_;
+    frmMerge& dialog_;
+    frmViewDatabase& view_;
+    frmViewMerge& message_;
+    std::shared_ptr<Database> database_;
+    std::shared_ptr<Recordset> recipients_;
+    std::string table_;
+    std::string mailingTable_;
+    std::int64_t firstRow_ = 1;  ///< of the recipients
+    std::int64_t total_ = 0;     ///< messages to make, or addresses in bulk packets
+    bool noMailingTable_ = false;
+    std::optional<Bookmark> savedBookmark_;
+};
+
+}  // namespace mailvane

@@ -1,0 +1,106 @@
+#include "core/Progress.h"
+#include "core/Text.h"
+#include "core/frmSettings.h"
+#include "core/frmStatus.h"
+#include "merge/MergeRun.h"
+#include "merge/frmMSGOutbox.h"
+#include "store/MessageStore.h"
+#include "store/frmViewEmail.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr const char* CreatingMailingTable = "Creating mailing table, please wait...";
+constexpr const char* AccessingMessages = "Accessing new messages, please wait...";
+
+void CloseStatus(Workbench& wb) {
+    if (auto* status = wb.forms.Find<frmStatus>()) status->Hide();
+    if (wb.shell) wb.shell->HideProgressButton().Press();
+}
+
+}  // namespace
+
+/// Failures in here are passed over: the messages are made already.
+void MergeRun::FinishMergeRun() {
+    if (recipients_ && dialog_.chkCreate.Checked() && !noMailingTable_) CreateMailingTable();
+    if (recipients_) recipients_->Close();
+    if (auto* mail = wb_.forms.Find<frmViewEmail>()) mail->cmdRefresh.Press();
+    if (message_.IsLoaded()) message_.cmdRefresh.Press();
+    message_.SetRunning(false);
+    message_.Grid1.SetRedraw(true);
+    view_.Grid1.SetRedraw(true);
+    dialog_.cmdStart.SetEnabled(true);
+    if (savedBookmark_ && view_.Data1.Recordset())
+        view_.Data1.Recordset()->SetBookmark(*savedBookmark_).Ignore();
+    CloseStatus(wb_);
+    ShowPanel("");
+    wb_.platform.windows.SetPointer(MousePointer::Normal);
+}
+
+void MergeRun::CreateMailingTable() {
+    ShowPanel(CreatingMailingTable);
+    const std::string source = Bracketed(table_);
+    const std::string target = Bracketed(mailingTable_);
+    // A second run in the same second finds the table made and adds to it.
+    const auto made =
+        database_->Execute("SELECT TOP 1 " + source + ".* INTO " + target + " FROM " + source);
+    if (made.Ok() && database_->Execute("DELETE * FROM " + target).Failed()) return;
+    const auto mailingTable = database_->OpenRecordset(mailingTable_);
+    if (mailingTable.Failed()) return;
+    CopyRows(**mailingTable);
+    (*mailingTable)->Close();
+}
+
+/// The rows that the run was for, made into messages or not.
+void MergeRun::CopyRows(Recordset& mailingTable) {
+    if (total_ < 1) return;
+    SkipRows(firstRow_ - 1);
+    UpdateProgress(wb_, static_cast<long>(total_), 0, CreatingMailingTable);
+    for (std::int64_t i = 1; i <= total_ && !recipients_->EndOfFile(); ++i) {
+        mailingTable.AddNew().Ignore();
+        for (const Field& field : recipients_->Fields()) {
+            const auto value = recipients_->Get(field.name);
+            if (value.Ok()) mailingTable.Set(field.name, *value).Ignore();
+        }
+        mailingTable.Update().Ignore();
+        YieldBriefly(wb_);
+        UpdateProgress(wb_, 0, static_cast<long>(i));
+        if (recipients_->MoveNext().Failed()) return;
+    }
+}
+
+/// Deletes all of the Outbox, also what was there before the run.
+void MergeRun::AskToDelete() {
+    if (!AskYesNo(wb_,
+                  "Do you want to delete all generated messages from your Outbox e-mail folder?",
+                  BoxIcon::Question, "Delete messages"))
+        return;
+    const BusyPointer busy(wb_);
+    if (wb_.state.MessageStore)
+        if (const auto deleted = wb_.state.MessageStore->Execute("DELETE * FROM [Outbox]");
+            deleted.Failed())
+            Tell(wb_, deleted.Error().description, BoxIcon::Exclamation);
+    if (auto* mail = wb_.forms.Find<frmViewEmail>()) mail->cmdRefresh.Press();
+}
+
+void MergeRun::HandOver() {
+    ShowPreparing(wb_, AccessingMessages);
+    ShowPanel(AccessingMessages);
+    if (wb_.state.MessageStore) {
+        const auto outbox = wb_.state.MessageStore->OpenRecordset(OutboxFolder);
+        if (outbox.Ok()) (*outbox)->Close();
+    }
+    EndPreparing(wb_);
+    ShowPanel("");
+    dialog_.Hide();
+    if (!wb_.state.UnattendedRun) ShowModalDialog(wb_, wb_.forms.Get<frmMSGOutbox>());
+    if (wb_.state.SendNowFlag && dialog_.IsLoaded()) {
+        wb_.state.FinalRunStep = true;
+        wb_.forms.Get<frmSettings>().cmdSendEmail.Press();
+        wb_.state.FinalRunStep = false;
+    }
+    dialog_.Unload();
+}
+
+}  // namespace mailvane

@@ -1,0 +1,66 @@
+#include "merge/TagList.h"
+
+#include "core/Text.h"
+
+namespace mailvane {
+
+TagList::TagList(std::vector<std::string> names) : names_(std::move(names)) {
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        positions_.try_emplace(ToLower(names_[i]), i);
+        if (names_[i].find_first_of("[]") != std::string::npos) namesHoldBrackets_ = true;
+    }
+}
+
+void TagList::Replace(std::string& text, const ValueOf& valueOf) const {
+    if (text.find('[') == std::string::npos) return;
+    if (!namesHoldBrackets_ && ReplaceInOnePass(text, valueOf)) return;
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        const std::string tag = "[" + names_[i] + "]";
+        if (!ContainsText(text, tag)) continue;
+        if (const std::string* value = valueOf(i)) text = ReplaceText(text, tag, *value);
+    }
+}
+
+void TagList::Remove(std::string& text) const {
+    const std::string nothing;
+    Replace(text, [&nothing](std::size_t) { return &nothing; });
+}
+
+std::optional<std::size_t> TagList::Find(std::string_view name) const {
+    const auto found = positions_.find(ToLower(name));
+    return found == positions_.end() ? std::nullopt : std::optional(found->second);
+}
+
+/// One walk over the text does what the passes do as long as no replacement can make a new tag:
+/// no value holds an opening bracket, and no tag stands behind a bracket that is still open. False,
+/// with `text` untouched, when that is not so.
+bool TagList::ReplaceInOnePass(std::string& text, const ValueOf& valueOf) const {
+    std::string result;
+    std::size_t copied = 0;
+    bool behindOpenBracket = false;
+    std::size_t open = text.find('[');
+    while (open != std::string::npos) {
+        const std::size_t next = text.find_first_of("[]", open + 1);
+        if (next == std::string::npos) break;
+        if (text[next] == '[') {
+            behindOpenBracket = true;
+            open = next;
+            continue;
+        }
+        const auto position = Find(std::string_view(text).substr(open + 1, next - open - 1));
+        if (position) {
+            if (behindOpenBracket) return false;
+            if (const std::string* value = valueOf(*position)) {
+                if (value->find('[') != std::string::npos) return false;
+                result.append(text, copied, open - copied).append(*value);
+                copied = next + 1;
+            }
+        }
+        behindOpenBracket = false;
+        open = text.find('[', next + 1);
+    }
+    if (copied > 0) text = result.append(text, copied);
+    return true;
+}
+
+}  // namespace mailvane

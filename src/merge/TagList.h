@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace mailvane {
+
+/// The tags "[name]" of a list of names. Letter case is ignored, and nothing may stand between the
+/// brackets and the name.
+class TagList {
+public:
+    explicit TagList(std::vector<std::string> names);
+
+    const std::vector<std::string>& Names() const { return names_; }
+
+    /// Gives the text for the name at a position; null leaves its tag as it is. The text must live
+    /// until the next call.
+    using ValueOf = std::function<const std::string*(std::size_t)>;
+    /// Replaces every tag in `text`, one pass a name in the order of the names: a value that holds
+    /// the tag of a later name has that one replaced too, the tag of an earlier name stays.
+    void Replace(std::string& text, const ValueOf& valueOf) const;
+    /// The same with nothing in place of every tag.
+    void Remove(std::string& text) const;
+
+private:
+    std::optional<std::size_t> Find(std::string_view name) const;
+    bool ReplaceInOnePass(std::string& text, const ValueOf& valueOf) const;
+    std::vector<std::string> names_;
+    std::unordered_map<std::string, std::size_t> positions_;  ///< by the name in lower case
+    bool namesHoldBrackets_ = false;
+};
+
+}  // namespace mailvane

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/DataControl.h"
+#include "core/Project.h"
+#include "core/Workbench.h"
+#include "database/frmViewDatabase.h"
+
+namespace mailvane {
+
+/// The merge view: one message with field tags, written for the table that the database view
+/// shows. The first seven controls are the message document, in its order.
+class frmViewMerge final : public WorkbenchForm {
+public:
+    explicit frmViewMerge(Workbench& wb);
+
+    TextBox txtFrom{*this, "txtFrom"};
+    TextBox txtSubject{*this, "txtSubject"};
+    RichTextBox txtBody{*this, "txtBody"};
+    ComboBox txtTo{*this, "txtTo"};
+    ListBox lstAttach{*this, "lstAttach"};
+    ListBox lstHTML{*this, "lstHTML"};
+    Label lblTable{*this, "lblTable"};
+
+    ActiveBar ActiveBar1{*this, "ActiveBar1"};
+    ComboBox cmbTable{*this, "cmbTable"};
+    ListBox lstFields{*this, "lstFields"};
+    Panel pnlTable{*this, "pnlTable"};
+    Grid Grid1{*this, "Grid1"};
+    Button cmdRefresh{*this, "cmdRefresh", Button::HiddenButton};
+    Timer Timer1{*this, "Timer1", std::chrono::milliseconds(500)};
+
+    DataControl Data1;
+    RecentFile RecentFile1;
+
+    /// Makes the file the form's message. Its table becomes the table in use when the database has
+    /// it; otherwise a box says so and the table stays.
+    void OpenMergeDocument(const std::string& path);
+    void SaveMergeDocument(const std::string& path);
+    /// "" while the message has no file.
+    const std::string& CurrentFile() const { return currentFile_; }
+
+    std::string CurrentMergeTable() const;
+    /// Chooses the first column whose name holds "email" or "e-mail".
+    void SelectEmailField();
+    void FillFieldLists();
+    void FillTableList();
+    /// The checks before a run; opens frmMerge when they hold.
+    void CheckAndStartMerge(bool sendNow);
+
+    /// "1" high, "3" normal, "5" low.
+    const std::string& PriorityValue() const { return priority_; }
+    void SetRunning(bool running);  ///< a run has the message: it cannot be exchanged meanwhile
+
+protected:
+    void OnLoad() override;
+    void OnActivate() override;
+    void OnUnload() override;
+
+private:
+    void WireLists();
+    bool DatabaseNamed();
+    void ObserveView(frmViewDatabase& view);
+    void FollowView();
+    std::vector<std::string> TableNames() const;
+    void ChooseColumns();
+    void SwitchTable();
+    void UseTable(const std::string& table);
+    void Refresh();
+    void KeepInLine();
+    void ShowRecordCount();
+    void ShowPanel(const std::string& text);
+    void PresetSender();
+    void RememberFile(const std::string& path);
+    void FindTableOfDocument(int pendingToIndex);
+    void TellWrongTable();
+    void RequeryRecipients();
+
+    void RunCommand(const std::string& toolName);
+    bool RunFileCommand(const std::string& toolName);
+    bool RunEditCommand(const std::string& toolName);
+    void NewMessage();
+    void SaveMessage();
+    void OpenExisting(const std::string& path);
+    void ChooseFile(ListBox& list);
+    void InsertTextFile();
+    void InsertSignature();
+    void SetPriority(const std::string& toolName);
+    void ShowRecentFiles(const std::vector<std::string>& paths);
+
+    std::string currentFile_;
+    std::string addressList_;
+    std::string priority_ = "3";
+    bool loading_ = false;
+    bool filling_ = false;
+    Subscription viewMade_;
+    Subscription tableShown_;
+    Subscription viewCloses_;
+};
+
+/// The sender line of the project's name and address; "" unless it has both.
+std::string SenderLine(Workbench& wb);
+
+}  // namespace mailvane

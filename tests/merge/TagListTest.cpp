@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "core/Text.h"
+#include "merge/TagList.h"
+
+namespace mailvane {
+namespace {
+
+using Values = std::vector<std::optional<std::string>>;
+
+std::string Fill(const TagList& tags, std::string text, const Values& values) {
+    tags.Replace(text, [&](std::size_t i) { return values[i] ? &*values[i] : nullptr; });
+    return text;
+}
+
+/// The definition: one pass a name, in order.
+std::string FillPassByPass(const std::vector<std::string>& names, std::string text,
+                           const Values& values) {
+    for (std::size_t i = 0; i < names.size(); ++i)
+        if (values[i]) text = ReplaceText(text, "[" + names[i] + "]", *values[i]);
+    return text;
+}
+
+TEST(TagList, ReplacesTagsPassByPass) {
+    struct Row {
+        const char* name;
+        std::string text;
+        Values values;  ///< of the columns First Name, Email, Stadt
+        std::string result;
+    };
+    const Row rows[] = {
+        {"every occurrence", "[Email], [Email]", {"", "e", ""}, "e, e"},
+        {"letter case is ignored", "[EMAIL][first name]", {"F", "e", ""}, "eF"},
+        {"no column of that name",
+         "[Mail] [Email ] [ Email]",
+         {"", "e", ""},
+         "[Mail] [Email ] [ Email]"},
+        {"no text keeps the tag", "a [Email] b", {"", std::nullopt, ""}, "a [Email] b"},
+        {"a later column's tag in a value", "[First Name]", {"[Stadt]!", "", "Ulm"}, "Ulm!"},
+        {"an earlier column's tag in a value",
+         "[Stadt]",
+         {"F", "", "[First Name]"},
+         "[First Name]"},
+        {"a value makes a tag of its surroundings", "[Sta[Email]t]", {"", "d", "Ulm"}, "Ulm"},
+        {"a tag in brackets of its own", "[[Email]]", {"", "e", ""}, "[e]"},
+        {"an open bracket before a closed pair", "[ [x] [Email]", {"", "e", ""}, "[ [x] e"},
+        {"brackets that are never closed", "[Email", {"", "e", ""}, "[Email"},
+    };
+    const TagList tags({"First Name", "Email", "Stadt"});
+    for (const Row& row : rows)
+        EXPECT_EQ(Fill(tags, row.text, row.values), row.result) << row.name;
+}
+
+TEST(TagList, RemoveTakesOutTagsOnly) {
+    const TagList tags({"A", "B"});
+    std::string text = "x[a][C][B]y";
+    tags.Remove(text);
+    EXPECT_EQ(text, "x[C]y");
+}
+
+TEST(TagList, NamesWithBracketsAreNames) {
+    const TagList tags({"a]b", "[c"});
+    EXPECT_EQ(Fill(tags, "[a]b] [[c]", {"1", "2"}), "1 2");
+}
+
+TEST(TagList, OneWalkEqualsThePasses) {
+    const std::vector<std::string> names{"a", "bb", "c d"};
+    const TagList tags(names);
+    const char* const pieces[] = {"[", "]", "a", "bb", "c d", "[a]", "[BB]", "[c d]", "x", "[x]"};
+    std::mt19937 random(20240315);
+    const auto piece = [&] { return std::string(pieces[random() % std::size(pieces)]); };
+    const auto text = [&](unsigned most) {
+        std::string made;
+        for (unsigned count = random() % most; count > 0; --count)
+            made += piece();
+        return made;
+    };
+    for (int round = 0; round < 20000; ++round) {
+        Values values;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            values.push_back(random() % 6 == 0 ? std::nullopt : std::optional(text(3)));
+        const std::string source = text(9);
+        ASSERT_EQ(Fill(tags, source, values), FillPassByPass(names, source, values)) << source;
+    }
+}
+
+}  // namespace
+}  // namespace mailvane
