@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -37,7 +37,9 @@ public:
     }
     std::string Read(const std::string& name) const {
         std::ifstream file(File(name), std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
+        std::ostringstream content;
+        content << file.rdbuf();
+        return content.str();
     }
 
 private:

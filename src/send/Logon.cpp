@@ -1,0 +1,24 @@
+#include "send/Logon.h"
+
+#include "core/Paths.h"
+#include "core/Settings.h"
+#include "core/Sifrant.h"
+#include "core/Text.h"
+
+namespace mailvane {
+
+std::string LogonFile(const ApplicationState& state) {
+    return state.ProjectFolder + "/Import/import.dat";
+}
+
+LogonData ReadLogon(const Workbench& wb) {
+    const std::string file = LogonFile(wb.state);
+    if (!FileExists(file)) return {};
+    Sifrant sifrant;
+    const auto read = [&](const char* key) {
+        return sifrant.DeSifriraj(UrlDecode(IniRead("Data", key, file)), LogonKey);
+    };
+    return {read("1"), read("2")};
+}
+
+}  // namespace mailvane

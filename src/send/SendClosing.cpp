@@ -1,0 +1,99 @@
+#include "connection/frmDial.h"
+#include "core/Paths.h"
+#include "core/Progress.h"
+#include "core/Running.h"
+#include "core/Text.h"
+#include "send/SendRun.h"
+#include "send/SentMessages.h"
+#include "send/frmMSGSndRecvError.h"
+#include "store/MessageStore.h"
+#include "store/frmViewEmail.h"
+
+namespace mailvane {
+
+/// True when the run ends here; it has been closed then.
+bool SendRun::CheckCancel() {
+    if (!wb_.state.CancelRequested && !Interrupted()) return false;
+    wb_.state.CancelRequested = false;
+    ShowStatus("Canceled!");
+    smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
+    RemoveSentMessages();
+    DeleteUndeliverables();
+    WaitSeconds(wb_, 2);
+    HangUp();
+    WaitSeconds(wb_, 1);
+    status_->Hide();
+    FinishSendRun();
+    UnloadStatus();
+    if (wb_.forms.Find<frmViewEmail>()) RefreshMailView();
+    return true;
+}
+
+void SendRun::RemoveSentMessages() {
+    if (sent_.empty()) return;
+    const BusyPointer pointer(wb_);
+    ShowStatus("Deleting successfully sent messages.");
+    status_->ShowProtocol();
+    wb_.platform.windows.PumpEvents();
+    FinishSentMessages(
+        wb_, sent_, settings_.chkSaveSentMessages.Checked(), [this] { YieldBriefly(wb_); },
+        [this](const DaoError& error) { NoteError(error); });
+}
+
+/// Drops a message once it has failed as often as the settings say.
+void SendRun::DeleteUndeliverables() {
+    if (!settings_.chkDeleteUndeliverables.Checked()) return;
+    const auto most = static_cast<long>(NumberOf(settings_.txtDeleteUndeliverables.Text())) - 1;
+    // Undeliverable messages that stay are tried again by the next run.
+    static_cast<void>(
+        database_->Execute("DELETE FROM [Outbox] WHERE Retries > " + std::to_string(most)));
+}
+
+void SendRun::HangUp() {
+    if (!wb_.state.FinalRunStep || !status_->chkHang.Checked()) return;
+    frmDial& dial = wb_.forms.Get<frmDial>();
+    dial.Hide();
+    if (wb_.shell) wb_.shell->SetPanel("Disconnecting from the Internet...");
+    dial.cmdDisconnect.Press();
+}
+
+void SendRun::FinishSendRun() {
+    const auto left =
+        database_ ? database_->OpenRecordset(OutboxFolder)
+                  : DaoResult<std::shared_ptr<Recordset>>(MakeDaoError(dao_error::ObjectNotSet));
+    const bool emptied = left.Ok() && (*left)->RecordCount() == 0;
+    if (emptied || errors_.empty()) {
+        if (status_) status_->Progress1.SetValue(status_->Progress1.Maximum());
+        ShowStatus("Your e-mail messages are successfully sent!");
+    } else {
+        ShowStatus("Some errors occurred while processing the requested tasks.");
+    }
+    log_.Close();
+    if (outbox_) outbox_->Close();
+    if (database_) database_->Close();
+    outbox_ = nullptr;
+    database_ = nullptr;
+    WaitSeconds(wb_, 1);
+    smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
+    if (!errors_.empty() && !wb_.state.UnattendedRun) ReportErrors();
+}
+
+void SendRun::ReportErrors() {
+    // Without a project the log stands in the program's own folder.
+    const std::string folder = projectFolder_.empty() ? wb_.platform.programFolder : projectFolder_;
+    const std::string path = folder + "/errorlog.txt";
+    if (!WriteFileText(path, errors_))
+        Tell(wb_, "The file '" + path + "' could not be written.", BoxIcon::Exclamation);
+    if (settings_.IsLoaded()) settings_.Timer1.Start();
+    if (AskToShowErrorLog(wb_)) OpenDocument(wb_, path);
+    settings_.Timer1.Stop();
+}
+
+void SendRun::RefreshMailView() {
+    frmViewEmail* view = wb_.forms.Find<frmViewEmail>();
+    if (!view) return;
+    view->cmdRefresh.Press();
+    view->EmailGrid.RowsChanged();
+}
+
+}  // namespace mailvane

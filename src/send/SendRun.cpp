@@ -1,0 +1,232 @@
+#include "send/SendRun.h"
+
+#include "connection/frmDial.h"
+#include "core/Progress.h"
+#include "core/Text.h"
+#include "send/SendSettings.h"
+#include "send/SentMessages.h"
+#include "store/MessageStore.h"
+#include "store/SentLedger.h"
+#include "store/frmViewEmail.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr const char* Connected = "connected";
+constexpr const char* Success = "success";
+constexpr const char* Failure = "error";
+constexpr const char* Canceled = "Canceled!";
+constexpr const char* LineEnd = "\r\n";
+
+/// A block of the error log for one message; `first` names the sender or nothing.
+std::string ErrorBlock(const std::string& error, const std::string& first, const std::string& to,
+                       const std::string& subject, const std::string& date) {
+    return "Error: " + error + LineEnd + first + "To: " + to + LineEnd + "Subject: " + subject +
+           LineEnd + "Date: " + date + LineEnd + LineEnd;
+}
+
+/// Without pipelining or chunking every message has a DATA line; with chunking it has BDAT lines.
+bool BeginsMessage(const std::string& line) {
+    return ContainsText(line, "DATA") || line.starts_with("BDAT");
+}
+
+}  // namespace
+
+SendRun::SendRun(Workbench& wb, frmSettings& settings, bool& dialPromptShown)
+    : wb_(wb),
+      settings_(settings),
+      dialPromptShown_(dialPromptShown),
+      projectFolder_(wb.state.ProjectFolder),
+      outgoing_(wb, settings, smtp_) {
+    smtp_.onError = [this](int, const std::string& description) { OnSmtpError(description); };
+    smtp_.onProtocol = [this](Direction direction, const std::string& text) {
+        OnProtocol(direction, text);
+    };
+    smtp_.onProgress = [this](std::int64_t, std::int64_t) { NoteActivity(); };
+    smtp_.onIdle = [this] { Yield(); };
+}
+
+SendRun::~SendRun() {
+    LeaveStatusForm();
+}
+
+void SendRun::SendAll() {
+    if (ValidateSendSettings(wb_, settings_, dialPromptShown_)) {
+        if (wb_.state.FinalRunStep) dialPromptShown_ = false;
+        return;
+    }
+    // A Cancel that came after the last look at the flag belongs to the run before.
+    wb_.state.CancelRequested = false;
+    if (!Open()) return FinishSendRun();
+    FinishInterruptedRun();
+    if (!PrepareSendList()) return errors_.empty() ? database_->Close() : FinishSendRun();
+    if (!OpenOutbox()) {
+        UnloadStatus();
+        return FinishSendRun();
+    }
+    OfferToEmptySentItems();
+    StartLog();
+    ResetRetries();
+    if (!WalkOutbox()) return;
+    RemoveSentMessages();
+    DeleteUndeliverables();
+    HangUp();
+    if (wb_.state.FinalRunStep) dialPromptShown_ = false;
+    WaitSeconds(wb_, 1);
+    UnloadStatus();
+    FinishSendRun();
+    RefreshMailView();
+}
+
+// --- one message ------------------------------------------------------------------------------
+
+/// False when the run was cancelled; it has been closed then.
+bool SendRun::WalkOutbox() {
+    outgoing_.FirstMessage = true;
+    for (handled_ = 0; handled_ < count_;) {
+        if (!Interrupted()) SendCurrentMessage(static_cast<std::size_t>(handled_));
+        if (CheckCancel()) {
+            ShowStatus(Canceled);
+            return false;
+        }
+        ++handled_;
+        NoteError(outbox_->MoveNext());
+        status_->Progress1.SetValue(static_cast<long>(handled_));
+        Yield();
+    }
+    return true;
+}
+
+void SendRun::SendCurrentMessage(std::size_t row) {
+    const DaoResult<DaoValue> idValue = outbox_->Get("ID");
+    const auto id = static_cast<std::int32_t>(idValue.Ok() ? idValue->NumberOr(0) : 0);
+    if (acceptedBefore_.contains(id)) {
+        sent_.push_back(id);
+        status_->SetMessageStatus(row, Success);
+        return;
+    }
+    // A row that cannot be stamped is sent all the same.
+    StampDate().Ignore();
+    status_->SetMessageStatus(row, Connected);
+    DaoResult<MessageRecord> record = ReadMessageRow(*outbox_);
+    if (record.Failed()) {
+        NoteError(record.Error());
+        status_->SetMessageStatus(row, Failure);
+        return;
+    }
+    current_ = {record->From, record->To, record->Subject};
+    NoteActivity();
+    // Giving up the message before has taken the server's name away.
+    smtp_.MailServer = settings_.txtSMTPServer.Text();
+    sending_ = true;
+    const std::string error = outgoing_.BuildOutgoingMessage(*record);
+    sending_ = false;
+    RecordSendResult(id, error, row);
+}
+
+/// The date of a message is the time of the attempt to send it.
+DaoError SendRun::StampDate() {
+    if (DaoError failed = outbox_->Edit(); failed.Failed()) return failed;
+    if (DaoError failed = outbox_->Set("Date", wb_.platform.clock.Now().Stamp()); failed.Failed())
+        return failed;
+    return outbox_->Update();
+}
+
+void SendRun::RecordSendResult(std::int32_t id, const std::string& error, std::size_t row) {
+    if (error.empty()) {
+        sent_.push_back(id);
+        NoteError(SentLedger::Record(*database_, id));
+        NoteRefusedRecipients();
+        status_->SetMessageStatus(row, Success);
+        return;
+    }
+    AddError(
+        ErrorBlock(error, "", current_.to, current_.subject, wb_.platform.clock.Now().ShortDate()));
+    NoteError(MarkFailed());
+    status_->SetMessageStatus(row, Failure);
+}
+
+void SendRun::NoteRefusedRecipients() {
+    for (const RefusedRecipient& refused : smtp_.RefusedRecipients()) {
+        AddError(ErrorBlock(refused.answer, "", refused.address, current_.subject,
+                            wb_.platform.clock.Now().ShortDate()));
+    }
+}
+
+DaoError SendRun::MarkFailed() {
+    const DaoResult<DaoValue> retries = outbox_->Get("Retries");
+    if (retries.Failed()) return retries.Error();
+    if (DaoError failed = outbox_->Edit(); failed.Failed()) return failed;
+    if (DaoError failed = outbox_->Set("Status", Failure); failed.Failed()) return failed;
+    if (DaoError failed = outbox_->Set("Retries", retries->NumberOr(0) + 1); failed.Failed())
+        return failed;
+    return outbox_->Update();
+}
+
+// --- events -----------------------------------------------------------------------------------
+
+void SendRun::OnSmtpError(const std::string& description) {
+    if (!sending_) return;  // taking leave of the server has failed: no message suffers
+    AddError(ErrorBlock(description, "From: " + current_.from + LineEnd, current_.to,
+                        current_.subject, wb_.platform.clock.Now().Stamp()));
+}
+
+void SendRun::OnProtocol(Direction direction, const std::string& text) {
+    NoteActivity();
+    const std::string line = "SMTP:" + std::to_string(static_cast<int>(direction)) + ": " + text;
+    log_.Print(line);
+    if (!status_) return;
+    status_->AddProtocolLine(line);
+    if (BeginsMessage(text))
+        ShowStatus("Sending message " + std::to_string(handled_ + 1) + " of " +
+                   std::to_string(count_) + "...");
+}
+
+void SendRun::NoteActivity() {
+    wb_.state.LastSmtpActivity = SecondsSinceMidnight(wb_.platform.clock.Now());
+}
+
+void SendRun::Yield() {
+    if (status_) status_->ShowProtocolWhenDue();
+    // The run's own forms have gone with their project: nobody is left to send for.
+    if (sending_ && Interrupted()) smtp_.SetAction(SmtpClient::Action::Idle).Ignore();
+    YieldBriefly(wb_);
+}
+
+bool SendRun::Interrupted() const {
+    return !settings_.IsLoaded() || (status_ && !status_->IsLoaded()) ||
+           wb_.platform.windows.Quitting();
+}
+
+void SendRun::ShowStatus(const std::string& text) {
+    if (status_)
+        status_->ShowStatus(text);
+    else if (wb_.shell)
+        wb_.shell->SetPanel(text);
+}
+
+void SendRun::LeaveStatusForm() {
+    if (!status_) return;
+    status_->onStopTransfer = nullptr;
+    status_->onGiveUpMessage = nullptr;
+    status_ = nullptr;
+}
+
+void SendRun::UnloadStatus() {
+    frmStatusEmail* status = status_;
+    LeaveStatusForm();
+    if (status) status->Unload();
+}
+
+void SendRun::AddError(const std::string& text) {
+    errors_ += text;
+    log_.Print(text);
+}
+
+void SendRun::NoteError(const DaoError& error) {
+    if (error.Failed() && error.number != dao_error::NoCurrentRecord)
+        AddError("Error: " + error.description + LineEnd);
+}
+
+}  // namespace mailvane

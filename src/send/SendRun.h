@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/frmSettings.h"
+#include "platform/net/SmtpClient.h"
+#include "send/OutgoingMessage.h"
+#include "send/SessionLog.h"
+#include "send/frmStatusEmail.h"
+
+namespace mailvane {
+
+/// One send run: takes every row of the Outbox, in table order, through BuildOutgoingMessage,
+/// records what became of it, moves the good ones out, and reports. Runs on the one thread; buttons
+/// and events arrive while a message goes out, as flags and actions of the transfer component.
+///
+/// Forms that are unloaded under it stay in memory until the program is idle, so that the run only
+/// has to notice, and ends as if it had been cancelled.
+class SendRun {
+public:
+    /// `dialPromptShown`: the warning of a missing line has been shown; outlives the run.
+    SendRun(Workbench& wb, frmSettings& settings, bool& dialPromptShown);
+    ~SendRun();
+    SendRun(const SendRun&) = delete;
+    SendRun& operator=(const SendRun&) = delete;
+
+    void SendAll();
+
+private:
+    // Preparation.
+    bool Open();
+    void FinishInterruptedRun();
+    bool PrepareSendList();
+    void FillMessageList(const Recordset& list);
+    void TakeStatusForm();
+    bool OpenOutbox();
+    void OfferToEmptySentItems();
+    void StartLog();
+    void ResetRetries();
+
+    // One message.
+    bool WalkOutbox();
+    void SendCurrentMessage(std::size_t row);
+    DaoError StampDate();
+    void RecordSendResult(std::int32_t id, const std::string& error, std::size_t row);
+    void NoteRefusedRecipients();
+    DaoError MarkFailed();
+
+    // The end.
+    bool CheckCancel();
+    void RemoveSentMessages();
+    void DeleteUndeliverables();
+    void HangUp();
+    void FinishSendRun();
+    void ReportErrors();
+    void RefreshMailView();
+
+    // Events of the transfer component.
+    void OnSmtpError(const std::string& description);
+    void OnProtocol(Direction direction, const std::string& text);
+    void NoteActivity();
+    void Yield();
+
+    void ShowStatus(const std::string& text);
+    void LeaveStatusForm();
+    void UnloadStatus();
+    void AddError(const std::string& text);  ///< one text to the run's errors and the log
+    void NoteError(const DaoError& error);
+    bool Interrupted() const;
+
+    /// What the error log says of a message, as its row has it.
+    struct Addressed {
+        std::string from;
+        std::string to;
+        std::string subject;
+    };
+
+    Workbench& wb_;
+    frmSettings& settings_;
+    bool& dialPromptShown_;
+    const std::string projectFolder_;  ///< the run reports to the project that it began in
+    frmStatusEmail* status_ = nullptr;
+    SmtpClient smtp_;
+    OutgoingMessage outgoing_;
+    SessionLog log_;
+    std::shared_ptr<Database> database_;
+    std::shared_ptr<Recordset> outbox_;
+    std::int64_t count_ = 0;    ///< rows of the Outbox when the run began
+    std::int64_t handled_ = 0;  ///< the progress counter
+    bool sending_ = false;      ///< a message is with the transfer component
+    Addressed current_;         ///< the message of the moment
+    std::vector<std::int32_t> sent_;
+    std::set<std::int32_t> acceptedBefore_;  ///< an earlier run could not take these out
+    std::string errors_;
+};
+
+}  // namespace mailvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/Workbench.h"
+
+namespace mailvane {
+
+/// Caption of frmMSGSndRecvError, by which it is closed for an absent user.
+inline constexpr const char* ErrorLogCaption = "Error log file";
+
+/// Asks whether the error log of a run is to be shown; leaves the answer in DialogAnswer.
+class frmMSGSndRecvError final : public WorkbenchForm {
+public:
+    explicit frmMSGSndRecvError(Workbench& wb);
+
+    Label lblText{*this, "lblText"};
+    CheckBox Check1{*this, "Check1"};
+    Button cmdYes{*this, "cmdYes", [this] { Answer(true); }};
+    Button cmdNo{*this, "cmdNo", [this] { Answer(false); }};
+
+    void OnCloseBox() override { Answer(false); }
+
+private:
+    void Answer(bool yes);
+};
+
+/// True when the user wants to see the log; not asked, and false, when he has said so once for all.
+bool AskToShowErrorLog(Workbench& wb);
+
+}  // namespace mailvane

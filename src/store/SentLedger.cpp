@@ -1,0 +1,55 @@
+#include "store/SentLedger.h"
+
+#include <string>
+
+namespace mailvane {
+
+namespace {
+
+constexpr const char* LedgerTable = "MSysSentMessages";
+
+DaoError MakeLedger(Database& store) {
+    TableDef table;
+    table.name = LedgerTable;
+    Field& id = table.fields.emplace_back();
+    id.name = "ID";
+    id.type = FieldType::Long;
+    table.indexes = {{.name = "PrimaryKey", .fields = {"ID"}, .primary = true}};
+    return store.AppendTable(table);
+}
+
+DaoError Run(Database& store, const std::string& sql) {
+    const DaoResult<std::int64_t> changed = store.Execute(sql);
+    return changed.Ok() ? DaoError() : changed.Error();
+}
+
+}  // namespace
+
+DaoError SentLedger::Record(Database& store, std::int32_t outboxId) {
+    if (!store.TableExists(LedgerTable))
+        if (DaoError failed = MakeLedger(store); failed.Failed()) return failed;
+    const std::string insert = "INSERT INTO [" + std::string(LedgerTable) + "] (ID) VALUES (" +
+                               std::to_string(outboxId) + ")";
+    return store.Transaction([&] { return Run(store, insert); }, true);
+}
+
+DaoResult<std::vector<std::int32_t>> SentLedger::Entries(Database& store) {
+    std::vector<std::int32_t> ids;
+    if (!store.TableExists(LedgerTable)) return ids;
+    const auto rows = store.OpenRecordset(LedgerTable);
+    if (rows.Failed()) return rows.Error();
+    for (; !(*rows)->EndOfFile(); (*rows)->MoveNext().Ignore()) {
+        const DaoResult<DaoValue> id = (*rows)->Get("ID");
+        if (id.Failed()) return id.Error();
+        ids.push_back(static_cast<std::int32_t>(id->NumberOr(0)));
+    }
+    return ids;
+}
+
+DaoError SentLedger::Remove(Database& store, std::int32_t outboxId) {
+    if (!store.TableExists(LedgerTable)) return {};
+    return Run(store, "DELETE FROM [" + std::string(LedgerTable) +
+                          "] WHERE ID = " + std::to_string(outboxId));
+}
+
+}  // namespace mailvane

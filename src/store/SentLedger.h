@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/dao/Database.h"
+
+namespace mailvane {
+
+/// The messages that a server has accepted and that have not left the Outbox yet, by their row's
+/// ID: what lets an interrupted run be finished without sending anything twice. A system table of
+/// the store.
+namespace SentLedger {
+/// On the disk when it returns.
+DaoError Record(Database& store, std::int32_t outboxId);
+DaoResult<std::vector<std::int32_t>> Entries(Database& store);  ///< empty when there never were any
+DaoError Remove(Database& store, std::int32_t outboxId);
+}  // namespace SentLedger
+
+}  // namespace mailvane
