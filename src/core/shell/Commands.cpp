@@ -1,0 +1,144 @@
+#include "connection/frmDial.h"
+#include "core/Paths.h"
+#include "core/Progress.h"
+#include "core/Running.h"
+#include "core/frmSettings.h"
+#include "core/shell/frmMain.h"
+#include "database/frmDataWizard.h"
+#include "database/frmViewDatabase.h"
+#include "merge/frmViewMerge.h"
+#include "store/frmViewEmail.h"
+
+namespace mailvane {
+
+namespace {
+
+/// A view that found nothing to show has said so and is not shown.
+bool CanShow(const Form& form) {
+    return form.IsLoaded();
+}
+bool CanShow(const frmViewDatabase& view) {
+    return view.IsLoaded() && view.Connected();
+}
+
+}  // namespace
+
+ControlAnswer frmMain::ExecuteCommand(const std::string& toolName, const std::string& toolCaption) {
+    const Tool* tool = ActiveBar1.FindTool(toolName);
+    if (!tool) return ControlAnswer::NoSuchEntry;
+    if (!tool->enabled) return ControlAnswer::Disabled;
+    if (wb_.state.LoadingProject) return ControlAnswer::Done;
+    const std::string name = tool->name;
+    const bool known = RunFileCommand(name, toolCaption) || RunMailCommand(name) ||
+                       RunViewCommand(name) || RunOtherCommand(name);
+    return known ? ControlAnswer::Done : ControlAnswer::Impossible;
+}
+
+bool frmMain::RunFileCommand(const std::string& name, const std::string& caption) {
+    if (name == "New")
+        NewProject();
+    else if (name == "Open") {
+        const std::string path = BrowseFile(wb_, false, "Mailvane projects", ".poc");
+        if (!path.empty()) OpenExistingProject(path);
+    } else if (name == "Save")
+        SaveCommand();
+    else if (name == "SaveAs")
+        SaveAsCommand();
+    else if (name.starts_with("RecentFile"))
+        OpenExistingProject(caption);
+    else if (name == "exit")
+        OnCloseBox();
+    else
+        return false;
+    return true;
+}
+
+void frmMain::PressSend(bool finalStep) {
+    wb_.state.FinalRunStep = finalStep;
+    wb_.forms.Get<frmSettings>().cmdSendEmail.Press();
+    wb_.state.FinalRunStep = false;
+}
+
+/// Sending comes first and without the final step, so that only the receive half may hang up.
+void frmMain::SendAndReceive() {
+    Timer1.Stop();
+    if (sendAndReceiveRunning_) return;
+    sendAndReceiveRunning_ = true;
+    wb_.forms.Get<frmSettings>().cmdSendEmail.Press();
+    wb_.state.SendReceiveActive = true;
+    wb_.state.FinalRunStep = true;
+    wb_.forms.Get<frmSettings>().cmdReadEmail.Press();
+    wb_.state.SendReceiveActive = false;
+    wb_.state.FinalRunStep = false;
+    sendAndReceiveRunning_ = false;
+}
+
+bool frmMain::RunMailCommand(const std::string& name) {
+    if (name == "Send All") {
+        PressSend(true);
+        wb_.state.SendReceiveActive = false;
+    } else if (name == "Start" || name == "Send and Receive")
+        Timer1.Start();
+    else if (name == "Dial")
+        wb_.forms.Get<frmDial>().Show();
+    else if (name == "Error Log File") {
+        const std::string log = wb_.state.ProjectFolder + "/errorlog.txt";
+        if (FileExists(log)) OpenDocument(wb_, log);
+    } else
+        return false;
+    return true;
+}
+
+template <class F>
+void frmMain::ShowView() {
+    F& view = wb_.forms.Get<F>();
+    if (CanShow(view)) {
+        view.Show();
+        view.BringToFront();
+    } else if (view.IsLoaded())
+        view.Unload();
+}
+
+bool frmMain::RunViewCommand(const std::string& name) {
+    if (name == "Database")
+        ShowView<frmViewDatabase>();
+    else if (name == "Email")
+        ShowView<frmViewEmail>();
+    else if (name == "Merge")
+        ShowView<frmViewMerge>();
+    else if (name == "Settings")
+        ShowView<frmSettings>();
+    else if (name == "Cascade")
+        Windows().ArrangeChildren(Arrangement::Cascade);
+    else if (name == "Tile Horizontally")
+        Windows().ArrangeChildren(Arrangement::TileHorizontally);
+    else if (name == "Tile Vertically")
+        Windows().ArrangeChildren(Arrangement::TileVertically);
+    else if (name == "Arrange Icons")
+        Windows().ArrangeChildren(Arrangement::ArrangeIcons);
+    else
+        return false;
+    return true;
+}
+
+bool frmMain::RunOtherCommand(const std::string& name) {
+    if (name == "NewDatabase")
+        StartDataWizard(wb_, DataWizardMode::NewDatabase);
+    else if (name == "ImportData")
+        StartDataWizard(wb_, DataWizardMode::Import);
+    else if (name == "Scheduler") {
+        const std::string document = wb_.platform.programFolder + "/.shd";
+        if (FileExists(document))
+            OpenDocument(wb_, document);
+        else
+            TellFilesCorrupted();
+    } else if (name == "Help")
+        OpenDocument(wb_, HelpFile(wb_));
+    else if (name == "Information (phone and other info)")
+        ShowHelpContext(wb_);
+    else
+        return false;
+    return true;
+}
+
+}  // namespace mailvane

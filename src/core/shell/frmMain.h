@@ -1,0 +1,81 @@
+#pragma once
+
+#include <string>
+
+#include "core/Project.h"
+#include "core/Shell.h"
+#include "core/Workbench.h"
+
+namespace mailvane {
+
+struct StartOptions {
+    std::string commandLine;  ///< a project file, or "\SHC " and a task name; quotes are dropped
+};
+
+/// The main window: menus, status bar, the hub of all commands. Holds no mail logic.
+class frmMain final : public WorkbenchForm, public Shell {
+public:
+    explicit frmMain(Workbench& wb);
+    ~frmMain() override;
+
+    ActiveBar ActiveBar1{*this, "ActiveBar1"};
+    StatusBar sbStatusBar{*this, "sbStatusBar", 2};
+    ProgressBar Progress1{*this, "Progress1"};
+    Button cmdSave{*this, "cmdSave", Button::HiddenButton, [this] { SaveOpenProject(); }};
+    Button cmdProgress{*this, "cmdProgress", Button::HiddenButton, [this] { ShowProgress(); }};
+    Button cmdNoProgress{*this, "cmdNoProgress", Button::HiddenButton, [this] { HideProgress(); }};
+    Timer Timer1{*this, "Timer1", std::chrono::milliseconds(50), [this] { SendAndReceive(); }};
+
+    /// Brings everything up: store, project, hidden forms. The window is shown at its end.
+    void Start(const StartOptions& options);
+    void ExitApplication();
+
+    // Shell
+    ControlAnswer ExecuteCommand(const std::string& toolName,
+                                 const std::string& toolCaption) override;
+    Form& MainForm() override { return *this; }
+    void SetPanel(const std::string& text) override { sbStatusBar.SetPanel(1, text); }
+    std::string Panel() const override { return sbStatusBar.Panel(1); }
+    void SetRecordPanel(const std::string& text) override;
+    ProgressBar& Progress() override { return Progress1; }
+    Button& ShowProgressButton() override { return cmdProgress; }
+    Button& HideProgressButton() override { return cmdNoProgress; }
+    Button& SaveButton() override { return cmdSave; }
+    void AddRecentFile(const std::string& path) override { RecentFile1.Add(path); }
+
+    void OnCloseBox() override { ExitApplication(); }
+
+private:
+    bool RunFileCommand(const std::string& name, const std::string& caption);
+    bool RunMailCommand(const std::string& name);
+    bool RunViewCommand(const std::string& name);
+    bool RunOtherCommand(const std::string& name);
+
+    void RestorePlace();
+    void OpenFirstProject(const StartOptions& options);
+    void OpenProject(const std::string& path);
+    void OpenExistingProject(const std::string& path);
+    void LoadHiddenForms();
+    void NewProject();
+    void SaveOpenProject();
+    void SaveCommand();
+    void SaveAsCommand();
+    void StorePlace();
+    void CloseStores();
+
+    template <class F>
+    void ShowView();
+    void PressSend(bool finalStep);
+    void SendAndReceive();
+    void ShowProgress();
+    void HideProgress();
+    void ShowRecentFiles(const std::vector<std::string>& paths);
+    void TellFilesCorrupted();
+
+    RecentFile RecentFile1;
+    std::string savedPanel_;
+    std::string panelBeforeHover_;
+    bool sendAndReceiveRunning_ = false;
+};
+
+}  // namespace mailvane

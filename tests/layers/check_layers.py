@@ -1,0 +1,68 @@
+#!/usr/bin/python3
+"""Reads the include lines of src/ and tells which point up, or reach past the platform."""
+
+import pathlib
+import re
+import sys
+
+# What each folder may include, besides itself. core/shell stands above all others.
+PLATFORM = ["platform/forms", "platform/dao", "platform/net", "platform/os"]
+CORE = ["core", *PLATFORM]
+ALLOWED = {
+    "platform/os": [],
+    "platform/dao": ["platform/os"],
+    "platform/net": ["platform/os"],
+    "platform/forms": ["platform/os"],
+    "platform/qt": ["platform/forms", "platform/os"],
+    "core": PLATFORM,
+    "store": CORE,
+    "database": CORE,
+    "connection": CORE,
+    "send": ["store", "database", "connection", *CORE],
+    "merge": ["send", "store", "database", "connection", *CORE],
+    "receive": ["merge", "send", "store", "database", "connection", *CORE],
+    "core/shell": ["receive", "merge", "send", "store", "database", "connection", *CORE],
+}
+FOLDERS = sorted(ALLOWED, key=len, reverse=True)
+QT = re.compile(r"<Q[A-Z]\w*|<Qt\w*/|<ui_")
+ENGINES = re.compile(r"<(sqlite3|curl/|ares|unicode/)")
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"][^>"]+[>"])')
+
+
+def folder_of(path: str) -> str:
+    return next((f for f in FOLDERS if path.startswith(f + "/")), "")
+
+
+def complaints(source: pathlib.Path) -> list[str]:
+    found = []
+    for file in sorted(source.rglob("*.[hc]*")):
+        if file.suffix not in (".h", ".cpp"):
+            continue
+        name = file.relative_to(source).as_posix()
+        home = folder_of(name)
+        for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):
+            match = INCLUDE.match(line)
+            if not match:
+                continue
+            target = match.group(1)
+            where = f"src/{name}:{number}: "
+            if QT.match(target) and home != "platform/qt":
+                found.append(where + f"Qt outside platform/qt: {target}")
+            if ENGINES.match(target) and not home.startswith("platform/"):
+                found.append(where + f"an engine outside platform: {target}")
+            if not target.startswith('"') or not home:
+                continue
+            other = folder_of(target[1:-1])
+            if other and other != home and other not in ALLOWED[home]:
+                found.append(where + f"{home} must not include {other}: {target}")
+    return found
+
+
+def main() -> int:
+    found = complaints(pathlib.Path(sys.argv[1]))
+    print("\n".join(found) or "All arrows point down.")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "core/Project.h"
+#include "core/Settings.h"
+#include "core/frmOptions.h"
+#include "core/frmSettings.h"
+#include "core/shell/CommandTable.h"
+#include "core/shell/frmMain.h"
+#include "database/DatabaseService.h"
+#include "platform/forms/HeadlessWindows.h"
+#include "platform/os/Files.h"
+#include "send/SendService.h"
+#include "support/ManualClock.h"
+#include "support/RecordingProcesses.h"
+#include "support/TempFolder.h"
+
+namespace mailvane {
+namespace {
+
+/// The program as main makes it, without a screen.
+class Shell : public testing::Test {
+protected:
+    frmMain& Start(const std::string& commandLine = {}) {
+        auto& form = wb.forms.Load<frmMain>();
+        form.Start({commandLine});
+        return form;
+    }
+    std::string Path(const std::string& name) const { return folder.Path() + "/" + name; }
+    /// Carries a command out with that file chosen in its dialog.
+    void Command(const std::string& name, const std::string& file = {}) {
+        if (!file.empty()) windows.prompts.QueueFile(file);
+        EXPECT_EQ(wb.shell->ExecuteCommand(name, ""), ControlAnswer::Done) << name;
+        EXPECT_EQ(windows.prompts.Failure(), std::nullopt);
+    }
+    std::string Setting(const std::string& key) { return GetUserSetting(wb, "Settings", key); }
+
+    test::TempFolder folder;
+    test::ManualClock clock;
+    HeadlessWindows windows{clock};
+    test::RecordingProcesses processes;
+    Platform platform{windows,
+                      clock,
+                      processes,
+                      folder.Path() + "/program",
+                      MAILVANE_SOURCE_DIR "/share",
+                      folder.Path() + "/registry.ini"};
+    Workbench wb{platform};
+    DatabaseService databases{wb};
+    SendService sending{wb};
+};
+
+TEST(CommandTable, EveryToolHasItsPlaceAndEveryPlaceItsTool) {
+    std::set<std::string> placed;
+    std::set<std::string> bands;
+    for (const Band& band : MainBands()) {
+        bands.insert(">" + band.name);
+        placed.insert(band.entries.begin(), band.entries.end());
+    }
+    std::set<std::string> tools;
+    for (const Tool& tool : MainTools()) {
+        EXPECT_TRUE(tools.insert(tool.name).second) << tool.name;
+        EXPECT_TRUE(placed.contains(tool.name) || tool.name == "Start") << tool.name;
+    }
+    for (const std::string& entry : placed)
+        EXPECT_TRUE(entry == "-" || bands.contains(entry) || tools.contains(entry)) << entry;
+}
+
+TEST_F(Shell, DisabledAndUnknownToolsDoNothing) {
+    Start();
+    EXPECT_EQ(wb.shell->ExecuteCommand("Mailing lists", ""), ControlAnswer::Disabled);
+    EXPECT_EQ(wb.shell->ExecuteCommand("No such tool", ""), ControlAnswer::NoSuchEntry);
+}
+
+TEST_F(Shell, StartMakesTheProgramFolderAndTheHiddenForms) {
+    Start();
+    for (const char* made : {"Projects", "messages.dat", "prct.mp"})
+        EXPECT_TRUE(IsFile(Path("program/") + made) || IsFolder(Path("program/") + made)) << made;
+    for (const char* form : {"frmSettings", "frmViewEmail", "frmOptions"}) {
+        ASSERT_TRUE(wb.forms.IsFormLoaded(form)) << form;
+        EXPECT_FALSE(wb.forms.FindByName(form)->Visible()) << form;
+    }
+}
+
+TEST_F(Shell, NewSaveOpenRoundTrip) {
+    frmMain& form = Start();
+    Command("New", Path("Summer.2026.poc"));
+    EXPECT_EQ(wb.state.ProjectName, "Summer.2026");
+    EXPECT_EQ(form.Caption(), "Summer.2026 - Mailvane");
+    EXPECT_TRUE(IsFolder(Path("Summer.2026")));
+    EXPECT_TRUE(wb.forms.Get<frmSettings>().Visible());
+    wb.forms.Get<frmSettings>().txtName.SetText("Žana");
+    Command("Save");
+    Command("SaveAs", Path("Copy.poc"));
+    EXPECT_EQ(wb.state.CurrentProjectFile, Path("Copy.poc"));
+    EXPECT_EQ(ReadWholeFile(Path("Copy.poc")), ReadWholeFile(Path("Summer.2026.poc")));
+    wb.forms.Get<frmSettings>().txtName.SetText("lost");
+    Command("Open", Path("Summer.2026.poc"));
+    EXPECT_EQ(wb.forms.Get<frmSettings>().txtName.Text(), "Žana");
+    EXPECT_EQ(form.ActiveBar1.FindTool("RecentFile1")->caption, Path("Summer.2026.poc"));
+    EXPECT_TRUE(form.ActiveBar1.FindTool("RecentFile2")->visible);
+    EXPECT_FALSE(form.ActiveBar1.FindTool("RecentFile3")->visible);
+}
+
+TEST_F(Shell, MissingProjectsAndTemplatesAreTold) {
+    Start();
+    windows.prompts.QueueBox(BoxAnswer::Ok, "File not found.");
+    Command("Open", Path("none.poc"));
+    EXPECT_TRUE(windows.prompts.ExpectBox(
+        "File not found. Please verify the correct file name was given. "));
+    DeleteFile(Path("program/prct.mp"));
+    windows.prompts.QueueBox(BoxAnswer::Ok, "corrupted");
+    Command("New", Path("new.poc"));
+    EXPECT_FALSE(IsFile(Path("new.poc")));
+    EXPECT_EQ(wb.state.CurrentProjectFile, "");
+}
+
+TEST_F(Shell, CommandLineNamesTheProject) {
+    Start();
+    Command("New", Path("first.poc"));
+    wb.forms.Get<frmSettings>().txtName.SetText("From the file");
+    Command("Save");
+    wb.forms.UnloadAllExcept({});
+    Start("\"" + Path("first.poc") + "\"");
+    EXPECT_EQ(wb.forms.Get<frmSettings>().txtName.Text(), "From the file");
+    wb.forms.UnloadAllExcept({});
+    wb.state = {};
+    Start(Path("missing.poc"));
+    EXPECT_EQ(wb.state.CurrentProjectFile, "");
+}
+
+TEST_F(Shell, ClicksDuringAProjectLoadAreLost) {
+    Start();
+    wb.state.LoadingProject = true;
+    EXPECT_EQ(wb.shell->ExecuteCommand("Settings", ""), ControlAnswer::Done);
+    EXPECT_FALSE(wb.forms.Get<frmSettings>().Visible());
+}
+
+TEST_F(Shell, SaveWithoutAProjectAsksForAName) {
+    Start();
+    Command("Save", Path("named.poc"));
+    EXPECT_TRUE(IsFile(Path("named.poc")));
+    wb.state.CurrentProjectFile = " ";
+    DeleteFile(Path("named.poc"));
+    Command("Save");
+    EXPECT_FALSE(IsFile(Path("named.poc"))) << "a name of one blank is none";
+}
+
+struct StoredPlace {
+    const char* name;
+    const char* state;
+    WindowState restored;
+    double width;
+};
+
+class StoredPlaces : public Shell, public testing::WithParamInterface<StoredPlace> {};
+
+TEST_P(StoredPlaces, Restored) {
+    for (const char* key : {"MainLeft", "MainTop", "MainWidth", "MainHeight"})
+        SaveUserSetting(wb, "Settings", key, "6000");
+    if (GetParam().state != nullptr)
+        SaveUserSetting(wb, "Settings", "WindowState", GetParam().state);
+    const frmMain& form = Start();
+    EXPECT_EQ(form.State(), GetParam().restored);
+    EXPECT_EQ(form.Rect().left, 6000);
+    EXPECT_EQ(form.Rect().width, GetParam().width);
+    EXPECT_EQ(form.Rect().height, 6000);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, StoredPlaces,
+                         testing::Values(StoredPlace{"Absent", nullptr, WindowState::Normal, 6000},
+                                         StoredPlace{"Minimised", "1", WindowState::Normal, 6000},
+                                         StoredPlace{"MaximisedKeepsItsOwnWidth", "2",
+                                                     WindowState::Maximized, -1}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(Shell, ExitSavesByOptionAndStoresThePlace) {
+    frmMain& form = Start();
+    Command("New", Path("last.poc"));
+    wb.forms.Get<frmSettings>().txtName.SetText("Saved at the end");
+    wb.forms.Get<frmOptions>().chkSave.SetChecked(true);
+    form.SetRect({300, 450, 9000, 6000});
+    Command("exit");
+    EXPECT_TRUE(windows.Quitting());
+    EXPECT_TRUE(wb.forms.All().empty());
+    EXPECT_EQ(Setting("WindowState"), "0");
+    EXPECT_EQ(std::stod(Setting("MainTop")), 450);
+    wb.state = {};
+    Start(Path("last.poc"));
+    EXPECT_EQ(wb.forms.Get<frmSettings>().txtName.Text(), "Saved at the end");
+}
+
+TEST_F(Shell, ProgressCoversPanelTwoAndGivesItBack) {
+    frmMain& form = Start();
+    form.SetRecordPanel("120 records.");
+    form.cmdProgress.Press();
+    EXPECT_EQ(form.sbStatusBar.Panel(2), "");
+    form.SetRecordPanel("121 records.");
+    form.cmdNoProgress.Press();
+    EXPECT_EQ(form.sbStatusBar.Panel(2), "121 records.");
+}
+
+}  // namespace
+}  // namespace mailvane
