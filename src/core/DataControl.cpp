@@ -1,9 +1,38 @@
 #include "core/DataControl.h"
 
+#include <algorithm>
+
 #include "core/Paths.h"
 #include "core/RecordsetRows.h"
 
 namespace mailvane {
+
+namespace {
+
+constexpr std::size_t SampleRows = 30;
+constexpr double TwipsALetter = 105;
+constexpr double NarrowestColumn = 900;
+constexpr double WidestColumn = 4500;
+
+std::size_t LetterCount(const std::string& text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    }));
+}
+
+/// Wide enough for the heads and the first rows; a layout that the user has made comes over it.
+void FitWidths(std::vector<GridColumn>& columns,
+               const std::vector<std::vector<std::string>>& sample) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        std::size_t letters = LetterCount(columns[i].caption) + 2;
+        for (const auto& row : sample)
+            letters = std::max(letters, LetterCount(row[i]) + 2);
+        columns[i].width =
+            std::clamp(static_cast<double>(letters) * TwipsALetter, NarrowestColumn, WidestColumn);
+    }
+}
+
+}  // namespace
 
 DaoError DataControl::Refresh() {
     if (database_ && (!database_->IsOpen() || database_->Path() != DatabaseName)) Close();
@@ -59,9 +88,11 @@ void DataControl::ShowInGrid() {
             column.position = static_cast<int>(columns.size()) - 1;
         }
     grid_->SetRows(nullptr);
+    if (!recordset_) return grid_->SetColumns({});
+    auto rows = std::make_shared<RecordsetRows>(recordset_);
+    FitWidths(columns, rows->Read(0, SampleRows));
     grid_->SetColumns(std::move(columns));
-    if (!recordset_) return;
-    grid_->SetRows(std::make_shared<RecordsetRows>(recordset_));
+    grid_->SetRows(std::move(rows));
     if (recordset_->RecordCount() > 0) grid_->SetCurrentRow(0);
 }
 

@@ -6,6 +6,7 @@
 #include "core/Progress.h"
 #include "core/Project.h"
 #include "core/Text.h"
+#include "core/ToolTable.h"
 
 namespace mailvane {
 
@@ -90,7 +91,7 @@ void frmSettings::MarkButtonsWithoutWork() {
                            &cmdImportData, &cmdExportData}) {
         if (button->onClick) continue;
         button->SetEnabled(false);
-        button->SetTip("Comes with a later version.");
+        button->SetTip(LaterTip);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "core/Progress.h"
 #include "core/Settings.h"
 #include "core/Text.h"
+#include "core/ToolTable.h"
 #include "core/frmSettings.h"
 #include "database/frmDataWizard.h"
 #include "platform/os/Files.h"
@@ -14,48 +15,36 @@ namespace mailvane {
 
 namespace {
 
-constexpr const char* LaterTip = "Comes with a later version.";
 constexpr const char* AccessingRecords = "Accessing records, please wait...";
 
-struct ViewTool {
-    const char* name;
-    const char* caption;
-    const char* tip;
-    const char* icon;
-    const char* shortcut;
-    bool ready;
-};
-
 /// The view's commands. Those whose work is not built yet are shown and disabled.
-constexpr ViewTool ViewTools[] = {
-    {"New Database", "Ne&w Database...", "Make a new database", "document-new", "Alt+W", true},
-    {"Import", "I&mport...", "Import a text file into a table", "document-import", "Alt+M", true},
-    {"Export", "E&xport...", LaterTip, "document-export", "", false},
-    {"Print", "&Print...", LaterTip, "document-print", "", false},
-    {"Refresh", "R&efresh", "Read the table again", "view-refresh", "Alt+E", true},
-    {"First", "&First", "Go to the first record", "go-first", "", true},
-    {"Previous", "P&revious", "Go to the previous record", "go-previous", "", true},
-    {"Next", "&Next", "Go to the next record", "go-next", "", true},
-    {"Last", "&Last", "Go to the last record", "go-last", "", true},
-    {"Insert", "&Insert", LaterTip, "list-add", "", false},
-    {"Delete", "&Delete", LaterTip, "list-remove", "", false},
-    {"Select All", "Select &All", LaterTip, "edit-select-all", "", false},
-    {"Sort Ascending", "Sort A&scending", LaterTip, "view-sort-ascending", "", false},
-    {"Sort Descending", "Sort Des&cending", LaterTip, "view-sort-descending", "", false},
-    {"Find", "Fin&d...", LaterTip, "edit-find", "", false},
-    {"Filter", "Fil&ter...", LaterTip, "view-filter", "", false},
-    {"New Table", "New Ta&ble...", LaterTip, "table", "", false},
-    {"Edit Table", "Edit Tab&le...", LaterTip, "document-edit", "", false},
+constexpr ToolRow ViewTools[] = {
+    {"New Database", "Ne&w Database...", "Make a new database", "document-new", "Alt+W"},
+    {"Import", "I&mport...", "Import a text file into a table", "document-import", "Alt+M"},
+    {"Export", "E&xport...", "Export the table to a text file", "document-export", "",
+     ToolState::Later},
+    {"Print", "&Print...", "Print the table", "document-print", "", ToolState::Later},
+    {"Refresh", "R&efresh", "Read the table again", "view-refresh", "Alt+E"},
+    {"First", "&First", "Go to the first record", "go-first", ""},
+    {"Previous", "P&revious", "Go to the previous record", "go-previous", ""},
+    {"Next", "&Next", "Go to the next record", "go-next", ""},
+    {"Last", "&Last", "Go to the last record", "go-last", ""},
+    {"Insert", "&Insert", "Add an empty record", "list-add", "", ToolState::Later},
+    {"Delete", "&Delete", "Delete the selected records", "list-remove", "", ToolState::Later},
+    {"Select All", "Select &All", "Select all records", "edit-select-all", "", ToolState::Later},
+    {"Sort Ascending", "Sort A&scending", "Sort by this column", "view-sort-ascending", "",
+     ToolState::Later},
+    {"Sort Descending", "Sort Des&cending", "Sort by this column, backwards",
+     "view-sort-descending", "", ToolState::Later},
+    {"Find", "Fin&d...", "Find a record", "edit-find", "", ToolState::Later},
+    {"Filter", "Fil&ter...", "Filter the records", "view-filter", "", ToolState::Later},
+    {"New Table", "New Ta&ble...", "Make a new table", "table", "", ToolState::Later},
+    {"Edit Table", "Edit Tab&le...", "Change the columns of the table", "document-edit", "",
+     ToolState::Later},
 };
 
 void BuildBars(ActiveBar& bar) {
-    for (const ViewTool& tool : ViewTools)
-        bar.AddTool({.name = tool.name,
-                     .caption = tool.caption,
-                     .tip = tool.tip,
-                     .shortcut = tool.shortcut,
-                     .icon = tool.icon,
-                     .enabled = tool.ready});
+    AddTools(bar, ViewTools);
     bar.AddBand(
         {Band::Kind::ToolBar,
          "Table",

@@ -1,56 +1,48 @@
 #include "merge/MergeBars.h"
 
+#include "core/ToolTable.h"
+
 namespace mailvane {
 
 namespace {
 
-constexpr const char* LaterTip = "Comes with a later version.";
-
-enum class Use { Ready, Later };
-
-struct MergeTool {
-    const char* name;
-    const char* caption;
-    const char* tip;
-    const char* icon;
-    const char* shortcut;
-    Use use;
-};
-
-constexpr MergeTool MergeTools[] = {
-    {"New", "&New", "Start a new message", "document-new", "Alt+N", Use::Ready},
-    {"Open", "&Open...", "Open a message file", "document-open", "Alt+O", Use::Ready},
-    {"Save", "&Save", "Save the message to a file", "document-save", "Alt+S", Use::Ready},
-    {"Send Message", "Sen&d Message...", "Make the messages and send them", "mail-send", "Alt+D",
-     Use::Ready},
+constexpr ToolRow MergeTools[] = {
+    {"New", "&New", "Start a new message", "document-new", "Alt+N"},
+    {"Open", "&Open...", "Open a message file", "document-open", "Alt+O"},
+    {"Save", "&Save", "Save the message to a file", "document-save", "Alt+S"},
+    {"Send Message", "Sen&d Message...", "Make the messages and send them", "mail-send", "Alt+D"},
     {"Send Later", "Send &Later...", "Make the messages and leave them in the Outbox", "mail-queue",
-     "", Use::Ready},
-    {"Test", "T&est...", LaterTip, "mail-forward", "Alt+E", Use::Later},
-    {"Refresh", "&Refresh", "Read the table again", "view-refresh", "Alt+R", Use::Ready},
-    {"Close", "&Close", "Close this window", "window-close", "", Use::Ready},
-    {"Cut", "Cu&t", LaterTip, "edit-cut", "", Use::Later},
-    {"Copy", "&Copy", LaterTip, "edit-copy", "", Use::Later},
-    {"Paste", "&Paste", LaterTip, "edit-paste", "", Use::Later},
-    {"Clear", "C&lear", "Remove the selected text", "edit-clear", "", Use::Ready},
-    {"Select All", "Select &All", "Select the whole text", "edit-select-all", "", Use::Ready},
-    {"Find", "&Find...", LaterTip, "edit-find", "", Use::Later},
-    {"Spelling", "Spellin&g...", LaterTip, "tools-check-spelling", "Alt+G", Use::Later},
-    {"File Attachment", "&File Attachment...", "Attach a file", "mail-attachment", "", Use::Ready},
-    {"HTML", "&HTML File...", "Send an HTML file as the message", "text-html", "", Use::Ready},
-    {"Text from File", "&Text from File...", "Insert the text of a file", "text-plain", "",
-     Use::Ready},
-    {"Signature", "&Signature", "Insert your signature", "document-sign", "", Use::Ready},
-    {"Execute Program", "Execute &Program...", LaterTip, "system-run", "", Use::Later},
-    {"Execute CGI", "Execute &CGI...", LaterTip, "network-server", "", Use::Later},
-    {"attAdd", "&Add Attachment...", "Choose the file to attach", "list-add", "", Use::Ready},
-    {"attDelete", "&Remove Attachment", "Attach no file", "list-remove", "", Use::Ready},
-    {"attAddHTML", "Add &HTML File...", "Choose the HTML file", "list-add", "", Use::Ready},
-    {"attDeleteHTML", "Remove HTML F&ile", "Send no HTML file", "list-remove", "", Use::Ready},
-    {"miBold", "&Bold", LaterTip, "format-text-bold", "", Use::Later},
-    {"miItalic", "&Italic", LaterTip, "format-text-italic", "", Use::Later},
-    {"miUnderline", "&Underline", LaterTip, "format-text-underline", "", Use::Later},
-    {"miFont", "&Font...", LaterTip, "preferences-desktop-font", "", Use::Later},
-    {"miFontSize", "Font &Size...", LaterTip, "format-font-size-more", "", Use::Later},
+     ""},
+    {"Test", "T&est...", "Send the message to yourself first", "mail-forward", "Alt+E",
+     ToolState::Later},
+    {"Refresh", "&Refresh", "Read the table again", "view-refresh", "Alt+R"},
+    {"Close", "&Close", "Close this window", "window-close", ""},
+    {"Cut", "Cu&t", "Move the selected text to the clipboard", "edit-cut"},
+    {"Copy", "&Copy", "Copy the selected text to the clipboard", "edit-copy"},
+    {"Paste", "&Paste", "Insert the text of the clipboard", "edit-paste"},
+    {"Clear", "C&lear", "Remove the selected text", "edit-clear", ""},
+    {"Select All", "Select &All", "Select the whole text", "edit-select-all", ""},
+    {"Find", "&Find...", "Find a text in the message", "edit-find", "", ToolState::Later},
+    {"Spelling", "Spellin&g...", "Check the spelling", "tools-check-spelling", "Alt+G",
+     ToolState::Later},
+    {"File Attachment", "&File Attachment...", "Attach a file", "mail-attachment", ""},
+    {"HTML", "&HTML File...", "Send an HTML file as the message", "text-html", ""},
+    {"Text from File", "&Text from File...", "Insert the text of a file", "text-plain", ""},
+    {"Signature", "&Signature", "Insert your signature", "document-sign", ""},
+    {"Execute Program", "Execute &Program...", "Insert a tag that runs a program", "system-run", "",
+     ToolState::Later},
+    {"Execute CGI", "Execute &CGI...", "Insert a tag that calls a web script", "network-server", "",
+     ToolState::Later},
+    {"attAdd", "&Add Attachment...", "Choose the file to attach", "list-add", ""},
+    {"attDelete", "&Remove Attachment", "Attach no file", "list-remove", ""},
+    {"attAddHTML", "Add &HTML File...", "Choose the HTML file", "list-add", ""},
+    {"attDeleteHTML", "Remove HTML F&ile", "Send no HTML file", "list-remove", ""},
+    {"miBold", "&Bold", "Make the selected text bold", "format-text-bold"},
+    {"miItalic", "&Italic", "Make the selected text italic", "format-text-italic"},
+    {"miUnderline", "&Underline", "Underline the selected text", "format-text-underline"},
+    {"miFont", "&Font...", "Choose the font of the selected text", "preferences-desktop-font"},
+    {"miFontSize", "Font &Size...", "Choose the size of the selected text", "format-font-size-more",
+     "", ToolState::Later},
 };
 
 struct PriorityTool {
@@ -65,14 +57,8 @@ constexpr PriorityTool PriorityTools[] = {
     {"Low", "&Low", "Send with low priority"},
 };
 
-void AddTools(ActiveBar& bar) {
-    for (const MergeTool& tool : MergeTools)
-        bar.AddTool({.name = tool.name,
-                     .caption = tool.caption,
-                     .tip = tool.tip,
-                     .shortcut = tool.shortcut,
-                     .icon = tool.icon,
-                     .enabled = tool.use == Use::Ready});
+void AddMergeTools(ActiveBar& bar) {
+    AddTools(bar, MergeTools);
     for (const PriorityTool& tool : PriorityTools)
         bar.AddTool({.name = tool.name,
                      .caption = tool.caption,
@@ -88,7 +74,7 @@ void AddTools(ActiveBar& bar) {
 }  // namespace
 
 void BuildMergeBars(ActiveBar& bar) {
-    AddTools(bar);
+    AddMergeTools(bar);
     bar.AddBand({Band::Kind::Menu,
                  "File",
                  "&File",

@@ -3,6 +3,7 @@
 #include "core/Progress.h"
 #include "core/Running.h"
 #include "core/Text.h"
+#include "core/ToolTable.h"
 #include "core/frmSettings.h"
 #include "core/frmStatus.h"
 #include "database/frmViewDatabase.h"
@@ -31,7 +32,7 @@ void frmMerge::DisableToolsOfLaterVersions() {
     for (Button* button :
          {&cmdRemoveRecords, &cmdRemoveAddresses, &cmdCompare, &cmdText, &cmdClean, &SSCommand1}) {
         button->SetEnabled(false);
-        button->SetTip("Comes with a later version.");
+        button->SetTip(LaterTip);
     }
 }
 

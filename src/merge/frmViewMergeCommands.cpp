@@ -9,6 +9,19 @@ namespace mailvane {
 
 namespace {
 
+/// The commands of the body that only its widget can carry out.
+std::optional<EditCommand> BodyCommand(const std::string& toolName) {
+    constexpr std::pair<const char*, EditCommand> Commands[] = {
+        {"Cut", EditCommand::Cut},           {"Copy", EditCommand::Copy},
+        {"Paste", EditCommand::Paste},       {"miBold", EditCommand::Bold},
+        {"miItalic", EditCommand::Italic},   {"miUnderline", EditCommand::Underline},
+        {"miFont", EditCommand::ChooseFont},
+    };
+    for (const auto& [name, command] : Commands)
+        if (toolName == name) return command;
+    return std::nullopt;
+}
+
 constexpr const char* Title = "E-mail Merge";
 constexpr std::size_t ShortestPath = 3;
 
@@ -61,6 +74,8 @@ bool frmViewMerge::RunEditCommand(const std::string& toolName) {
         InsertTextFile();
     else if (toolName == "Signature")
         InsertSignature();
+    else if (const auto command = BodyCommand(toolName))
+        txtBody.Do(*command);
     else if (toolName == "Clear")
         txtBody.ReplaceSelection("");
     else if (toolName == "Select All")

@@ -51,7 +51,7 @@ protected:
     SendService sending{wb};
 };
 
-TEST(CommandTable, EveryToolHasItsPlaceAndEveryPlaceItsTool) {
+TEST_F(Shell, EveryToolHasItsPlaceAndEveryPlaceItsTool) {
     std::set<std::string> placed;
     std::set<std::string> bands;
     for (const Band& band : MainBands()) {
@@ -59,7 +59,7 @@ TEST(CommandTable, EveryToolHasItsPlaceAndEveryPlaceItsTool) {
         placed.insert(band.entries.begin(), band.entries.end());
     }
     std::set<std::string> tools;
-    for (const Tool& tool : MainTools()) {
+    for (const Tool& tool : Start().ActiveBar1.Tools()) {
         EXPECT_TRUE(tools.insert(tool.name).second) << tool.name;
         EXPECT_TRUE(placed.contains(tool.name) || tool.name == "Start") << tool.name;
     }

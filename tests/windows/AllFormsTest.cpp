@@ -118,6 +118,8 @@ TEST_F(AllForms, LookGoodInLightAndDark) {
             if (form->Style() == FormStyle::Child) form->Show();
             Photograph(*form, form->Name() + ending);
         }
+        wb.forms.Get<frmViewEmail>().Hide();
+        wb.forms.Get<frmViewMerge>().BringToFront();
         Photograph(wb.shell->MainForm(), "frmMain" + ending);
     }
     UseDarkPalette(false);

@@ -1,38 +1,30 @@
 #include "core/shell/CommandTable.h"
 
+#include "core/ToolTable.h"
+
 namespace mailvane {
 
 namespace {
 
-enum Readiness { Ready, Later };
+constexpr ToolState Later = ToolState::Later;
 
-struct Row {
-    const char* name;
-    const char* caption;
-    const char* tip;
-    const char* icon;
-    const char* shortcut;
-    Readiness readiness;
-};
-
-constexpr Row Rows[] = {
-    {"New", "&New Project...", "Make a new project", "document-new", "Ctrl+N", Ready},
-    {"Open", "&Open Project...", "Open a project", "document-open", "Ctrl+O", Ready},
-    {"Save", "&Save Project", "Save the project", "document-save", "Ctrl+S", Ready},
-    {"SaveAs", "Save Project &As...", "Save the project under another name", "document-save-as", "",
-     Ready},
+constexpr ToolRow Rows[] = {
+    {"New", "&New Project...", "Make a new project", "document-new", "Ctrl+N"},
+    {"Open", "&Open Project...", "Open a project", "document-open", "Ctrl+O"},
+    {"Save", "&Save Project", "Save the project", "document-save", "Ctrl+S"},
+    {"SaveAs", "Save Project &As...", "Save the project under another name", "document-save-as",
+     ""},
     {"New Project Wizard", "New Project &Wizard...", "Make a project step by step", "tools-wizard",
      "", Later},
     {"Project Dialog", "Project &Dialog...", "Choose or make a project", "folder", "", Later},
-    {"exit", "E&xit", "Leave the program", "application-exit", "Ctrl+Q", Ready},
-    {"Database", "&Database", "Show the recipients database", "table", "F5", Ready},
-    {"Email", "&E-mail", "Show the mail folders", "mail-folder-inbox", "F6", Ready},
-    {"Merge", "&Merge", "Write a message for all recipients", "mail-message-new", "F7", Ready},
-    {"Settings", "&Settings...", "Settings of the project", "configure", "F8", Ready},
-    {"Start", "S&tart", "Send and receive e-mail", "media-playback-start", "F9", Ready},
-    {"Send and Receive", "Send and &Receive", "Send and receive e-mail", "mail-send-receive", "",
-     Ready},
-    {"Send All", "Send &All", "Send all messages of the Outbox", "mail-send", "Ctrl+Return", Ready},
+    {"exit", "E&xit", "Leave the program", "application-exit", "Ctrl+Q"},
+    {"Database", "&Database", "Show the recipients database", "table", "F5"},
+    {"Email", "&E-mail", "Show the mail folders", "mail-folder-inbox", "F6"},
+    {"Merge", "&Merge", "Write a message for all recipients", "mail-message-new", "F7"},
+    {"Settings", "&Settings...", "Settings of the project", "configure", "F8"},
+    {"Start", "S&tart", "Send and receive e-mail", "media-playback-start", "F9"},
+    {"Send and Receive", "Send and &Receive", "Send and receive e-mail", "mail-send-receive", ""},
+    {"Send All", "Send &All", "Send all messages of the Outbox", "mail-send", "Ctrl+Return"},
     {"Receive All", "Rece&ive All", "Receive new messages", "mail-receive", "", Later},
     {"New Message", "New &Message...", "Write a single message", "document-edit", "", Later},
     {"Message rules", "Message r&ules...", "Rules for received messages", "view-filter", "", Later},
@@ -40,9 +32,9 @@ constexpr Row Rows[] = {
      Later},
     {"Mailing lists", "Mailing &lists...", "Mailing lists with autoresponders", "contact-new", "",
      Later},
-    {"NewDatabase", "New &Database...", "Make a recipients database", "document-new", "", Ready},
-    {"ImportData", "I&mport Data...", "Import a text file into the database", "document-import", "",
-     Ready},
+    {"NewDatabase", "New &Database...", "Make a recipients database", "document-new", ""},
+    {"ImportData", "I&mport Data...", "Import a text file into the database", "document-import",
+     ""},
     {"ExportData", "E&xport Data...", "Export a table to a text file", "document-export", "",
      Later},
     {"Filter through text file", "Filter through te&xt file...", "Remove addresses named in a file",
@@ -70,48 +62,35 @@ constexpr Row Rows[] = {
      Later},
     {"Execute CGI", "Execute C&GI tags...", "Web scripts that messages call", "internet-services",
      "", Later},
-    {"Scheduler", "Sche&duler", "Start the program at set times", "appointment-new", "", Ready},
+    {"Scheduler", "Sche&duler", "Start the program at set times", "appointment-new", ""},
     {"Internal Mail Server", "Internal Mail Ser&ver...", "Deliver without a relay",
      "network-server", "", Later},
     {"Connection Wizard", "&Connection Wizard...", "Set up the connection", "network-connect", "",
      Later},
-    {"Dial", "Dia&l...", "Dial-up connections", "network-modem", "", Ready},
+    {"Dial", "Dia&l...", "Dial-up connections", "network-modem", ""},
     {"Options", "&Options...", "Options of the program", "preferences-system", "", Later},
-    {"Error Log File", "&Error Log File", "Show the errors of the last run", "dialog-error", "",
-     Ready},
+    {"Error Log File", "&Error Log File", "Show the errors of the last run", "dialog-error", ""},
     {"Upgrade", "Check for &upgrades", "Look for a newer version", "system-software-update", "",
      Later},
-    {"Cascade", "&Cascade", "Arrange the windows one behind the other", "window-duplicate", "",
-     Ready},
+    {"Cascade", "&Cascade", "Arrange the windows one behind the other", "window-duplicate", ""},
     {"Tile Horizontally", "Tile &Horizontally", "Arrange the windows one above the other",
-     "view-split-top-bottom", "", Ready},
+     "view-split-top-bottom", ""},
     {"Tile Vertically", "Tile &Vertically", "Arrange the windows side by side",
-     "view-split-left-right", "", Ready},
-    {"Arrange Icons", "Arrange &Icons", "Arrange the minimised windows", "view-list-icons", "",
-     Ready},
-    {"Help", "&Help", "Show the help", "help-contents", "F1", Ready},
+     "view-split-left-right", ""},
+    {"Arrange Icons", "Arrange &Icons", "Arrange the minimised windows", "view-list-icons", ""},
+    {"Help", "&Help", "Show the help", "help-contents", "F1"},
     {"Information (phone and other info)", "&Information (phone and other info)",
-     "Where to find help", "help-about", "", Ready},
+     "Where to find help", "help-about", ""},
     {"Welcome", "&Welcome", "Show the welcome screen", "go-home", "", Later},
     {"About", "&About", "About the program", "help-about", "", Later},
 };
 
 }  // namespace
 
-std::vector<Tool> MainTools() {
-    std::vector<Tool> tools;
-    for (const Row& row : Rows)
-        tools.push_back({.name = row.name,
-                         .caption = row.caption,
-                         .tip = row.readiness == Ready
-                                    ? row.tip
-                                    : std::string(row.tip) + ". Comes with a later version.",
-                         .shortcut = row.shortcut,
-                         .icon = row.icon,
-                         .enabled = row.readiness == Ready});
+void AddMainTools(ActiveBar& bar) {
+    AddTools(bar, Rows);
     for (const char number : std::string("12345"))
-        tools.push_back({.name = std::string("RecentFile") + number, .visible = false});
-    return tools;
+        bar.AddTool({.name = std::string("RecentFile") + number, .visible = false});
 }
 
 std::vector<Band> MainBands() {

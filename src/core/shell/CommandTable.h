@@ -9,7 +9,7 @@ namespace mailvane {
 
 /// The tools of the main window and the menus and tool bars that hold them. A tool whose work is
 /// not built yet is there and disabled, with a tip that says so.
-std::vector<Tool> MainTools();
+void AddMainTools(ActiveBar& bar);
 std::vector<Band> MainBands();
 
 }  // namespace mailvane

@@ -27,8 +27,7 @@ void TakeNumber(const std::string& setting, double& value) {
 frmMain::frmMain(Workbench& wb)
     : WorkbenchForm(wb, "frmMain", ProgramTitle, FormStyle::Main), RecentFile1(wb, ProgramTitle) {
     wb.shell = this;
-    for (Tool& tool : MainTools())
-        ActiveBar1.AddTool(std::move(tool));
+    AddMainTools(ActiveBar1);
     for (Band& band : MainBands())
         ActiveBar1.AddBand(std::move(band));
     Progress1.SetVisible(false);

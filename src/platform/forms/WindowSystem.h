@@ -48,9 +48,10 @@ public:
 
     // Prompts: answered by the script when one plays, by the person otherwise.
     BoxAnswer MessageBox(const BoxRequest& request);
-    std::optional<std::string> InputBox(const InputRequest& request);   ///< empty when cancelled
-    std::optional<std::string> FileDialog(const FileRequest& request);  ///< empty when cancelled
-    void PlayPrompts(PromptScript* script) { script_ = script; }        ///< not owned; null ends it
+    std::optional<std::string> InputBox(const InputRequest& request);  ///< empty when cancelled
+    /// An absolute path; empty when cancelled.
+    std::optional<std::string> FileDialog(const FileRequest& request);
+    void PlayPrompts(PromptScript* script) { script_ = script; }  ///< not owned; null ends it
 
     // The event loop.
     virtual void PumpEvents() = 0;  ///< handles what waits, timers included, and returns

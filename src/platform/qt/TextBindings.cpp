@@ -23,6 +23,27 @@ bool IsEnterKey(const QEvent& event) {
     return key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
+/// What all editing widgets can do by themselves; false for the formats.
+template <class Edit>
+bool DoOnClipboard(Edit& edit, EditCommand command) {
+    switch (command) {
+        case EditCommand::Undo:
+            edit.undo();
+            return true;
+        case EditCommand::Cut:
+            edit.cut();
+            return true;
+        case EditCommand::Copy:
+            edit.copy();
+            return true;
+        case EditCommand::Paste:
+            edit.paste();
+            return true;
+        default:
+            return false;
+    }
+}
+
 class LineBinding final : public ControlBinding {
 public:
     LineBinding(EditControl& control, QLineEdit& edit)
@@ -74,25 +95,7 @@ private:
     }
 
     void Do(EditCommand command) {
-        switch (command) {
-            case EditCommand::Undo:
-                edit_.undo();
-                break;
-            case EditCommand::Cut:
-                edit_.cut();
-                break;
-            case EditCommand::Copy:
-                edit_.copy();
-                break;
-            case EditCommand::Paste:
-                edit_.paste();
-                break;
-            case EditCommand::Bold:
-            case EditCommand::Italic:
-            case EditCommand::Underline:
-            case EditCommand::ChooseFont:
-                break;  // one line has no formats
-        }
+        DoOnClipboard(edit_, command);  // one line has no formats
     }
 
     bool Filter(QObject* watched, QEvent* event) override {
@@ -210,26 +213,7 @@ private:
     }
 
     void Do(EditCommand command) {
-        switch (command) {
-            case EditCommand::Undo:
-                edit_.undo();
-                break;
-            case EditCommand::Cut:
-                edit_.cut();
-                break;
-            case EditCommand::Copy:
-                edit_.copy();
-                break;
-            case EditCommand::Paste:
-                edit_.paste();
-                break;
-            case EditCommand::Bold:
-            case EditCommand::Italic:
-            case EditCommand::Underline:
-            case EditCommand::ChooseFont:
-                ApplyFormat(edit_, command);
-                break;
-        }
+        if (!DoOnClipboard(edit_, command)) ApplyFormat(edit_, command);
     }
 
     bool Filter(QObject* watched, QEvent* event) override {

@@ -187,8 +187,8 @@ print frmWork.txtWrap)",
     {"ToolsAndCommands",
      "tool frmWork print\ncommand RecentFile1 /a.poc\nexpect frmWork.txtLog Print;/a.poc;"},
     {"OpenComesBeforeQueuedFiles",
-     "file later\nopen /p.poc\npress frmWork.cmdFile\nexpect frmWork.txtLog \"open "
-     "/p.poc;later;\""},
+     "file /later\nopen /p.poc\npress frmWork.cmdFile\nexpect frmWork.txtLog \"open "
+     "/p.poc;/later;\""},
     {"ShowAndClose",
      "expect-closed frmWork\ncommand Show\nexpect-open FRMWORK\nclose frmWork\n"
      "expect-closed frmWork"},
