@@ -14,34 +14,6 @@ namespace {
 
 constexpr std::string_view LineEnd = "\r\n";
 
-/// Lower case of the letters whose two forms both take two bytes of UTF-8: Latin, Greek, Cyrillic.
-/// Lengths stay, so that a position in the folded text is one in the text.
-unsigned LowerTwoByteLetter(unsigned letter) {
-    const bool even = letter % 2 == 0;
-    if (letter >= 0xC0 && letter <= 0xDE) return letter == 0xD7 ? letter : letter + 32;
-    if (letter == 0x130 || letter == 0x131 || letter == 0x138) return letter;
-    if (letter >= 0x100 && letter <= 0x137) return even ? letter + 1 : letter;
-    if (letter >= 0x139 && letter <= 0x148) return even ? letter : letter + 1;
-    if (letter >= 0x14A && letter <= 0x177) return even ? letter + 1 : letter;
-    if (letter == 0x178) return 0xFF;
-    if (letter >= 0x179 && letter <= 0x17E) return even ? letter : letter + 1;
-    if (letter == 0x386) return 0x3AC;
-    if (letter >= 0x388 && letter <= 0x38A) return letter + 37;
-    if (letter == 0x38C) return 0x3CC;
-    if (letter == 0x38E || letter == 0x38F) return letter + 63;
-    if (letter >= 0x391 && letter <= 0x3AB) return letter == 0x3A2 ? letter : letter + 32;
-    if (letter >= 0x400 && letter <= 0x40F) return letter + 80;
-    if (letter >= 0x410 && letter <= 0x42F) return letter + 32;
-    return letter;
-}
-
-bool IsTwoByteLead(unsigned char byte) {
-    return byte >= 0xC3 && byte <= 0xD0;
-}
-bool IsContinuation(unsigned char byte) {
-    return (byte & 0xC0) == 0x80;
-}
-
 /// The number that the text begins with, and how many characters it takes (0: no number).
 std::pair<double, std::size_t> LeadingNumber(std::string_view text) {
     std::string_view digits = text;
@@ -84,18 +56,7 @@ std::string Trim(std::string_view text) {
 }
 
 std::string ToLower(std::string_view text) {
-    std::string lower(text);
-    for (std::size_t i = 0; i < lower.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(lower[i]);
-        lower[i] = LowerAscii(lower[i]);
-        if (!IsTwoByteLead(byte) || i + 1 == lower.size()) continue;
-        const auto next = static_cast<unsigned char>(lower[i + 1]);
-        if (!IsContinuation(next)) continue;
-        const unsigned letter = LowerTwoByteLetter((byte & 0x1Fu) << 6 | (next & 0x3Fu));
-        lower[i] = static_cast<char>(0xC0u | letter >> 6);
-        lower[++i] = static_cast<char>(0x80u | (letter & 0x3Fu));
-    }
-    return lower;
+    return LowerCase(text);
 }
 
 bool EqualText(std::string_view a, std::string_view b) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/dao/DaoValue.h"
+#include "platform/os/TextCase.h"
 
 namespace mailvane {
 
@@ -21,10 +22,6 @@ inline constexpr int UpdatableFieldAttribute = 32;
 inline constexpr int AutoNumberAttributes = 49;
 /// Size in characters of a Text column for which none is given.
 inline constexpr int DefaultTextSize = 65535;
-
-/// Whether two names of tables, columns or indexes mean the same: the case of ASCII letters is
-/// ignored.
-bool SameName(std::string_view one, std::string_view other);
 
 struct Field {
     std::string name;

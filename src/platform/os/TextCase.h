@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 namespace mailvane {
@@ -9,7 +10,11 @@ constexpr char LowerAscii(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Compares names: the case of ASCII letters is ignored.
+/// Lower case in all scripts, except of letters whose lower case takes another number of bytes: a
+/// position in the result is one in the text. Bytes that are no UTF-8 stay as they are.
+std::string LowerCase(std::string_view text);
+
+/// Compares names of tables, columns, forms: the case of ASCII letters is ignored.
 inline bool SameName(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return LowerAscii(x) == LowerAscii(y); });
