@@ -168,7 +168,9 @@ ScriptCommands::ScriptCommands(WindowSystem& windows, FormRegistry& forms, Promp
       output_(output) {}
 
 ScriptOutcome ScriptCommands::CarryOut(const ScriptWords& words) {
-    return (this->*FindRow(words.front())->carryOut)(words);
+    const Row* row = FindRow(words.front());
+    return row == nullptr ? Wrong("unknown command " + Quoted(words.front()))
+                          : (this->*row->carryOut)(words);
 }
 
 bool ScriptCommands::Holds(const std::string& object, const std::string& text,
