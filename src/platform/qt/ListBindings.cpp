@@ -249,21 +249,21 @@ public:
     ListBoksBinding(ListBoks& control, QWidget& place)
         : ListBinding(control, place, MakeList(place)), boks_(control) {
         auto* column = new QVBoxLayout;
-        const auto add = [&](const char16_t* caption, void (ListBoks::*press)()) {
+        const auto add = [&](const char16_t* caption, const std::function<void()>& press) {
             auto* button = new QPushButton(QString::fromUtf16(caption), &place);
             button->setAutoDefault(false);
             connect(button, &QPushButton::clicked, this,
-                    [this, press] { FromUser(Property::RowSelection, [&] { (boks_.*press)(); }); });
+                    [this, press] { FromUser(Property::RowSelection, press); });
             column->addWidget(button);
             QWidget::setTabOrder(
                 buttons_.isEmpty() ? static_cast<QWidget*>(&list_) : buttons_.constLast(), button);
             buttons_.append(button);
         };
-        add(u"Add", &ListBoks::PressAdd);
-        add(u"Edit", &ListBoks::PressEdit);
-        add(u"Delete", &ListBoks::PressDelete);
-        add(u"Up", &ListBoks::MoveUp);
-        add(u"Down", &ListBoks::MoveDown);
+        add(u"Add", [this] { boks_.PressAdd(); });
+        add(u"Edit", [this] { boks_.PressEdit(); });
+        add(u"Delete", [this] { boks_.PressDelete(); });
+        add(u"Up", [this] { boks_.MoveUp(); });
+        add(u"Down", [this] { boks_.MoveDown(); });
         column->addStretch();
         static_cast<QHBoxLayout*>(place.layout())->addLayout(column);
     }
