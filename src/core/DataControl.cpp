@@ -49,11 +49,6 @@ DaoError DataControl::Refresh() {
     return recordset.Ok() ? DaoError{} : recordset.Error();
 }
 
-void DataControl::UseRecordset(std::shared_ptr<mailvane::Recordset> recordset) {
-    recordset_ = std::move(recordset);
-    ShowInGrid();
-}
-
 void DataControl::Close() {
     aboutToClose.Tell();
     if (recordset_) recordset_->Close();

@@ -20,8 +20,6 @@ public:
     /// Opens the file when it is not open, or another one is, and the record source anew. On
     /// failure there is no recordset.
     DaoError Refresh();
-    /// Takes a recordset that is open already on this control's database in place of its own.
-    void UseRecordset(std::shared_ptr<mailvane::Recordset> recordset);
     void Close();  ///< the database and its recordset; DatabaseName and RecordSource stay
 
     /// Null when closed. Shared: a run may keep them over a refresh.

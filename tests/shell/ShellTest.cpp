@@ -9,18 +9,15 @@
 #include "core/shell/CommandTable.h"
 #include "core/shell/frmMain.h"
 #include "database/DatabaseService.h"
-#include "platform/forms/HeadlessWindows.h"
 #include "platform/os/Files.h"
 #include "send/SendService.h"
-#include "support/ManualClock.h"
-#include "support/RecordingProcesses.h"
-#include "support/TempFolder.h"
+#include "support/TestBench.h"
 
 namespace mailvane {
 namespace {
 
 /// The program as main makes it, without a screen.
-class Shell : public testing::Test {
+class Shell : public testing::Test, protected test::HeadlessBench {
 protected:
     frmMain& Start(const std::string& commandLine = {}) {
         auto& form = wb.forms.Load<frmMain>();
@@ -36,17 +33,6 @@ protected:
     }
     std::string Setting(const std::string& key) { return GetUserSetting(wb, "Settings", key); }
 
-    test::TempFolder folder;
-    test::ManualClock clock;
-    HeadlessWindows windows{clock};
-    test::RecordingProcesses processes;
-    Platform platform{windows,
-                      clock,
-                      processes,
-                      folder.Path() + "/program",
-                      MAILVANE_SOURCE_DIR "/share",
-                      folder.Path() + "/registry.ini"};
-    Workbench wb{platform};
     DatabaseService databases{wb};
     SendService sending{wb};
 };

@@ -14,6 +14,27 @@
 
 namespace mailvane::test {
 
+/// The machine and the workbench for tests: no screen, time that passes without waiting, a program
+/// folder of its own. The installation's share folder is the real one.
+struct HeadlessBench {
+    /// A path in the program folder.
+    std::string InProgramFolder(const std::string& name) const {
+        return platform.programFolder + "/" + name;
+    }
+
+    TempFolder folder;
+    ManualClock clock;
+    HeadlessWindows windows{clock};
+    RecordingProcesses processes;
+    Platform platform{windows,
+                      clock,
+                      processes,
+                      folder.Path() + "/program",
+                      MAILVANE_SOURCE_DIR "/share",
+                      folder.Path() + "/registry.ini"};
+    Workbench wb{platform};
+};
+
 /// A main window that only has what the shell hands out.
 class FakeMainForm final : public WorkbenchForm {
 public:
@@ -59,10 +80,8 @@ private:
     FakeMainForm& form_;
 };
 
-/// A workbench for tests: no screen, time that passes without waiting, a program folder of its own
-/// with "Projects" in it, and a shell that remembers. The installation's share folder is the real
-/// one.
-struct TestBench {
+/// The same with "Projects" in the program folder and a shell that remembers.
+struct TestBench : HeadlessBench {
     TestBench() {
         MakeFolders(platform.programFolder + "/Projects");
         wb.state.MainWorkspace = Workspace::Create();
@@ -70,10 +89,6 @@ struct TestBench {
     }
 
     PromptScript& Prompts() { return windows.prompts; }
-    /// A path in the program folder.
-    std::string InProgramFolder(const std::string& name) const {
-        return platform.programFolder + "/" + name;
-    }
     /// Makes the project folder of a project that has not been saved by the program.
     void UseProject(const std::string& name = "Test") {
         wb.state.ProjectName = name;
@@ -89,17 +104,6 @@ struct TestBench {
         }
     }
 
-    TempFolder folder;
-    ManualClock clock;
-    HeadlessWindows windows{clock};
-    RecordingProcesses processes;
-    Platform platform{windows,
-                      clock,
-                      processes,
-                      folder.Path() + "/program",
-                      MAILVANE_SOURCE_DIR "/share",
-                      folder.Path() + "/registry.ini"};
-    Workbench wb{platform};
     FakeMainForm& mainForm = wb.forms.Load<FakeMainForm>();
     FakeShell shell{mainForm};
 };
