@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -30,6 +31,11 @@ public:
         auto slot = std::make_shared<Handler>(std::move(handler));
         slots_.push_back(slot);
         return Subscription(slot);
+    }
+
+    bool Observed() const {
+        return std::any_of(slots_.begin(), slots_.end(),
+                           [](const std::weak_ptr<Handler>& slot) { return !slot.expired(); });
     }
 
     void Tell(Args... args) {

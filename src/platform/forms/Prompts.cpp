@@ -188,7 +188,9 @@ bool PromptScript::ExpectBox(const std::string& text) {
 }
 
 void PromptScript::Fail(std::string reason) {
-    if (!failure_) failure_ = std::move(reason);
+    if (failure_) return;
+    failure_ = std::move(reason);
+    if (onFailure) onFailure();
 }
 
 }  // namespace mailvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -79,6 +80,7 @@ public:
     const std::vector<ShownPrompt>& Shown() const { return shown_; }
     /// What came up without an answer; empty while all is well.
     const std::optional<std::string>& Failure() const { return failure_; }
+    std::function<void()> onFailure;  ///< told once, while the prompt is still answered
     /// True when a message box with exactly this text was shown after the one that the last call
     /// that held has found.
     bool ExpectBox(const std::string& text);

@@ -26,9 +26,11 @@ struct ScriptRunner::State {
           prompts(thePrompts),
           errors(theErrors),
           commands(theWindows, forms, thePrompts, std::move(program), output) {}
+    ~State() { prompts.onFailure = nullptr; }
 
     void Begin(std::vector<ScriptLine> parsed);
     void NextLine();
+    void FollowRuns();
     void CheckRun();
     void ProgramQuit();
     bool CheckPrompts();
@@ -59,7 +61,7 @@ struct ScriptRunner::State {
 void ScriptRunner::State::Begin(std::vector<ScriptLine> parsed) {
     lines = std::move(parsed);
     idle = windows.idle.Observe([this] { NextLine(); });
-    yielded = windows.yielded.Observe([this] { CheckRun(); });
+    prompts.onFailure = [this] { FollowRuns(); };
     quit = windows.quit.Observe([this] { ProgramQuit(); });
 }
 
@@ -79,8 +81,16 @@ void ScriptRunner::State::NextLine() {
     CarryOut(line.words, line.number);
 }
 
+/// From now on every yield of a run is looked at. Without need it is not: an observed yield is
+/// always due, and a run that may go on between two yields is faster.
+void ScriptRunner::State::FollowRuns() {
+    yielded = windows.yielded.Observe([this] { CheckRun(); });
+}
+
 void ScriptRunner::State::CheckRun() {
-    if (CheckPrompts()) CheckWatches();
+    if (!CheckPrompts()) return;
+    CheckWatches();
+    if (watches.empty()) yielded.End();
 }
 
 void ScriptRunner::State::ProgramQuit() {
@@ -127,6 +137,7 @@ void ScriptRunner::State::CarryOut(const ScriptWords& words, int number) {
 ScriptOutcome ScriptRunner::State::CarryOutOrArm(const ScriptWords& words, int number) {
     if (words.front() != "when") return commands.CarryOut(words);
     watches.push_back({number, words[1], words[3], {words.begin() + 4, words.end()}});
+    FollowRuns();
     return std::nullopt;
 }
 

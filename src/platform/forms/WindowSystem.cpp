@@ -50,9 +50,17 @@ std::optional<std::string> WindowSystem::FileDialog(const FileRequest& request) 
     return path;
 }
 
+bool WindowSystem::PumpIsDue() const {
+    return clock_.Monotonic() - lastPump_ >= PumpInterval;
+}
+
+bool WindowSystem::YieldIsDue() const {
+    return yielded.Observed() || PumpIsDue();
+}
+
 void WindowSystem::YieldBriefly() {
     yielded.Tell();
-    if (clock_.Monotonic() - lastPump_ < PumpInterval) return;
+    if (!PumpIsDue()) return;
     PumpEvents();
     lastPump_ = clock_.Monotonic();
 }

@@ -58,6 +58,9 @@ public:
     /// Called by long runs after each item: lets the interface live. Costs next to nothing when the
     /// last one was under 10 ms ago.
     void YieldBriefly();
+    /// YieldBriefly would let something run now. A run that makes many small steps may keep what
+    /// must not be interrupted (a transaction) open from one due yield to the next.
+    bool YieldIsDue() const;
     void WaitSeconds(double seconds);  ///< lets the program go on for that time
     /// Runs `work` once, when the program is idle next, not in the middle of other code.
     void Post(std::function<void()> work);
@@ -87,6 +90,7 @@ protected:
 
 private:
     void LoopUntil(const std::function<bool()>& done);
+    bool PumpIsDue() const;
     Clock& clock_;
     PromptScript* script_ = nullptr;
     std::vector<std::function<void()>> posted_;
