@@ -60,7 +60,7 @@ MergeGenerator::MergeGenerator(Workbench& wb, const frmViewMerge& message,
       fieldTags_(message.lstFields.Items()),
       row_(std::move(recipients), fieldTags_.Names()) {}
 
-void MergeGenerator::GenerateMergeMessage() {
+DaoError MergeGenerator::GenerateMergeMessage() {
     row_.Renew();
     ReadMessageParts();
     if (addressing_.personal) {
@@ -76,7 +76,7 @@ void MergeGenerator::GenerateMergeMessage() {
     record_.Size = static_cast<std::int32_t>(record_.Body.size() + record_.Subject.size() +
                                              record_.AllHeaders.size());
     record_.Priority = message_.PriorityValue();
-    SaveMessageRecord(wb_, record_, "", OutboxFolder, false, 0, "Unread", false);
+    return TrySaveMessageRecord(wb_, record_, "", OutboxFolder, false, 0, "Unread", false);
 }
 
 void MergeGenerator::ReadMessageParts() {

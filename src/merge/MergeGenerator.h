@@ -27,8 +27,9 @@ public:
     MergeGenerator(Workbench& wb, const frmViewMerge& message,
                    std::shared_ptr<Recordset> recipients, MergeAddressing addressing);
 
-    /// Stores one message; failures on the way leave the part concerned as it was.
-    void GenerateMergeMessage();
+    /// Makes one message and stores it; failures on the way to it leave the part concerned as it
+    /// was. Tells when it could not be stored.
+    DaoError GenerateMergeMessage();
 
     std::string PacketText;  ///< bulk: the addresses of the blind copy
 

@@ -8,7 +8,6 @@
 #include "core/Text.h"
 #include "core/frmSettings.h"
 #include "core/frmStatus.h"
-#include "merge/MergeGenerator.h"
 
 namespace mailvane {
 
@@ -16,17 +15,12 @@ namespace {
 
 constexpr const char* AccessingRecords = "Accessing records, please wait...";
 constexpr const char* FilteringRecords = "Filtering records, please wait...";
-constexpr const char* ProceedAnyway = "\r\nDo you want to proceed anyway?";
 constexpr std::size_t MailingTableNameLength = 58;
 
 /// The text as a number of rows; what is beyond 32 bits is as good as without end.
 std::int64_t RowNumber(const std::string& text) {
     constexpr double Most = 2147483647;
     return std::llrint(std::clamp(NumberOf(text), -Most, Most));
-}
-
-bool IsBelowOneOrNoNumber(const std::string& text) {
-    return !IsNumeric(text) || NumberOf(text) < 1;
 }
 
 std::string MailingTableName(const std::string& table, DateTime now) {
@@ -63,6 +57,14 @@ void MergeRun::Start() {
     }
 }
 
+bool MergeRun::AskToProceed(const std::string& text, BoxIcon icon) {
+    return AskYesNo(wb_, text + "\r\nDo you want to proceed anyway?", icon);
+}
+
+bool MergeRun::IsBelowOneOrNoNumber(const std::string& text) {
+    return !IsNumeric(text) || NumberOf(text) < 1;
+}
+
 /// A bracket in the name itself would end it early; without it, no table has that name.
 std::string MergeRun::Bracketed(const std::string& name) {
     std::string inner = name;
@@ -77,10 +79,9 @@ bool MergeRun::CheckOptions() {
 bool MergeRun::CheckDateColumn() {
     if (!dialog_.chkDate.Checked() || dialog_.DateColumnChosen()) return true;
     dialog_.chkDate.SetChecked(false);
-    return AskYesNo(wb_, "Your database field '" + dialog_.cmbField.Text() +
-                             "' is not a date data type field. \r\n"
-                             "You can use this criteria only with date data type fields." +
-                             ProceedAnyway);
+    return AskToProceed("Your database field '" + dialog_.cmbField.Text() +
+                        "' is not a date data type field. \r\n"
+                        "You can use this criteria only with date data type fields.");
 }
 
 bool MergeRun::CheckMaximum() {
@@ -89,8 +90,8 @@ bool MergeRun::CheckMaximum() {
     const std::string value = dialog_.txtMax.Text();
     if (!IsBelowOneOrNoNumber(value)) return true;
     dialog_.chkMax.SetChecked(false);
-    return AskYesNo(wb_, "'Maximum number of messages' text box contains invalid value: '" + value +
-                             "'." + ProceedAnyway);
+    return AskToProceed("'Maximum number of messages' text box contains invalid value: '" + value +
+                        "'.");
 }
 
 bool MergeRun::CheckRange() {
@@ -103,8 +104,7 @@ bool MergeRun::CheckRange() {
         NumberOf(first) <= NumberOf(second))
         return true;
     dialog_.chkFractional.SetChecked(false);
-    return AskYesNo(wb_,
-                    "Invalid range of rows for fractional sending: " + RangeText() + ProceedAnyway);
+    return AskToProceed("Invalid range of rows for fractional sending: " + RangeText());
 }
 
 std::string MergeRun::RangeText() const {
@@ -191,77 +191,6 @@ bool MergeRun::RefuseStart(const std::string& text) {
     wb_.platform.windows.SetPointer(MousePointer::Normal);
     Tell(wb_, text, BoxIcon::Exclamation);
     return false;
-}
-
-MergeRun::Outcome MergeRun::GenerateMessages() {
-    const bool personal = dialog_.optPersonal.IsSet();
-    if (!personal && !CheckPacketSize()) return Outcome::Stopped;
-    MergeGenerator generator(wb_, message_, recipients_,
-                             {personal, message_.txtTo.Text(), dialog_.txtTo.Text()});
-    UpdateProgress(wb_, static_cast<long>(total_), 0, "Generating messages...");
-    return personal ? GeneratePersonal(generator) : GenerateBulk(generator);
-}
-
-MergeRun::Outcome MergeRun::GeneratePersonal(MergeGenerator& generator) {
-    Outcome outcome = Outcome::Complete;
-    for (std::int64_t i = 1; i <= total_ && outcome == Outcome::Complete; ++i) {
-        generator.GenerateMergeMessage();
-        outcome = StepOn(i);
-    }
-    noMailingTable_ = outcome == Outcome::Cancelled;
-    return outcome;
-}
-
-/// The packet text goes on growing from one packet to the next, and only a full packet, or one that
-/// has reached the number of all recipients, becomes a message.
-MergeRun::Outcome MergeRun::GenerateBulk(MergeGenerator& generator) {
-    const double packetSize = NumberOf(dialog_.txtPacket.Text());
-    std::int64_t packetCount = 1;
-    Outcome outcome = Outcome::Complete;
-    for (std::int64_t i = 1; i <= total_ && outcome == Outcome::Complete; ++i) {
-        const bool full = static_cast<double>(packetCount) == packetSize ||
-                          packetCount == recipients_->RecordCount();
-        if (!AppendAddress(generator.PacketText, full ? "" : ", ")) return Outcome::Stopped;
-        if (full) generator.GenerateMergeMessage();
-        packetCount = full ? 1 : packetCount + 1;
-        outcome = StepOn(i);
-    }
-    return outcome;
-}
-
-bool MergeRun::CheckPacketSize() {
-    dialog_.txtPacket.SetText(Trim(dialog_.txtPacket.Text()));
-    const std::string value = dialog_.txtPacket.Text();
-    if (!IsBelowOneOrNoNumber(value)) return true;
-    wb_.platform.windows.SetPointer(MousePointer::Normal);
-    if (!AskYesNo(wb_, "'Messages per packet' text-box contains invalid value: '" + value + "'." +
-                           ProceedAnyway))
-        return false;
-    dialog_.txtPacket.SetText("19");
-    return true;
-}
-
-/// A Null address joins as nothing. False when the user ends the run.
-bool MergeRun::AppendAddress(std::string& packet, const char* separator) {
-    const auto address = recipients_->Get(dialog_.cmbEmail.Text());
-    if (address.Failed()) return Proceed(address.Error());
-    packet.append(address->TextOrEmpty()).append(separator);
-    return true;
-}
-
-/// To the next recipient; Complete when the run goes on.
-MergeRun::Outcome MergeRun::StepOn(std::int64_t message) {
-    if (std::exchange(wb_.state.CancelRequested, false)) return Outcome::Cancelled;
-    UpdateProgress(
-        wb_, 0, static_cast<long>(message),
-        "Generating message " + std::to_string(message) + " of " + std::to_string(total_) + "...");
-    if (!Proceed(recipients_->MoveNext())) return Outcome::Stopped;
-    YieldBriefly(wb_);
-    return dialog_.IsLoaded() ? Outcome::Complete : Outcome::Stopped;
-}
-
-bool MergeRun::Proceed(const DaoError& error) {
-    return error.Ok() || AskYesNo(wb_, error.description + ProceedAnyway, BoxIcon::Exclamation);
 }
 
 void MergeRun::SkipRows(std::int64_t count) {

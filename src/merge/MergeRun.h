@@ -9,6 +9,7 @@
 #include "database/frmViewDatabase.h"
 #include "merge/frmMerge.h"
 #include "merge/frmViewMerge.h"
+#include "store/MergeMark.h"
 
 namespace mailvane {
 
@@ -43,22 +44,28 @@ private:
     // The run.
     Outcome GenerateMessages();
     Outcome GeneratePersonal(MergeGenerator& generator);
+    DaoError MakeGroup(MergeGenerator& generator);
     Outcome GenerateBulk(MergeGenerator& generator);
     bool CheckPacketSize();
+    UnfinishedMerge Intent(bool personal) const;
     bool AppendAddress(std::string& packet, const char* separator);
-    Outcome StepOn(std::int64_t message);
+    Outcome StepOn(const DaoError& failed);
+    Outcome StopForStore(const DaoError& failed);
     bool Proceed(const DaoError& error);
 
     // After it.
     void FinishMergeRun();
     void CreateMailingTable();
     void CopyRows(Recordset& mailingTable);
+    DaoError CopyGroup(Recordset& mailingTable, std::int64_t& copied);
     void AskToDelete();
     void HandOver();
 
     void SkipRows(std::int64_t count);
     void ShowPanel(const std::string& text);
     std::string RangeText() const;
+    bool AskToProceed(const std::string& text, BoxIcon icon = BoxIcon::Question);
+    static bool IsBelowOneOrNoNumber(const std::string& text);
     static std::string Bracketed(const std::string& name);
 
     Workbench& wb_;
@@ -71,6 +78,7 @@ private:
     std::string mailingTable_;
     std::int64_t firstRow_ = 1;  ///< of the recipients
     std::int64_t total_ = 0;     ///< messages to make, or addresses in bulk packets
+    std::int64_t done_ = 0;      ///< rows of the recipients that have their message, or a packet
     bool noMailingTable_ = false;
     std::optional<Bookmark> savedBookmark_;
 };

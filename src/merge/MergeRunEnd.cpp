@@ -52,22 +52,42 @@ void MergeRun::CreateMailingTable() {
     (*mailingTable)->Close();
 }
 
-/// The rows that the run was for, made into messages or not.
+/// The rows that the run was for, made into messages or not. A value that the table does not take
+/// is left out in silence; a file that takes nothing is told.
 void MergeRun::CopyRows(Recordset& mailingTable) {
     if (total_ < 1) return;
     SkipRows(firstRow_ - 1);
     UpdateProgress(wb_, static_cast<long>(total_), 0, CreatingMailingTable);
-    for (std::int64_t i = 1; i <= total_ && !recipients_->EndOfFile(); ++i) {
-        mailingTable.AddNew().Ignore();
-        for (const Field& field : recipients_->Fields()) {
-            const auto value = recipients_->Get(field.name);
-            if (value.Ok()) mailingTable.Set(field.name, *value).Ignore();
-        }
-        mailingTable.Update().Ignore();
+    std::int64_t copied = 0;
+    while (copied < total_ && !recipients_->EndOfFile()) {
+        const DaoError failed = CopyGroup(mailingTable, copied);
+        if (failed.Failed())
+            return Tell(wb_,
+                        "The table '" + mailingTable_ + "' cannot be written: " +
+                            failed.description + "\r\nIts last rows are missing.",
+                        BoxIcon::Critical);
         YieldBriefly(wb_);
-        UpdateProgress(wb_, 0, static_cast<long>(i));
-        if (recipients_->MoveNext().Failed()) return;
+        UpdateProgress(wb_, 0, static_cast<long>(copied));
     }
+}
+
+/// The rows from one yield to the next, as one unit.
+DaoError MergeRun::CopyGroup(Recordset& mailingTable, std::int64_t& copied) {
+    return database_->Transaction([&]() -> DaoError {
+        do {
+            mailingTable.AddNew().Ignore();
+            for (const Field& field : recipients_->Fields()) {
+                const auto value = recipients_->Get(field.name);
+                if (value.Ok()) mailingTable.Set(field.name, *value).Ignore();
+            }
+            const DaoError failed = mailingTable.Update();
+            if (IsStorageFailure(failed)) return failed;
+            ++copied;
+            recipients_->MoveNext().Ignore();
+        } while (copied < total_ && !recipients_->EndOfFile() &&
+                 !wb_.platform.windows.YieldIsDue());
+        return {};
+    });
 }
 
 /// Deletes all of the Outbox, also what was there before the run.

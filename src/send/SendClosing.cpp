@@ -29,15 +29,42 @@ bool SendRun::CheckCancel() {
     return true;
 }
 
+/// Goes on no further: a message that cannot be recorded as accepted would be sent again.
+void SendRun::StopForStore() {
+    smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
+    NoteError(storeFailure_);
+    RemoveSentMessages();
+    UnloadStatus();
+    std::string text =
+        "The message store cannot be written: " + storeFailure_.description +
+        "\r\nThe run stops here. The messages that were not sent stay in the Outbox.";
+    if (!memory_.unrecorded.empty())
+        text +=
+            "\r\nThe server has accepted the last message, but that could not be recorded: leave "
+            "the "
+            "program running, make room, and send again.";
+    if (!wb_.state.UnattendedRun) Tell(wb_, text, BoxIcon::Critical);
+    FinishSendRun();
+    RefreshMailView();
+}
+
 void SendRun::RemoveSentMessages() {
     if (sent_.empty()) return;
     const BusyPointer pointer(wb_);
     ShowStatus("Deleting successfully sent messages.");
-    status_->ShowProtocol();
+    if (status_) status_->ShowProtocol();
     wb_.platform.windows.PumpEvents();
-    FinishSentMessages(
-        wb_, sent_, settings_.chkSaveSentMessages.Checked(), [this] { YieldBriefly(wb_); },
+    FinishMessages(sent_);
+}
+
+/// Takes accepted messages out of the Outbox; returns those that stay.
+std::set<std::int32_t> SendRun::FinishMessages(const std::vector<std::int32_t>& ids) {
+    const std::set<std::int32_t> unfinished = FinishSentMessages(
+        wb_, ids, settings_.chkSaveSentMessages.Checked(), [this] { YieldBriefly(wb_); },
         [this](const DaoError& error) { NoteError(error); });
+    for (const std::int32_t id : ids)
+        if (!unfinished.contains(id)) memory_.unrecorded.erase(id);
+    return unfinished;
 }
 
 /// Drops a message once it has failed as often as the settings say.
@@ -69,9 +96,10 @@ void SendRun::FinishSendRun() {
         ShowStatus("Some errors occurred while processing the requested tasks.");
     }
     log_.Close();
-    if (outbox_) outbox_->Close();
+    for (const auto& recordset : {outbox_, ledger_})
+        if (recordset) recordset->Close();
     if (database_) database_->Close();
-    outbox_ = nullptr;
+    outbox_ = ledger_ = nullptr;
     database_ = nullptr;
     WaitSeconds(wb_, 1);
     smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
@@ -85,7 +113,7 @@ void SendRun::ReportErrors() {
     if (!WriteFileText(path, errors_))
         Tell(wb_, "The file '" + path + "' could not be written.", BoxIcon::Exclamation);
     if (settings_.IsLoaded()) settings_.Timer1.Start();
-    if (AskToShowErrorLog(wb_)) OpenDocument(wb_, path);
+    if (AskToShowErrorLog(wb_, doubtful_)) OpenDocument(wb_, path);
     settings_.Timer1.Stop();
 }
 

@@ -30,16 +30,12 @@ bool SendRun::Open() {
 
 /// What a run that died had sent leaves the Outbox now, as if that run had ended.
 void SendRun::FinishInterruptedRun() {
-    const auto accepted = SentLedger::Entries(*database_);
+    auto accepted = SentLedger::Entries(*database_);
     if (accepted.Failed()) return NoteError(accepted.Error());
+    accepted->insert(accepted->end(), memory_.unrecorded.begin(), memory_.unrecorded.end());
     if (accepted->empty()) return;
     const BusyPointer pointer(wb_);
-    FinishSentMessages(
-        wb_, *accepted, settings_.chkSaveSentMessages.Checked(), [this] { YieldBriefly(wb_); },
-        [this](const DaoError& error) { NoteError(error); });
-    const auto left = SentLedger::Entries(*database_);
-    if (left.Failed()) return NoteError(left.Error());
-    acceptedBefore_.insert(left->begin(), left->end());
+    acceptedBefore_ = FinishMessages(*accepted);
     RefreshMailView();
 }
 
@@ -114,6 +110,11 @@ bool SendRun::OpenOutbox() {
         return false;
     }
     outbox_ = *opened;
+    auto ledger = SentLedger::Open(*database_);
+    if (ledger.Ok())
+        ledger_ = *ledger;
+    else
+        storeFailure_ = ledger.Error();
     count_ = outbox_->RecordCount();
     status_->Progress1.SetMaximum(static_cast<long>(count_));
     status_->Progress1.SetValue(0);

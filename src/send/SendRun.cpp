@@ -33,13 +33,15 @@ bool BeginsMessage(const std::string& line) {
 
 }  // namespace
 
-SendRun::SendRun(Workbench& wb, frmSettings& settings, bool& dialPromptShown)
+SendRun::SendRun(Workbench& wb, frmSettings& settings, SendMemory& memory)
     : wb_(wb),
       settings_(settings),
-      dialPromptShown_(dialPromptShown),
+      memory_(memory),
       projectFolder_(wb.state.ProjectFolder),
       outgoing_(wb, settings, smtp_) {
-    smtp_.onError = [this](int, const std::string& description) { OnSmtpError(description); };
+    smtp_.onError = [this](int code, const std::string& description) {
+        OnSmtpError(code, description);
+    };
     smtp_.onProtocol = [this](Direction direction, const std::string& text) {
         OnProtocol(direction, text);
     };
@@ -52,8 +54,8 @@ SendRun::~SendRun() {
 }
 
 void SendRun::SendAll() {
-    if (ValidateSendSettings(wb_, settings_, dialPromptShown_)) {
-        if (wb_.state.FinalRunStep) dialPromptShown_ = false;
+    if (ValidateSendSettings(wb_, settings_, memory_.dialPromptShown)) {
+        if (wb_.state.FinalRunStep) memory_.dialPromptShown = false;
         return;
     }
     // A Cancel that came after the last look at the flag belongs to the run before.
@@ -72,7 +74,7 @@ void SendRun::SendAll() {
     RemoveSentMessages();
     DeleteUndeliverables();
     HangUp();
-    if (wb_.state.FinalRunStep) dialPromptShown_ = false;
+    if (wb_.state.FinalRunStep) memory_.dialPromptShown = false;
     WaitSeconds(wb_, 1);
     UnloadStatus();
     FinishSendRun();
@@ -81,39 +83,42 @@ void SendRun::SendAll() {
 
 // --- one message ------------------------------------------------------------------------------
 
-/// False when the run was cancelled; it has been closed then.
+/// False when the run was cancelled or had to stop; it has been closed then.
 bool SendRun::WalkOutbox() {
     outgoing_.FirstMessage = true;
+    if (storeFailure_.Ok()) storeFailure_ = StampDate();
     for (handled_ = 0; handled_ < count_;) {
-        if (!Interrupted()) SendCurrentMessage(static_cast<std::size_t>(handled_));
+        if (storeFailure_.Ok() && !Interrupted())
+            SendCurrentMessage(static_cast<std::size_t>(handled_));
+        if (storeFailure_.Failed()) {
+            StopForStore();
+            return false;
+        }
         if (CheckCancel()) {
             ShowStatus(Canceled);
             return false;
         }
         ++handled_;
-        NoteError(outbox_->MoveNext());
         status_->Progress1.SetValue(static_cast<long>(handled_));
         Yield();
     }
     return true;
 }
-
+/// Sends the message of the current row, which has the time of this attempt already, and steps on.
 void SendRun::SendCurrentMessage(std::size_t row) {
     const DaoResult<DaoValue> idValue = outbox_->Get("ID");
     const auto id = static_cast<std::int32_t>(idValue.Ok() ? idValue->NumberOr(0) : 0);
     if (acceptedBefore_.contains(id)) {
         sent_.push_back(id);
         status_->SetMessageStatus(row, Success);
-        return;
+        return StepOn([] { return DaoError(); }, false);
     }
-    // A row that cannot be stamped is sent all the same.
-    StampDate().Ignore();
     status_->SetMessageStatus(row, Connected);
     DaoResult<MessageRecord> record = ReadMessageRow(*outbox_);
     if (record.Failed()) {
         NoteError(record.Error());
         status_->SetMessageStatus(row, Failure);
-        return;
+        return StepOn([] { return DaoError(); }, false);
     }
     current_ = {record->From, record->To, record->Subject};
     NoteActivity();
@@ -125,26 +130,44 @@ void SendRun::SendCurrentMessage(std::size_t row) {
     RecordSendResult(id, error, row);
 }
 
-/// The date of a message is the time of the attempt to send it.
-DaoError SendRun::StampDate() {
-    if (DaoError failed = outbox_->Edit(); failed.Failed()) return failed;
-    if (DaoError failed = outbox_->Set("Date", wb_.platform.clock.Now().Stamp()); failed.Failed())
-        return failed;
-    return outbox_->Update();
-}
-
 void SendRun::RecordSendResult(std::int32_t id, const std::string& error, std::size_t row) {
     if (error.empty()) {
         sent_.push_back(id);
-        NoteError(SentLedger::Record(*database_, id));
+        StepOn([&] { return SentLedger::Record(*ledger_, id); }, true);
+        if (storeFailure_.Failed()) memory_.unrecorded.insert(id);
         NoteRefusedRecipients();
         status_->SetMessageStatus(row, Success);
         return;
     }
     AddError(
         ErrorBlock(error, "", current_.to, current_.subject, wb_.platform.clock.Now().ShortDate()));
-    NoteError(MarkFailed());
+    StepOn([this] { return MarkFailed(); }, false);
     status_->SetMessageStatus(row, Failure);
+}
+
+/// Notes what became of the current row, goes to the next and stamps it, in one commit. With
+/// `durable` that is on the disk before the next message starts, and a result that cannot be noted
+/// ends the run.
+void SendRun::StepOn(const std::function<DaoError()>& noteResult, bool durable) {
+    storeFailure_ = database_->Transaction(
+        [&]() -> DaoError {
+            const DaoError failed = noteResult();
+            if (failed.Failed() && (durable || IsStorageFailure(failed))) return failed;
+            NoteError(failed);
+            NoteError(outbox_->MoveNext());
+            return StampDate();
+        },
+        durable);
+}
+
+/// The date of a message is the time of the attempt to send it. A row that cannot be stamped is
+/// sent all the same; a store that cannot be written is not.
+DaoError SendRun::StampDate() {
+    if (outbox_->EndOfFile()) return {};
+    DaoError outcome = outbox_->Edit();
+    if (outcome.Ok()) outcome = outbox_->Set("Date", wb_.platform.clock.Now().Stamp());
+    if (outcome.Ok()) outcome = outbox_->Update();
+    return IsStorageFailure(outcome) ? outcome : DaoError();
 }
 
 void SendRun::NoteRefusedRecipients() {
@@ -166,8 +189,9 @@ DaoError SendRun::MarkFailed() {
 
 // --- events -----------------------------------------------------------------------------------
 
-void SendRun::OnSmtpError(const std::string& description) {
+void SendRun::OnSmtpError(int code, const std::string& description) {
     if (!sending_) return;  // taking leave of the server has failed: no message suffers
+    if (code == net_error::AnswerLost) ++doubtful_;
     AddError(ErrorBlock(description, "From: " + current_.from + LineEnd, current_.to,
                         current_.subject, wb_.platform.clock.Now().Stamp()));
 }

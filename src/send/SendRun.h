@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -14,6 +15,12 @@
 
 namespace mailvane {
 
+/// What one send run leaves to the next while the program runs.
+struct SendMemory {
+    bool dialPromptShown = false;       ///< the warning of a missing line has been shown
+    std::set<std::int32_t> unrecorded;  ///< accepted messages that the store could not note
+};
+
 /// One send run: takes every row of the Outbox, in table order, through BuildOutgoingMessage,
 /// records what became of it, moves the good ones out, and reports. Runs on the one thread; buttons
 /// and events arrive while a message goes out, as flags and actions of the transfer component.
@@ -22,8 +29,8 @@ namespace mailvane {
 /// has to notice, and ends as if it had been cancelled.
 class SendRun {
 public:
-    /// `dialPromptShown`: the warning of a missing line has been shown; outlives the run.
-    SendRun(Workbench& wb, frmSettings& settings, bool& dialPromptShown);
+    /// `memory` outlives the run.
+    SendRun(Workbench& wb, frmSettings& settings, SendMemory& memory);
     ~SendRun();
     SendRun(const SendRun&) = delete;
     SendRun& operator=(const SendRun&) = delete;
@@ -45,14 +52,17 @@ private:
     // One message.
     bool WalkOutbox();
     void SendCurrentMessage(std::size_t row);
-    DaoError StampDate();
     void RecordSendResult(std::int32_t id, const std::string& error, std::size_t row);
     void NoteRefusedRecipients();
     DaoError MarkFailed();
+    void StepOn(const std::function<DaoError()>& noteResult, bool durable);
+    DaoError StampDate();
 
     // The end.
     bool CheckCancel();
+    void StopForStore();
     void RemoveSentMessages();
+    std::set<std::int32_t> FinishMessages(const std::vector<std::int32_t>& ids);
     void DeleteUndeliverables();
     void HangUp();
     void FinishSendRun();
@@ -60,7 +70,7 @@ private:
     void RefreshMailView();
 
     // Events of the transfer component.
-    void OnSmtpError(const std::string& description);
+    void OnSmtpError(int code, const std::string& description);
     void OnProtocol(Direction direction, const std::string& text);
     void NoteActivity();
     void Yield();
@@ -81,7 +91,7 @@ private:
 
     Workbench& wb_;
     frmSettings& settings_;
-    bool& dialPromptShown_;
+    SendMemory& memory_;
     const std::string projectFolder_;  ///< the run reports to the project that it began in
     frmStatusEmail* status_ = nullptr;
     SmtpClient smtp_;
@@ -89,12 +99,15 @@ private:
     SessionLog log_;
     std::shared_ptr<Database> database_;
     std::shared_ptr<Recordset> outbox_;
+    std::shared_ptr<Recordset> ledger_;
+    DaoError storeFailure_;     ///< the store takes nothing any more
     std::int64_t count_ = 0;    ///< rows of the Outbox when the run began
     std::int64_t handled_ = 0;  ///< the progress counter
     bool sending_ = false;      ///< a message is with the transfer component
     Addressed current_;         ///< the message of the moment
     std::vector<std::int32_t> sent_;
     std::set<std::int32_t> acceptedBefore_;  ///< an earlier run could not take these out
+    std::int64_t doubtful_ = 0;              ///< messages whose answer was lost
     std::string errors_;
 };
 

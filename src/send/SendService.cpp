@@ -15,12 +15,12 @@ struct SendService::State {
     void Send(frmSettings& settings);
 
     Workbench& wb;
-    bool dialPromptShown = false;
+    SendMemory memory;
     Subscription created;
 };
 
 void SendService::State::Attach(frmSettings& settings) {
-    dialPromptShown = false;
+    memory.dialPromptShown = false;
     settings.cmdSendEmail.onClick = [this, &settings] { Send(settings); };
     settings.Timer1.onTimer = [this, &settings] {
         settings.Timer1.Stop();
@@ -32,7 +32,7 @@ void SendService::State::Attach(frmSettings& settings) {
 void SendService::State::Send(frmSettings& settings) {
     if (!wb.state.RunBusy) {
         wb.state.RunBusy = true;
-        SendRun(wb, settings, dialPromptShown).SendAll();
+        SendRun(wb, settings, memory).SendAll();
         wb.state.RunBusy = false;
         return;
     }

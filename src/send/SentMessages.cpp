@@ -21,7 +21,20 @@ public:
     SentMessageMove(Workbench& wb, Database& store, std::shared_ptr<Recordset> outbox)
         : wb_(wb), store_(store), outbox_(std::move(outbox)) {}
 
-    DaoError Finish(Ids ids) {
+    /// A group that fails as a whole is tried one by one: one bad message holds up no other.
+    DaoError FinishGroup(Ids group, std::set<std::int32_t>& unfinished,
+                         const std::function<void(const DaoError&)>& onFailure) {
+        const bool whole = Finish(group, unfinished).Ok();
+        for (std::size_t i = 0; !whole && i < group.size(); ++i) {
+            DaoError failed = Finish(group.subspan(i, 1), unfinished);
+            if (failed.Failed()) onFailure(failed);
+            if (IsStorageFailure(failed)) return failed;
+        }
+        return {};
+    }
+
+private:
+    DaoError Finish(Ids ids, std::set<std::int32_t>& unfinished) {
         const DaoError outcome = store_.Transaction([&]() -> DaoError {
             for (const std::int32_t id : ids)
                 if (DaoError failed = FinishOne(id); failed.Failed()) return failed;
@@ -29,10 +42,11 @@ public:
         });
         // After a failure it lists copies that have been undone.
         if (outcome.Failed()) wb_.state.CurrentFolderRecordset = nullptr;
+        for (const std::int32_t id : ids)
+            if (outcome.Ok()) unfinished.erase(id);
         return outcome;
     }
 
-private:
     DaoError FinishOne(std::int32_t id) {
         const std::string condition = "ID = " + std::to_string(id);
         if (outbox_)
@@ -56,29 +70,34 @@ private:
 
 }  // namespace
 
-void FinishSentMessages(Workbench& wb, const std::vector<std::int32_t>& ids, bool keepCopies,
-                        const std::function<void()>& afterGroup,
-                        const std::function<void(const DaoError&)>& onFailure) {
-    if (ids.empty()) return;
-    if (DaoError closed = OpenMessageStore(wb); closed.Failed()) return onFailure(closed);
+std::set<std::int32_t> FinishSentMessages(Workbench& wb, const std::vector<std::int32_t>& ids,
+                                          bool keepCopies, const std::function<void()>& afterGroup,
+                                          const std::function<void(const DaoError&)>& onFailure) {
+    std::set<std::int32_t> unfinished(ids.begin(), ids.end());
+    if (ids.empty()) return unfinished;
+    DaoError closed = OpenMessageStore(wb);
     const std::shared_ptr<Database> store = wb.state.MessageStore;
     std::shared_ptr<Recordset> outbox;
-    if (keepCopies) {
+    if (closed.Ok() && keepCopies) {
         auto opened = store->OpenRecordset(OutboxFolder);
-        if (opened.Failed()) return onFailure(opened.Error());
-        outbox = *opened;
+        if (opened.Ok())
+            outbox = *opened;
+        else
+            closed = opened.Error();
+    }
+    if (closed.Failed()) {
+        onFailure(closed);
+        return unfinished;
     }
     SentMessageMove move(wb, *store, outbox);
     for (Ids left = ids; !left.empty() && store->IsOpen();) {
         const Ids group = left.first(std::min(left.size(), GroupSize));
         left = left.subspan(group.size());
-        // A group that fails as a whole is tried one by one: one bad message holds up no other.
-        if (move.Finish(group).Failed())
-            for (std::size_t i = 0; i < group.size(); ++i)
-                if (DaoError failed = move.Finish(group.subspan(i, 1)); failed.Failed())
-                    onFailure(failed);
+        const DaoError failed = move.FinishGroup(group, unfinished, onFailure);
+        if (IsStorageFailure(failed)) break;  // the others would fare no better
         afterGroup();
     }
+    return unfinished;
 }
 
 }  // namespace mailvane

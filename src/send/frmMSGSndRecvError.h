@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "core/Workbench.h"
 
 namespace mailvane {
@@ -17,6 +19,9 @@ public:
     Button cmdYes{*this, "cmdYes", [this] { Answer(true); }};
     Button cmdNo{*this, "cmdNo", [this] { Answer(false); }};
 
+    /// Says that so many messages may have been accepted by the server all the same.
+    void NoteDoubtful(std::int64_t count);
+
     void OnCloseBox() override { Answer(false); }
 
 private:
@@ -24,6 +29,7 @@ private:
 };
 
 /// True when the user wants to see the log; not asked, and false, when he has said so once for all.
-bool AskToShowErrorLog(Workbench& wb);
+/// `doubtful` messages had their answer lost.
+bool AskToShowErrorLog(Workbench& wb, std::int64_t doubtful);
 
 }  // namespace mailvane

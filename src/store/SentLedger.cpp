@@ -18,19 +18,18 @@ DaoError MakeLedger(Database& store) {
     return store.AppendTable(table);
 }
 
-DaoError Run(Database& store, const std::string& sql) {
-    const DaoResult<std::int64_t> changed = store.Execute(sql);
-    return changed.Ok() ? DaoError() : changed.Error();
-}
-
 }  // namespace
 
-DaoError SentLedger::Record(Database& store, std::int32_t outboxId) {
+DaoResult<std::shared_ptr<Recordset>> SentLedger::Open(Database& store) {
     if (!store.TableExists(LedgerTable))
         if (DaoError failed = MakeLedger(store); failed.Failed()) return failed;
-    const std::string insert = "INSERT INTO [" + std::string(LedgerTable) + "] (ID) VALUES (" +
-                               std::to_string(outboxId) + ")";
-    return store.Transaction([&] { return Run(store, insert); }, true);
+    return store.OpenRecordset(LedgerTable);
+}
+
+DaoError SentLedger::Record(Recordset& ledger, std::int32_t outboxId) {
+    if (DaoError failed = ledger.AddNew(); failed.Failed()) return failed;
+    if (DaoError failed = ledger.Set("ID", int{outboxId}); failed.Failed()) return failed;
+    return ledger.Update();
 }
 
 DaoResult<std::vector<std::int32_t>> SentLedger::Entries(Database& store) {
@@ -48,8 +47,9 @@ DaoResult<std::vector<std::int32_t>> SentLedger::Entries(Database& store) {
 
 DaoError SentLedger::Remove(Database& store, std::int32_t outboxId) {
     if (!store.TableExists(LedgerTable)) return {};
-    return Run(store, "DELETE FROM [" + std::string(LedgerTable) +
-                          "] WHERE ID = " + std::to_string(outboxId));
+    const auto deleted = store.Execute("DELETE FROM [" + std::string(LedgerTable) +
+                                       "] WHERE ID = " + std::to_string(outboxId));
+    return deleted.Failed() ? deleted.Error() : DaoError();
 }
 
 }  // namespace mailvane

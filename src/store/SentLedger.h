@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "platform/dao/Database.h"
@@ -11,8 +12,10 @@ namespace mailvane {
 /// ID: what lets an interrupted run be finished without sending anything twice. A system table of
 /// the store.
 namespace SentLedger {
-/// On the disk when it returns.
-DaoError Record(Database& store, std::int32_t outboxId);
+/// Makes the ledger when it is not there, and opens it for Record.
+DaoResult<std::shared_ptr<Recordset>> Open(Database& store);
+/// The caller's transaction puts it on the disk.
+DaoError Record(Recordset& ledger, std::int32_t outboxId);
 DaoResult<std::vector<std::int32_t>> Entries(Database& store);  ///< empty when there never were any
 DaoError Remove(Database& store, std::int32_t outboxId);
 }  // namespace SentLedger

@@ -1,6 +1,9 @@
+#include <optional>
+
 #include "merge/MergeBench.h"
 #include "merge/MergeRun.h"
 #include "merge/frmMSGOutbox.h"
+#include "support/FullDisk.h"
 
 namespace mailvane::test {
 namespace {
@@ -236,6 +239,27 @@ TEST_F(MergeRunTest, CancelKeepsOrDeletesTheMessages) {
         EmptyOutbox();
     }
     EXPECT_EQ(FirstColumn("People 3/15/2024 10:30:00 AM").size(), 9u);
+}
+
+TEST_F(MergeRunTest, FullDiskStopsTheRunWithOneBox) {
+    MakeRecipients(2000);
+    Message(std::string(2000, 'x'));
+    frmMerge& dialog = Dialog();
+    Prompts().QueueBox(BoxAnswer::Ok, "The message store cannot be written: ");
+    {
+        std::optional<test::FullDisk> full;
+        const auto watch = windows.yielded.Observe([&] {
+            const auto* status = wb.forms.Find<frmStatus>();
+            if (status && status->Progress1.Value() == 300) full.emplace();
+        });
+        dialog.cmdStart.Press();
+    }
+    EXPECT_FALSE(Prompts().Failure());
+    EXPECT_EQ(Prompts().Shown().size(), 1u);
+    EXPECT_TRUE(dialog.cmdStart.Enabled());
+    const auto messages = Outbox();
+    EXPECT_EQ(messages.size(), 300u);
+    EXPECT_EQ(messages.back().Body.size(), 2000u);
 }
 
 TEST_F(MergeRunTest, TheDialogsCancelEndsARunToo) {

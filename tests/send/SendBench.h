@@ -37,12 +37,19 @@ struct SendBench : TestBench {
         for (int i = 1; i <= count; ++i)
             Queue("p" + std::to_string(i) + "@example.com");
     }
+    /// As a run does that dies at once after it.
+    void RecordAccepted(std::int32_t id) {
+        const auto ledger = SentLedger::Open(*wb.state.MessageStore);
+        EXPECT_TRUE(ledger.Ok() && SentLedger::Record(**ledger, id).Ok());
+    }
     void Send() { settings.cmdSendEmail.Press(); }
     /// The run's last question gets this answer.
     void AnswerErrorPrompt(bool yes) {
         answering_ = windows.idle.Observe([this, yes] {
-            if (auto* prompt = wb.forms.Find<frmMSGSndRecvError>())
-                (yes ? prompt->cmdYes : prompt->cmdNo).Press();
+            auto* prompt = wb.forms.Find<frmMSGSndRecvError>();
+            if (!prompt) return;
+            promptText = prompt->lblText.Text();
+            (yes ? prompt->cmdYes : prompt->cmdNo).Press();
         });
     }
 
@@ -69,6 +76,7 @@ struct SendBench : TestBench {
         return all;
     }
 
+    std::string promptText;  ///< of the run's last question
     FakeSmtpServer server;
     SendService service{wb};
     frmViewEmail& view = wb.forms.Get<frmViewEmail>();

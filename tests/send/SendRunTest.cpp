@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <optional>
 
 #include "core/frmStatus.h"
 #include "send/SendBench.h"
+#include "support/FullDisk.h"
 
 namespace mailvane {
 namespace {
@@ -119,6 +121,8 @@ TEST(SendRun, LostAnswerKeepsTheMessageAndSaysThatItMayHaveBeenAccepted) {
     bench.Send();
     EXPECT_EQ(bench.Recipients("Outbox"), "a@example.com ");
     EXPECT_NE(bench.ErrorLog().find("may have been accepted"), std::string::npos);
+    EXPECT_NE(bench.promptText.find("1 message may have been accepted all the same"),
+              std::string::npos);
 }
 
 TEST(SendRun, UndeliverablesAreDroppedAfterSoManyFailures) {
@@ -283,8 +287,8 @@ TEST(SendRun, FinishesWhatADeadRunLeftBehind) {
         bench.settings.chkSaveSentMessages.SetChecked(copies);
         bench.QueueMany(3);
         // Row 2 was accepted when the program died; row 9 went away with its entry left.
-        ASSERT_TRUE(SentLedger::Record(*bench.wb.state.MessageStore, 2).Ok());
-        ASSERT_TRUE(SentLedger::Record(*bench.wb.state.MessageStore, 9).Ok());
+        bench.RecordAccepted(2);
+        bench.RecordAccepted(9);
         bench.Send();
         EXPECT_EQ(bench.Delivered(), "p1@example.com p3@example.com ");
         EXPECT_EQ(bench.Recipients("Sent Items"),
@@ -297,7 +301,7 @@ TEST(SendRun, FinishesWhatADeadRunLeftBehind) {
 TEST(SendRun, FinishingAloneSendsNothing) {
     SendBench bench;
     bench.QueueMany(1);
-    ASSERT_TRUE(SentLedger::Record(*bench.wb.state.MessageStore, 1).Ok());
+    bench.RecordAccepted(1);
     bench.Send();
     EXPECT_EQ(bench.server.Connections(), 0);
     EXPECT_EQ(bench.shell.panel, "Your Outbox folder is empty.");
@@ -322,6 +326,45 @@ TEST(SendRun, MessageWhoseCopyCannotBeKeptIsNeitherLostNorSentTwice) {
     EXPECT_EQ(bench.Recipients("Sent Items"), "p1@example.com p2@example.com ");
     EXPECT_EQ(bench.Recipients("Outbox"), "");
     EXPECT_EQ(bench.server.Messages().size(), 2u);
+}
+
+TEST(SendRun, StoreThatTakesNothingMoreStopsTheRunAndNothingIsSentTwice) {
+    SendBench bench;
+    std::optional<test::FullDisk> full;
+    bench.server.answerToRecipient = [&](const std::string& address) {
+        if (address == "p3@example.com" && !full) full.emplace();
+        return std::string();
+    };
+    bench.QueueMany(5);
+    bench.AnswerErrorPrompt(false);
+    bench.Prompts().UseDefaults();
+    bench.Send();
+    EXPECT_EQ(bench.Delivered(), "p1@example.com p2@example.com p3@example.com ");
+    ASSERT_FALSE(bench.Prompts().Shown().empty());
+    const std::string& text = bench.Prompts().Shown()[0].text;
+    EXPECT_TRUE(text.starts_with("The message store cannot be written: ")) << text;
+    EXPECT_NE(text.find("accepted the last message"), std::string::npos);
+    EXPECT_FALSE(bench.wb.state.RunBusy);
+    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmStatusEmail"));
+
+    full.reset();
+    bench.Send();
+    EXPECT_EQ(bench.Delivered(),
+              "p1@example.com p2@example.com p3@example.com p4@example.com p5@example.com ");
+    EXPECT_EQ(bench.Recipients("Outbox"), "");
+    EXPECT_TRUE(SentLedger::Entries(*bench.wb.state.MessageStore)->empty());
+}
+
+TEST(SendRun, FullDiskBeforeTheFirstMessageSendsNothing) {
+    SendBench bench;
+    bench.QueueMany(2);
+    bench.AnswerErrorPrompt(false);
+    bench.Prompts().UseDefaults();
+    const test::FullDisk full;
+    bench.Send();
+    EXPECT_EQ(bench.Delivered(), "");
+    ASSERT_FALSE(bench.Prompts().Shown().empty());
+    EXPECT_TRUE(bench.Prompts().Shown()[0].text.starts_with("The message store cannot be written"));
 }
 
 // --- before the run ---------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 
 #include "core/Settings.h"
 #include "core/frmSettings.h"
+#include "store/MergeMark.h"
 #include "store/MessageStore.h"
 #include "store/SentLedger.h"
 #include "support/TestBench.h"
@@ -271,14 +272,48 @@ TEST(SentLedger, KeepsIdsOutOfTheFolderListUntilTheyAreRemoved) {
     Database& store = *bench.wb.state.MessageStore;
     EXPECT_TRUE(SentLedger::Entries(store)->empty());
     EXPECT_TRUE(SentLedger::Remove(store, 7).Ok());
+    const auto ledger = SentLedger::Open(store);
+    ASSERT_TRUE(ledger.Ok());
     for (const std::int32_t id : {7, 3, 9})
-        ASSERT_TRUE(SentLedger::Record(store, id).Ok());
+        ASSERT_TRUE(SentLedger::Record(**ledger, id).Ok());
     ASSERT_TRUE(SentLedger::Remove(store, 7).Ok());
     CloseMessageStore(bench.wb);
     ASSERT_TRUE(OpenMessageStore(bench.wb).Ok());
     EXPECT_EQ(*SentLedger::Entries(*bench.wb.state.MessageStore),
               (std::vector<std::int32_t>{3, 9}));
     EXPECT_EQ(bench.wb.state.MessageStore->UserTableNames()->size(), 6u);
+}
+
+TEST(MergeMark, CountsOnceHowFarTheRunCame) {
+    StoreBench bench;
+    Database& store = *bench.wb.state.MessageStore;
+    EXPECT_FALSE(MergeMark::Find(store)->has_value()) << "no run yet";
+    MessageRecord record;
+    const auto add = [&] {
+        SaveMessageRecord(bench.wb, record, "", OutboxFolder, false, 0, "", false);
+    };
+    add();  // from before the run
+    UnfinishedMerge run;
+    run.table = "People";
+    run.total = 500;
+    run.firstRow = 3;
+    run.started = bench.clock.Now();
+    ASSERT_TRUE(MergeMark::Set(store, UnfinishedMerge()).Ok());
+    ASSERT_TRUE(MergeMark::Set(store, run).Ok()) << "in place of the one before";
+    for (int i = 0; i < 7; ++i)
+        add();
+    for (int start = 0; start < 2; ++start) {
+        const auto found = MergeMark::Find(store);
+        ASSERT_TRUE(found.Ok() && found->has_value());
+        EXPECT_EQ((*found)->table, "People");
+        EXPECT_EQ((*found)->firstRow, 3);
+        EXPECT_EQ((*found)->started.GeneralDate(), run.started.GeneralDate());
+        EXPECT_EQ(InterruptedMergeText(**found),
+                  "The last merge run was interrupted: 7 of 500 messages are in the Outbox.");
+        ASSERT_TRUE(store.Execute("DELETE * FROM Outbox").Ok());  // sent meanwhile
+    }
+    ASSERT_TRUE(MergeMark::Clear(store).Ok());
+    EXPECT_FALSE(MergeMark::Find(store)->has_value());
 }
 
 }  // namespace

@@ -62,6 +62,13 @@ constexpr Description Descriptions[] = {
 
 }  // namespace
 
+bool IsStorageFailure(const DaoError& error) {
+    using namespace dao_error;
+    for (const int number : {DiskFull, ReadOnly, DiskError, DamagedFile, CannotOpenFile})
+        if (error.number == number) return true;
+    return false;
+}
+
 DaoError MakeDaoError(int number, const std::string& subject) {
     for (const Description& description : Descriptions) {
         if (description.number != number) continue;

@@ -82,6 +82,10 @@ inline constexpr int ObjectInvalid = 3420;
 inline constexpr int DataConversion = 3421;
 }  // namespace dao_error
 
+/// The file takes no change at all (disk full, disk error, read-only, damaged): the next row would
+/// fare no better.
+bool IsStorageFailure(const DaoError& error);
+
 /// The error with that number and its standard description; `subject` replaces the bar in it. A
 /// number without one has the subject as its description.
 DaoError MakeDaoError(int number, const std::string& subject = {});
