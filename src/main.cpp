@@ -11,6 +11,7 @@
 #include "database/DatabaseService.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "platform/forms/ScriptRunner.h"
+#include "platform/os/FolderClaim.h"
 #include "send/SendService.h"
 #ifdef MAILVANE_WITH_QT
 #include "platform/qt/QtWindows.h"
@@ -44,6 +45,7 @@ struct Arguments {
     std::string script;
     std::string commandLine;
     bool headless = false;
+    bool withDialogs = false;
 };
 
 /// Empty when the program is to end at once; `status` is its exit status then.
@@ -65,7 +67,7 @@ std::optional<Arguments> ReadArguments(const std::vector<std::string>& words, in
         } else if (word == "--headless") {
             arguments.headless = true;
         } else if (word == "--with-dialogs") {
-            continue;  // the start asks nothing that a script would have to answer
+            arguments.withDialogs = true;
         } else if (word == "--help" || word == "--version") {
             std::cout << (word == "--help" ? std::string(Usage)
                                            : std::string("Mailvane ") + ProgramVersion + "\n");
@@ -126,8 +128,24 @@ std::unique_ptr<WindowSystem> MakeWindows(const Arguments& arguments, Clock& clo
     return std::make_unique<HeadlessWindows>(clock);
 }
 
+/// The program runs on that folder already: its window comes to the front, or the user is told.
+int LeaveToOther(const Arguments& arguments, WindowSystem& windows, const FolderClaim& claim,
+                 const std::string& folder) {
+    if (arguments.script.empty() && claim.AskToShow()) return 0;
+    std::string text = "the program folder '" + folder + "' is in use by another Mailvane";
+    if (claim.Holder() > 0) text += " (process " + std::to_string(claim.Holder()) + ")";
+    std::cerr << "mailvane: " << text << std::endl;
+    if (arguments.script.empty())
+        windows.MessageBox({"Mailvane cannot start: " + text + ".", ProgramTitle, BoxIcon::Critical,
+                            BoxButtons::Ok});
+    return 1;
+}
+
 int Run(const Arguments& arguments, WindowSystem& windows, Clock& clock) {
     const std::string folder = ProgramFolder(arguments);
+    FolderClaim claim(folder);
+    if (!claim.Held()) return LeaveToOther(arguments, windows, claim, folder);
+    if (arguments.script.empty()) claim.Listen();
     const std::string registry =
         arguments.home.empty() ? UserFolder("XDG_CONFIG_HOME", ".config") : folder;
     SystemProcesses processes;
@@ -149,7 +167,9 @@ int Run(const Arguments& arguments, WindowSystem& windows, Clock& clock) {
         windows.Quit();
     });
     if (!arguments.script.empty()) windows.PlayPrompts(&prompts);
-    bench.forms.Load<frmMain>().Start({arguments.commandLine});
+    bench.forms.Load<frmMain>().Start({arguments.commandLine,
+                                       arguments.script.empty() || arguments.withDialogs,
+                                       [&claim] { return claim.TakeShowRequest(); }});
     if (!arguments.script.empty()) runner.Start(arguments.script);
     windows.Run();
     return status;

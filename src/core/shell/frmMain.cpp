@@ -11,6 +11,7 @@
 #include "core/frmSettings.h"
 #include "core/shell/CommandTable.h"
 #include "platform/os/Files.h"
+#include "store/MergeMark.h"
 #include "store/MessageStore.h"
 #include "store/frmViewEmail.h"
 
@@ -64,6 +65,15 @@ void frmMain::Start(const StartOptions& options) {
     LoadHiddenForms();
     Windows().SetPointer(MousePointer::Normal);
     Show();
+    showAsked_ = options.showAsked;
+    if (showAsked_) Timer2.Start();
+    TellInterruptedMerge(options.dialogs);
+}
+
+void frmMain::ShowWhenAsked() {
+    if (!showAsked_()) return;
+    if (State() == WindowState::Minimized) SetState(WindowState::Normal);
+    BringToFront();
 }
 
 void frmMain::RestorePlace() {
@@ -99,6 +109,24 @@ void frmMain::LoadHiddenForms() {
     wb_.forms.Get<frmSettings>();
     wb_.forms.Get<frmViewEmail>();
     wb_.forms.Get<frmOptions>();
+}
+
+/// What a merge run that died has left; told until a person has seen it.
+void frmMain::TellInterruptedMerge(bool box) {
+    if (!wb_.state.MessageStore || !wb_.state.MessageStore->IsOpen()) return;
+    const auto found = MergeMark::Find(*wb_.state.MessageStore);
+    if (found.Failed() || !*found) return;
+    const UnfinishedMerge& run = **found;
+    std::string text = InterruptedMergeText(run);
+    SetPanel(text);
+    if (!box || wb_.state.UnattendedRun) return;
+    text += "\r\n\r\nIt began on " + run.started.GeneralDate() + " with the table '" + run.table +
+            "'. These messages are whole and can be sent as they are.";
+    if (run.firstRow > 0)
+        text += " For the others, start the merge again with \"Start from row #\" " +
+                std::to_string(run.firstRow + run.made) + ".";
+    Tell(wb_, text, BoxIcon::Exclamation);
+    MergeMark::Clear(*wb_.state.MessageStore).Ignore();  // told again if that fails
 }
 
 void frmMain::NewProject() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "core/Project.h"
@@ -10,6 +11,9 @@ namespace mailvane {
 
 struct StartOptions {
     std::string commandLine;  ///< a project file, or "\SHC " and a task name; quotes are dropped
+    bool dialogs = true;      ///< what the start has to say comes as boxes; else in panel 1 only
+    /// True when another start of the program has asked for the window since the last call.
+    std::function<bool()> showAsked = {};
 };
 
 /// The main window: menus, status bar, the hub of all commands. Holds no mail logic.
@@ -25,6 +29,8 @@ public:
     Button cmdProgress{*this, "cmdProgress", Button::HiddenButton, [this] { ShowProgress(); }};
     Button cmdNoProgress{*this, "cmdNoProgress", Button::HiddenButton, [this] { HideProgress(); }};
     Timer Timer1{*this, "Timer1", std::chrono::milliseconds(50), [this] { SendAndReceive(); }};
+
+    Timer Timer2{*this, "Timer2", std::chrono::milliseconds(500), [this] { ShowWhenAsked(); }};
 
     /// Brings everything up: store, project, hidden forms. The window is shown at its end.
     void Start(const StartOptions& options);
@@ -56,6 +62,8 @@ private:
     void OpenProject(const std::string& path);
     void OpenExistingProject(const std::string& path);
     void LoadHiddenForms();
+    void TellInterruptedMerge(bool box);
+    void ShowWhenAsked();
     void NewProject();
     void SaveOpenProject();
     void SaveCommand();
@@ -73,6 +81,7 @@ private:
     void TellFilesCorrupted();
 
     RecentFile RecentFile1;
+    std::function<bool()> showAsked_;
     std::string savedPanel_;
     std::string panelBeforeHover_;
     bool sendAndReceiveRunning_ = false;
