@@ -8,7 +8,9 @@ namespace mailvane {
 
 /// One item of an address list, taken apart.
 struct AddressItem {
-    std::string source;   ///< the item as it was written, trimmed
+    /// The item as it was written, trimmed; "" when that is no fit form for a header: quotes or
+    /// brackets that nothing closes, text behind the address, a name with a bare comma or at sign.
+    std::string source;
     std::string name;     ///< display name without quotes, or the comment that stands for one
     std::string address;  ///< bare
 };

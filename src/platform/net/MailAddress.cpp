@@ -15,6 +15,8 @@ constexpr std::size_t LineWidth = 78;         // RFC 5322 section 2.1.1
 constexpr std::size_t EncodedLineWidth = 76;  // RFC 2047 section 2
 constexpr std::size_t MaxEncodedWord = 75;    // RFC 2047 section 2
 constexpr std::size_t MaxPlainWord = 900;     // keeps a line with a long word under MaxMailLine
+constexpr std::size_t LongestMailbox = 64 + 1 + 255;         // RFC 5321 section 4.5.3.1
+constexpr std::string_view MailSpecials = " <>()[]@,;\\\"";  // without quotes no part of a mailbox
 constexpr std::string_view WordStart = "=?utf-8?B?";
 constexpr std::string_view WordEnd = "?=";
 constexpr std::string_view Fold = "\r\n ";
@@ -60,11 +62,18 @@ std::string EncodedWords(std::string_view text, std::size_t column) {
     return out;
 }
 
+/// A word with the blanks before it, taken off the front of `text`.
+std::string_view TakeWord(std::string_view& text) {
+    const std::size_t word = std::min(text.find_first_not_of(" \t"), text.size());
+    const std::size_t stop = std::min(text.find_first_of(" \t", word), text.size());
+    const std::string_view taken = text.substr(0, stop);
+    text.remove_prefix(stop);
+    return taken;
+}
+
 bool HasOverlongWord(std::string_view text) {
     while (!text.empty()) {
-        const std::size_t stop = std::min(text.find_first_of(" \t"), text.size());
-        if (stop > MaxPlainWord) return true;
-        text.remove_prefix(std::min(stop + 1, text.size()));
+        if (TakeWord(text).size() > MaxPlainWord) return true;
     }
     return false;
 }
@@ -74,15 +83,13 @@ bool HasOverlongWord(std::string_view text) {
 std::string Folded(std::string_view value, std::size_t column) {
     std::string out;
     while (!value.empty()) {
-        const std::size_t word = std::min(value.find_first_not_of(" \t"), value.size());
-        const std::size_t stop = std::min(value.find_first_of(" \t", word), value.size());
-        if (!out.empty() && column + stop > LineWidth) {
+        const std::string_view word = TakeWord(value);
+        if (!out.empty() && column + word.size() > LineWidth) {
             out += "\r\n";
             column = 0;
         }
-        out += value.substr(0, stop);
-        column += stop;
-        value.remove_prefix(stop);
+        out += word;
+        column += word.size();
     }
     return out;
 }
@@ -108,6 +115,24 @@ std::string EncodedItem(const AddressItem& item, std::size_t column) {
     return name + (fits ? " <" : "\r\n <") + item.address + '>';
 }
 
+bool IsControl(char c) {
+    return (c >= 0 && c < ' ') || c == '\x7F';
+}
+
+/// Length of a quoted string at the front, 0 when there is none or nothing ends it.
+std::size_t QuotedLength(std::string_view text) {
+    if (text.substr(0, 1) != "\"") return 0;
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (text[i] == '"') return i + 1;
+        if (text[i] == '\\') ++i;
+    }
+    return 0;
+}
+
+bool HasNone(std::string_view text, std::string_view characters) {
+    return text.find_first_of(characters) == std::string_view::npos;
+}
+
 }  // namespace
 
 std::vector<std::string> AddressesOf(std::string_view list) {
@@ -116,6 +141,21 @@ std::vector<std::string> AddressesOf(std::string_view list) {
         addresses.push_back(std::move(item.address));
     }
     return addresses;
+}
+
+bool IsMailbox(std::string_view address) {
+    if (address.empty() || address.size() > LongestMailbox) return false;
+    if (std::any_of(address.begin(), address.end(), IsControl)) return false;
+    if (ToUtf8(address) != address) return false;  // RFC 6531 section 3.3
+    const std::size_t quoted = QuotedLength(address);
+    if (quoted > 0 && address.substr(quoted, 1) != "@") return false;
+    address.remove_prefix(quoted);
+    const std::size_t at = std::min(address.find('@'), address.size());
+    std::string_view domain = address.substr(std::min(at + 1, address.size()));
+    const bool literal = domain.size() > 2 && domain.front() == '[' && domain.back() == ']';
+    if (literal) domain = domain.substr(1, domain.size() - 2);
+    return HasNone(address.substr(0, at), MailSpecials) && HasNone(domain, MailSpecials) &&
+           (literal || HasNone(domain, ":"));
 }
 
 std::string EncodeHeaderText(std::string_view value, std::size_t nameLength) {

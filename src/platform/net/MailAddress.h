@@ -11,6 +11,11 @@ namespace mailvane {
 /// section 3.4, read generously). Empty items are dropped; the order stays.
 std::vector<std::string> AddressesOf(std::string_view list);
 
+/// False for what is no mailbox to any server (RFC 5321 section 4.1.2, read generously): blanks,
+/// control characters and brackets outside quotes, a second at sign, more than 320 bytes. A local
+/// name without a domain is one.
+bool IsMailbox(std::string_view address);
+
 /// A header value fit for the wire: CR, LF and NUL removed, text outside ASCII as encoded words in
 /// UTF-8 (RFC 2047), long values folded (RFC 5322 section 2.2.3). `nameLength` is the room that the
 /// header's name and colon take on the first line.

@@ -208,8 +208,16 @@ NetError MailConnection::Connect(const MailPeer& peer, NetClock::time_point dead
 }
 
 NetError MailConnection::Failure(CURLcode code) const {
-    const char* text = errorText_.front() == '\0' ? curl_easy_strerror(code) : errorText_.data();
-    return {CodeOf(code), std::string(text) + "."};
+    const std::string text =
+        errorText_.front() == '\0' ? curl_easy_strerror(code) : errorText_.data();
+    // Two of libcurl's texts for the same code, in the words used everywhere else.
+    if (text.starts_with("response reading failed")) {
+        return {net_error::ConnectionLost, "The server closed the connection."};
+    }
+    if (text.starts_with("Too large response headers")) {
+        return {net_error::BadReply, "The server's answer has no end."};
+    }
+    return {CodeOf(code), text + "."};
 }
 
 NetError MailConnection::TakeOver(const MailPeer& peer) {

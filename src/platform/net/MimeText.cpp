@@ -15,9 +15,11 @@ struct Need {
     bool encoded = false;  ///< it cannot go as it is
 };
 
-Need NeedOf(const TextScan& scan, bool eightBit) {
-    const bool unfit = scan.holdsNul || scan.longestLine > MaxMailLine;
-    return {scan.outsideAscii, unfit || (scan.outsideAscii && !eightBit)};
+Need NeedOf(std::string_view text, const TextScan& scan, bool eightBit) {
+    if (scan.holdsNul || scan.longestLine > MaxMailLine) return {scan.outsideAscii, true};
+    if (!scan.outsideAscii) return {};
+    // A byte that is no UTF-8 becomes up to three: the lines may have grown.
+    return {true, !eightBit || ScanText(ToUtf8(text)).longestLine > MaxMailLine};
 }
 
 std::size_t FindIgnoringCase(std::string_view text, std::string_view part) {
@@ -148,7 +150,7 @@ void AppendTail(std::string& out, std::string_view tail) {
 }
 
 void AdaptMultipart(const FirstPart& part, bool eightBit, std::string& out) {
-    const Need need = NeedOf(ScanText(part.text), eightBit);
+    const Need need = NeedOf(part.text, ScanText(part.text), eightBit);
     out += part.before;
     if (need.utf8 || need.encoded) {
         HeaderBlock headers(part.headers);
@@ -166,7 +168,7 @@ void AdaptMultipart(const FirstPart& part, bool eightBit, std::string& out) {
 
 bool AdaptBody(HeaderBlock& headers, std::string_view body, const TextScan& scan, bool eightBit,
                std::string& out) {
-    const Need need = NeedOf(scan, eightBit);
+    const Need need = NeedOf(body, scan, eightBit);
     if (!need.utf8 && !need.encoded) return false;
     out.clear();
     if (StartsWithIgnoringCase(headers.Value("Content-Type"), "multipart/")) {

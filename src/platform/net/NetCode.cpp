@@ -42,6 +42,8 @@ void EncodeLines(std::string_view bytes, std::string& out) {
 }  // namespace
 
 NetError NetCode::SetAction(Action /*action*/) {
+    // A name with a NUL in it would open another file: the one named up to there.
+    if (DecodedFile.find('\0') != std::string::npos) return Unreadable(DecodedFile, EINVAL);
     const FileHandle source(std::fopen(DecodedFile.c_str(), "rb"));
     if (!source) return Unreadable(DecodedFile, errno);
     // "x" refuses a file that exists.

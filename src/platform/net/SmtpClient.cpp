@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <unordered_set>
 #include <utility>
 
 #include "platform/net/MailAddress.h"
@@ -37,6 +39,24 @@ bool IsSamePlace(const MailPeer& a, const MailPeer& b) {
     return a.host == b.host && a.port == b.port && a.security == b.security &&
            a.verifyCertificate == b.verifyCertificate &&
            a.certificateAuthorities == b.certificateAuthorities;
+}
+
+/// The server has no room for the recipient in this transaction. 552 is what older servers say, and
+/// clients should take it the same way (RFC 5321 section 4.5.3.1.10).
+bool IsPostponed(const RefusedRecipient& recipient) {
+    const std::string& answer = recipient.answer;
+    return answer.compare(0, 3, "452") == 0 || answer.compare(0, 3, "552") == 0 ||
+           answer.find(" 4.5.3 ") == 3;
+}
+
+/// Takes those out of `refused` that another transaction may reach.
+std::vector<std::string> TakePostponed(std::vector<RefusedRecipient>& refused) {
+    std::vector<std::string> postponed;
+    for (const RefusedRecipient& recipient : refused) {
+        if (IsPostponed(recipient)) postponed.push_back(recipient.address);
+    }
+    std::erase_if(refused, IsPostponed);
+    return postponed;
 }
 
 /// A logon that succeeded, to be repeated when the connection has to be made again.
@@ -88,6 +108,9 @@ struct SmtpClient::State {
     NetError Exchange(const std::string& line, bool secret);
     NetError Command(const std::string& line, bool secret);
     NetError Send();
+    void SendPostponed(const std::string& sender);
+    void NoteUnanswered(const std::vector<std::string>& recipients, const std::string& answer);
+    NetError Deliver(const std::vector<std::string>& recipients, const std::string& sender);
     NetError TransferTo(const std::vector<std::string>& recipients, const std::string& sender);
     std::vector<std::string> Recipients() const;
     void ResetMessage();
@@ -103,6 +126,7 @@ struct SmtpClient::State {
     bool busy = false;
     bool dropAsked = false;
     bool transferring = false;
+    bool composed = false;  // the message of the moment has its Message-ID
 };
 
 // --- around an operation ----------------------------------------------------------------------
@@ -214,11 +238,10 @@ NetError SmtpClient::State::LogonAgain() {
 
 std::vector<std::string> SmtpClient::State::Recipients() const {
     std::vector<std::string> recipients;
+    std::unordered_set<std::string> seen;
     for (const std::string* list : {&client.SendTo, &client.Cc, &client.BCc}) {
         for (std::string& address : AddressesOf(*list)) {
-            if (std::find(recipients.begin(), recipients.end(), address) == recipients.end()) {
-                recipients.push_back(std::move(address));
-            }
+            if (seen.insert(address).second) recipients.push_back(std::move(address));
         }
     }
     return recipients;
@@ -230,12 +253,46 @@ NetError SmtpClient::State::Send() {
     if (recipients.empty()) return {net_error::NoRecipients, "No recipient is given."};
     const std::vector<std::string> senders = AddressesOf(client.From);
     if (senders.empty()) return {net_error::NoSender, "No sender's address is given."};
+    composed = false;
+    const NetError error = Deliver(recipients, senders.front());
+    if (error.Ok()) SendPostponed(senders.front());
+    return error;
+}
 
+/// The message has been accepted; whom the server had no room for gets it in further transactions
+/// (RFC 5321 section 4.5.3.1.10). Each of them reaches somebody, or it is the last.
+void SmtpClient::State::SendPostponed(const std::string& sender) {
+    std::vector<std::string> recipients = TakePostponed(refused);
+    std::vector<RefusedRecipient> settled = std::move(refused);
+    while (!recipients.empty()) {
+        const NetError error = Deliver(recipients, sender);
+        if (error.Failed()) NoteUnanswered(recipients, error.description);
+        recipients = error.Ok() ? TakePostponed(refused) : std::vector<std::string>();
+        std::move(refused.begin(), refused.end(), std::back_inserter(settled));
+    }
+    refused = std::move(settled);
+}
+
+/// Of a failed transaction: the answer for everybody who got none of his own.
+void SmtpClient::State::NoteUnanswered(const std::vector<std::string>& recipients,
+                                       const std::string& answer) {
+    std::unordered_set<std::string> answered;
+    for (const RefusedRecipient& recipient : refused)
+        answered.insert(recipient.address);
+    for (const std::string& address : recipients) {
+        if (!answered.contains(address)) refused.push_back({address, answer});
+    }
+}
+
+/// One transaction, on the connection kept from before where there is one.
+NetError SmtpClient::State::Deliver(const std::vector<std::string>& recipients,
+                                    const std::string& sender) {
+    refused.clear();
     NetError error = Reach();
     if (error.Failed()) return error;
     const bool kept = link.Connection().IsOpen();
     if (kept) {
-        error = TransferTo(recipients, senders.front());
+        error = TransferTo(recipients, sender);
         // A server may close a connection that it finds idle or used long enough. As long as it did
         // not answer to this message and did not get all of it, nothing can have been accepted.
         const bool closed = error.code == net_error::ConnectionLost || error.code == 421;
@@ -243,7 +300,7 @@ NetError SmtpClient::State::Send() {
     }
     error = Open();
     if (error.Ok()) error = LogonAgain();
-    return error.Failed() ? error : TransferTo(recipients, senders.front());
+    return error.Failed() ? error : TransferTo(recipients, sender);
 }
 
 NetError SmtpClient::State::TransferTo(const std::vector<std::string>& recipients,
@@ -251,8 +308,9 @@ NetError SmtpClient::State::TransferTo(const std::vector<std::string>& recipient
     SmtpSession& session = link.Session();
     const SmtpExtensions& server = session.Extensions();
     message.Compose({client.From, client.SendTo, client.Cc, client.Subject, client.OtherHeaders,
-                     client.MessageText, client.Date, peer.localName},
+                     client.MessageText, client.Date, peer.localName, composed},
                     {server.Offers("8BITMIME"), server.Offers("SMTPUTF8")});
+    composed = true;
     NetError error =
         source.Open(message.Head(), message.Body(), message.WireSize(), client.AttachedFile);
     if (error.Failed()) return error;

@@ -123,7 +123,8 @@ public:
     /// An extension keyword offered in the last EHLO answer, case ignored; its parameters in
     /// `parameters`.
     bool Offers(const std::string& keyword, std::string* parameters = nullptr) const;
-    /// Of the last message sent.
+    /// Of the last message sent. A recipient for whom the server had no room in the transaction
+    /// (452) got the message in a further one; he is here when that failed, with its answer.
     const std::vector<RefusedRecipient>& RefusedRecipients() const;
     const std::string& LastReply() const;
 

@@ -29,7 +29,8 @@ SmtpLink::SmtpLink(Events events)
 
 void SmtpLink::OnBeginning(Direction direction, std::string_view bytes) {
     if (direction == Direction::Received) {
-        session_.Observe(bytes);
+        NetError error = session_.Observe(bytes);
+        if (beginning_.Ok()) beginning_ = std::move(error);
     } else {
         events_.onLine(direction, Trimmed(bytes));
     }
@@ -37,7 +38,12 @@ void SmtpLink::OnBeginning(Direction direction, std::string_view bytes) {
 
 NetError SmtpLink::Open(const MailPeer& peer) {
     session_.Open();
-    NetError error = connection_.Open(peer, [this] { return KeepGoing(); });
+    beginning_ = {};
+    NetError error = connection_.Open(peer, [this] { return KeepGoing() && beginning_.Ok(); });
+    if (beginning_.Failed()) {
+        connection_.Close();
+        return beginning_;
+    }
     if (error.Ok()) {
         session_.Hello(peer.localName);
         return Run(peer.answerTimeout);

@@ -52,6 +52,7 @@ private:
     MailConnection connection_;
     std::vector<char> buffer_;
     NetClock::time_point lastIdle_{};
+    NetError beginning_;  // what was wrong with the server's first lines
     bool moved_ = false;  // bytes went out or a line came in
     bool lost_ = false;
     bool canceled_ = false;

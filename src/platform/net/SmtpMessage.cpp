@@ -42,10 +42,13 @@ std::string RandomPrefix() {
     return text.data();
 }
 
-/// A list of addresses as a header; without SMTPUTF8 no header may hold an address outside ASCII.
+/// A list of addresses as a header. It names no address that cannot be written to; without SMTPUTF8
+/// no header may hold one outside ASCII.
 std::string AddressHeader(std::string_view list, std::size_t nameLength, bool utf8) {
     std::vector<AddressItem> items = ParseAddressList(list);
-    if (!utf8) std::erase_if(items, [](const auto& item) { return !IsAscii(item.address); });
+    std::erase_if(items, [utf8](const auto& item) {
+        return !IsMailbox(item.address) || (!utf8 && !IsAscii(item.address));
+    });
     return EncodeAddressItems(items, nameLength);
 }
 
@@ -91,11 +94,15 @@ void SmtpMessage::Compose(const MessageFields& fields, WireAbilities server) {
     }
     block.EncodeFields();
 
+    if (!fields.again) {
+        id_ = NewMessageId(fields.from, fields.localName);
+        date_ = PresentDate();
+    }
     head_.clear();
     const bool utf8 = server.utf8Addresses;
     const std::string date = WithoutLineBreaks(fields.date);
-    AppendField(block, "Date", date.empty() ? PresentDate() : EncodeHeaderText(date, 5));
-    AppendField(block, "Message-ID", NewMessageId(fields.from, fields.localName));
+    AppendField(block, "Date", date.empty() ? date_ : EncodeHeaderText(date, 5));
+    AppendField(block, "Message-ID", id_);
     AppendField(block, "From", AddressHeader(fields.from, 5, utf8));
     AppendField(block, "To", AddressHeader(fields.sendTo, 3, utf8));
     AppendField(block, "Cc", AddressHeader(fields.cc, 3, utf8));

@@ -18,6 +18,7 @@ struct MessageFields {
     std::string_view text;
     std::string_view date;       ///< "" for the present moment
     std::string_view localName;  ///< for the Message-ID when the sender's address has no domain
+    bool again = false;          ///< the last message once more: it keeps its Message-ID and Date
 };
 
 /// What the server of the moment takes.
@@ -55,6 +56,8 @@ private:
     bool headOutsideAscii_ = false;
     std::string idPrefix_;  // random, so that no two processes give the same Message-ID
     std::uint64_t idCount_ = 0;
+    std::string id_;    // of the last message
+    std::string date_;  // when it was composed
 };
 
 }  // namespace mailvane

@@ -38,14 +38,17 @@ std::optional<std::string_view> LineReader::Next(std::string_view& bytes) {
 }
 
 SmtpReply::Progress SmtpReply::AddLine(std::string_view line) {
-    if (!started_) text_.clear();
-    if (!IsReplyLine(line)) return Progress::Malformed;
+    if (!started_) {
+        text_.clear();
+        size_ = 0;
+    }
+    size_ += line.size();
+    if (!IsReplyLine(line) || size_ > MaxSize) return Progress::Malformed;
     code_ = (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
     started_ = line.size() > 3 && line[3] == '-';
     lastLine_ = line.substr(std::min<std::size_t>(4, line.size()));
     if (!text_.empty() && !lastLine_.empty()) text_ += ' ';
     text_ += lastLine_;
-    if (text_.size() > MaxText) return Progress::Malformed;
     return started_ ? Progress::More : Progress::Complete;
 }
 

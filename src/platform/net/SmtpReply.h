@@ -28,7 +28,7 @@ private:
 class SmtpReply {
 public:
     enum class Progress { More, Complete, Malformed };
-    static constexpr std::size_t MaxText = 64 * 1024;
+    static constexpr std::size_t MaxSize = 64 * 1024;
 
     /// The first line begins a new reply.
     Progress AddLine(std::string_view line);
@@ -45,6 +45,7 @@ public:
 private:
     int code_ = 0;
     bool started_ = false;
+    std::size_t size_ = 0;  // of all lines, also those without text
     std::string text_;
     std::string lastLine_;
 };

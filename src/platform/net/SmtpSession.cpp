@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "platform/net/MailAddress.h"
 #include "platform/net/TextCoding.h"
 
 namespace mailvane {
@@ -87,14 +88,15 @@ void SmtpSession::Break(NetError result) {
     sendingData_ = false;
     out_.clear();
     outPosition_ = 0;
-    Finish(failure_.Failed() ? failure_ : std::move(result));
+    Finish(Interrupted(std::move(result)));
 }
 
-void SmtpSession::Observe(std::string_view bytes) {
+NetError SmtpSession::Observe(std::string_view bytes) {
     while (const auto line = lines_.Next(bytes)) {
         onLine_(Direction::Received, *line);
-        if (reply_.AddLine(*line) == SmtpReply::Progress::Malformed) reply_ = {};
+        if (reply_.AddLine(*line) == SmtpReply::Progress::Malformed) return NotUnderstood(*line);
     }
+    return {};
 }
 
 void SmtpSession::Hello(const std::string& localName) {
@@ -142,22 +144,28 @@ void SmtpSession::Send(const SmtpEnvelope& envelope, MessageSource& source) {
     }
 }
 
+/// Why this server cannot be given the address; "" when it can.
+std::string SmtpSession::Objection(const std::string& address) const {
+    if (!IsMailbox(address)) return "Invalid e-mail address.";
+    if (IsAscii(address) || extensions_.Offers("SMTPUTF8")) return {};
+    return "The server does not take addresses outside ASCII.";
+}
+
 /// What this server cannot take is refused here, before anything is sent.
 bool SmtpSession::Admit() {
-    const bool utf8 = extensions_.Offers("SMTPUTF8");
-    const auto takes = [utf8](const std::string& address) { return utf8 || IsAscii(address); };
-    if (!takes(envelope_.sender)) {
-        Finish({net_error::BadAddress, "The server does not take the sender's address " +
-                                           envelope_.sender + ": it is not in ASCII."});
+    if (const std::string objection = Objection(envelope_.sender); !objection.empty()) {
+        Finish({net_error::BadAddress,
+                "The sender's address " + envelope_.sender + " cannot be used: " + objection});
         return false;
     }
-    constexpr std::string_view Answer = "The server does not take addresses outside ASCII.";
     std::erase_if(envelope_.recipients, [&](const std::string& address) {
-        if (!takes(address)) refused_.push_back({address, std::string(Answer)});
-        return !takes(address);
+        std::string objection = Objection(address);
+        const bool refused = !objection.empty();
+        if (refused) refused_.push_back({address, std::move(objection)});
+        return refused;
     });
     if (envelope_.recipients.empty()) {
-        Finish({net_error::BadAddress, std::string(Answer)});
+        Finish({net_error::BadAddress, refused_.back().answer});
         return false;
     }
     const std::int64_t limit = extensions_.SizeLimit();
@@ -434,7 +442,8 @@ void SmtpSession::RecoverWhenQuiet() {
 
 NetError SmtpSession::Interrupted(NetError cause) const {
     if (failure_.Failed()) return failure_;
-    if (endSent_ && !done_) {
+    const bool refusal = cause.code >= 400;  // definite, whatever was sent (RFC 5321 section 4.2.1)
+    if (endSent_ && !done_ && !refusal) {
         return {net_error::AnswerLost,
                 "The server's answer was lost; the message may have been accepted."};
     }

@@ -51,8 +51,9 @@ public:
     /// Forgets everything about an earlier connection.
     void Open();
     /// Server lines of the beginning that the transport holds itself (greeting, EHLO, STARTTLS):
-    /// kept as LastReply, so that a refusal is told in the server's words.
-    void Observe(std::string_view bytes);
+    /// kept as LastReply, so that a refusal is told in the server's words. BadReply for what is no
+    /// reply.
+    NetError Observe(std::string_view bytes);
 
     /// EHLO, or HELO where the server does not know it.
     void Hello(const std::string& localName);
@@ -71,7 +72,8 @@ public:
     bool Broken() const { return broken_; }
     const NetError& Result() const { return result_; }
     /// What the operation came to when the connection was given up for `cause`: a refusal that the
-    /// server had told already, AnswerLost when the message may have been accepted, else `cause`.
+    /// server had told already, AnswerLost when the message may have been accepted (its end was
+    /// sent, and `cause` is no refusal), else `cause`.
     NetError Interrupted(NetError cause) const;
     /// A byte of an answer to this operation came, other than 421.
     bool AnyAnswer() const { return answered_ || !lines_.Empty() || reply_.Started(); }
@@ -107,6 +109,7 @@ private:
     void QueueMail();
     void QueueRecipient();
     void QueueChunk();
+    std::string Objection(const std::string& address) const;
     bool Admit();
     bool ReadChunk();
     void ReadData();

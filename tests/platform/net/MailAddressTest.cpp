@@ -47,6 +47,35 @@ TEST(MailAddress, AddressesOfAList) {
         EXPECT_EQ(AddressesOf(row.list), row.addresses) << row.name;
 }
 
+TEST(MailAddress, WhatIsAMailbox) {
+    const std::vector<std::string> mailboxes = {
+        "a@x",          "root",         "o'neil+tag@x-y.org",
+        "a..b@x",       "\"a, @>b\"@x", "a@[127.0.0.1]",
+        "a@[IPv6:::1]", "ž@š.si",       std::string(64, 'a') + "@" + std::string(255, 'x')};
+    for (const std::string& address : mailboxes)
+        EXPECT_TRUE(IsMailbox(address)) << address;
+    const std::vector<std::string> others = {
+        "",           "Ann a@x",  "a@x NOTIFY=NEVER",
+        "a@x>",       "a@xb@y",   "a@x\t",
+        "a@x\x7F",    "a\0@x"s,   "\"a@x",
+        "\"a\"x",     "\"a\"b@x", "a@[x> SIZE=1]",
+        "a@[x]y@[z]", "a@x:25",   "(a)@x",
+        "a\\@x",      "\xC5@x",   std::string(64, 'a') + "@" + std::string(256, 'x')};
+    for (const std::string& address : others)
+        EXPECT_FALSE(IsMailbox(address)) << address;
+}
+
+TEST(MailAddress, HostileListsAreReadInNoTime) {
+    const std::string end = "a@x";
+    for (const std::string& noise : {"["s, "("s, "<"s, "\""s, ":"s, "a@b:"s, ","s, "a,"s, "\\"s})
+        for (const std::string& front : {""s, std::string(100000, 'x') + "@"}) {
+            std::string list = front;
+            while (list.size() < 200000)
+                list += noise;
+            EXPECT_FALSE(AddressesOf(list + ",<" + end + ">").empty());
+        }
+}
+
 TEST(MailAddress, HeaderText) {
     struct Row {
         const char* name;
@@ -80,7 +109,9 @@ TEST(MailAddress, LongTextIsCutBetweenCharacters) {
         const std::string start = header.substr(at + 3, 1);
         EXPECT_TRUE(start == "x" || start == "4") << start;
     }
-    EXPECT_LE(ScanText(EncodeHeaderText(std::string(5000, 'x'), 8)).longestLine, 76U);
+    for (const char filler : {'x', ' '})
+        EXPECT_LE(ScanText(EncodeHeaderText("a" + std::string(5000, filler) + "b", 8)).longestLine,
+                  76U);
 }
 
 TEST(MailAddress, HeaderAddresses) {
@@ -96,6 +127,11 @@ TEST(MailAddress, HeaderAddresses) {
         {"comment", "z@x (Žan)", "=?utf-8?B?xb1hbg==?= <z@x>"},
         {"name with a comma", "Doe \"D\", J <j@x>", "\"Doe \\\"D\\\", J\" <j@x>"},
         {"header injection", "a@x\r\nBcc: b@x", "a@xBcc: b@x"},
+        {"quote that nothing closes", "\"Ann <a@x>, b@x", "\"Ann\" <a@x>, b@x"},
+        {"bracket that nothing closes", "<Ann <a@x>", "\"Ann\" <a@x>"},
+        {"comment that nothing closes", "Ann <a@x> ((b), c@x", "\"Ann\" <a@x>, c@x"},
+        {"text behind the address", "Ann <a@x>Bcc: e@x", "\"Ann Bcc: e@x\" <a@x>"},
+        {"address for a name", "e@x <a@x>", "\"e@x\" <a@x>"},
         {"items without an address", "<>, a@x, g:;", "a@x"},
         {"folded between items",
          "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaa@example.com, bbbbbbbbbbbbbbbbbbbbbbbbbbbbbb@example.com",

@@ -132,6 +132,12 @@ TEST_F(SmtpClientTest, FailuresOfTheServer) {
          "The server closed the connection.", 1, 1},
         {"421 at RCPT", Plain, "RCPT", "421 enough", 421, "421 enough", 1, 1},
         {"hangs up at BDAT", Chunking, "BDAT", "!", net_error::AnswerLost, LostText, 1, 1},
+        {"silent after BDAT", Chunking, "(mess", "?", net_error::AnswerLost, LostText, 1, 2},
+        {"silent at MAIL, all of it sent", Chunking, "MAIL", "?", net_error::AnswerLost, LostText,
+         1, 1},
+        {"silent after pipelined data", Pipelining, "(mess", "?", net_error::AnswerLost, LostText,
+         1, 2},
+        {"garbage after the data", Plain, "(mess", "what", net_error::AnswerLost, LostText, 1, 2},
         {"hangs up at DATA", Plain, "DATA", "!", net_error::ConnectionLost,
          "The server closed the connection.", 1, 1},
         {"hangs up after the data", Plain, "(mess", "!", net_error::AnswerLost, LostText, 1, 2},
@@ -158,6 +164,112 @@ TEST_F(SmtpClientTest, FailuresOfTheServer) {
         EXPECT_EQ(host.Connections(), row.connections);
         EXPECT_EQ(mail.messages.size(), row.messages);
     }
+}
+
+// --- more recipients than a transaction takes -------------------------------------------------
+
+/// A server with room for two recipients in a transaction.
+struct CrampedServer {
+    explicit CrampedServer(const char* hello) : mail{"220 ready", hello} {
+        mail.answer = [this](const std::string& line, int connection) {
+            const std::string other = change ? change(line, connection) : "";
+            if (StartsWith(line, "MAIL")) {
+                ++transactions;
+                taken.clear();
+            }
+            if (StartsWith(line, "RCPT") && other.empty()) {
+                if (taken.size() == 2) return full;
+                taken.push_back(line.substr(9, 1));
+            }
+            if (line == "(message)" && other.empty() && !mail.messages.back().empty()) {
+                for (const std::string& recipient : taken)
+                    delivered += recipient;
+                delivered += ' ';
+            }
+            return other;
+        };
+    }
+
+    std::string full = "452 4.5.3 too many";
+    std::function<std::string(const std::string& line, int connection)> change;
+    int transactions = 0;
+    std::string delivered;  ///< the first letters of the addresses, transaction by transaction
+    Lines taken;
+    MailServerScript mail;
+    LoopbackServer host{[this](Peer& peer, int number) { mail.Talk(peer, number); }};
+};
+
+std::string Refused(const SmtpClient& client) {
+    std::string all;
+    for (const RefusedRecipient& recipient : client.RefusedRecipients())
+        all += recipient.address.substr(0, 1) + "=" + recipient.answer + ";";
+    return all;
+}
+
+TEST_F(SmtpClientTest, TooManyRecipientsGoInFurtherTransactions) {
+    for (const char* hello : {Plain, Pipelining, Chunking}) {
+        for (const char* full : {"452 4.5.3 too many", "552 too many", "450 4.5.3 too many"}) {
+            SCOPED_TRACE(std::string(hello) + ", " + full);
+            CrampedServer cramped(hello);
+            cramped.full = full;
+            cramped.change = [](const std::string& line, int) {
+                return StartsWith(line, "RCPT TO:<d") ? "550 gone" : "";
+            };
+            client.MailPort = cramped.host.Port();
+            client.SendTo = "a@x, b@x, c@x";
+            client.BCc = "d@x, e@x, f@x";
+            EXPECT_TRUE(client.SetAction(Action::Send).Ok());
+            EXPECT_EQ(Refused(client), "d=550 gone;");
+            EXPECT_TRUE(client.SetAction(Action::Disconnect).Ok());
+            EXPECT_EQ(cramped.delivered, "ab ce f ");
+            EXPECT_EQ(cramped.host.Connections(), 1);
+            ASSERT_EQ(cramped.mail.messages.size(), 3U);
+            EXPECT_EQ(cramped.mail.messages[2], cramped.mail.messages[0]) << "the same message";
+        }
+    }
+    EXPECT_TRUE(errors.empty());
+}
+
+TEST_F(SmtpClientTest, FailureOfAFurtherTransactionIsNoneOfTheMessage) {
+    struct Row {
+        const char* name;
+        const char* line;
+        const char* answer;
+        const char* refused;
+        const char* delivered;
+        int transactions;
+        int connections;
+    };
+    const std::vector<Row> rows = {
+        {"MAIL refused", "MAIL", "450 later", "c=450 later;d=450 later;e=450 later;", "ab ", 2, 1},
+        {"nobody taken", "RCPT", "452 disk full",
+         "c=452 disk full;d=452 disk full;e=452 disk full;", "ab ", 2, 1},
+        {"message refused", "(message)", "554 spam", "e=452 4.5.3 too many;c=554 spam;d=554 spam;",
+         "ab ", 2, 1},
+        {"answer lost", "(message)", "!",
+         "e=452 4.5.3 too many;c=The server's answer was lost; the message may have been accepted.;"
+         "d=The server's answer was lost; the message may have been accepted.;",
+         "ab ", 2, 1},
+        {"server leaves in between", "MAIL", "421 enough", "", "ab cd e ", 4, 2},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        CrampedServer cramped(Pipelining);
+        cramped.change = [&](const std::string& line, int connection) {
+            const bool here = connection == 0 && StartsWith(line, row.line);
+            const bool later = cramped.transactions > (StartsWith(line, "MAIL") ? 0 : 1);
+            return here && later ? row.answer : "";
+        };
+        client.MailPort = cramped.host.Port();
+        client.SendTo = "a@x, b@x, c@x, d@x, e@x";
+        EXPECT_TRUE(client.SetAction(Action::Send).Ok());
+        EXPECT_EQ(Refused(client), row.refused);
+        EXPECT_TRUE(client.SetAction(Action::Disconnect).Ok());
+        EXPECT_EQ(cramped.delivered, row.delivered);
+        EXPECT_EQ(cramped.transactions, row.transactions);
+        EXPECT_EQ(cramped.host.Connections(), row.connections);
+    }
+    EXPECT_TRUE(errors.empty());
 }
 
 TEST_F(SmtpClientTest, IdleConnectionIsReopenedWithItsLogon) {
@@ -262,8 +374,8 @@ TEST_F(SmtpClientTest, ConnectionsThatDoNotCome) {
     };
     EXPECT_EQ(client.SetAction(Action::Connect).description, "550 not you");
     script.greeting = "SSH-2.0-x";
-    client.Timeout = 1;
-    EXPECT_TRUE(client.SetAction(Action::Connect).Failed());
+    EXPECT_EQ(client.SetAction(Action::Connect).description,
+              "The server's answer cannot be understood: \"SSH-2.0-x\".");
 
     client.MailServer = "host name";
     EXPECT_EQ(client.SetAction(Action::Connect).code, net_error::ConnectFailed);

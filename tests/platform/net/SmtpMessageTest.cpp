@@ -98,6 +98,8 @@ TEST(SmtpMessage, IdsDiffer) {
         message->Compose({"a@x", "", "", "", "", "", "d", "me"}, {});
         ids.emplace_back(message->Head());
     }
+    other.Compose({"a@x", "", "", "", "", "", "d", "me", true}, {});
+    EXPECT_EQ(other.Head(), ids[2]) << "the same message again";
     EXPECT_TRUE(ids[0] != ids[1] && ids[0] != ids[2] && ids[1] != ids[2]);
 }
 
@@ -115,6 +117,8 @@ TEST(SmtpMessage, Body) {
     const std::string longLine(999, 'x');
     std::string longCoded;
     AppendQuotedPrintable(longCoded, longLine);
+    std::string grown;
+    AppendQuotedPrintable(grown, ToUtf8(std::string(400, '\x80')));
     const std::vector<BodyRow> rows = {
         {"ASCII", plain, "a\nb\rc\r\n\r\nd", false,
          "Content-Type: text/plain; charset=us-ascii\r\n" + plainEnd + "a\r\nb\r\nc\r\n\r\nd\r\n"},
@@ -129,6 +133,10 @@ TEST(SmtpMessage, Body) {
         {"Windows-1252", plain, "\xE9", true,
          "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n" +
              plainEnd + "é\r\n"},
+        {"Windows-1252 that outgrows the line", plain, std::string(400, '\x80'), true,
+         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: "
+         "quoted-printable\r\n" +
+             plainEnd + grown + "\r\n"},
         {"long line", plain, longLine, true,
          "Content-Type: text/plain; charset=us-ascii\r\nContent-Transfer-Encoding: "
          "quoted-printable\r\n" +
@@ -271,6 +279,9 @@ TEST_F(NetCodeTest, Failures) {
     EXPECT_NE(error.description.find(code.DecodedFile), std::string::npos);
 
     EXPECT_EQ(Encoded("a"), "YQ==\r\n");
+    code.DecodedFile += "\0.txt"s;
+    EXPECT_EQ(code.SetAction(NetCode::Action::Encode).code, net_error::FileUnreadable);
+    code.DecodedFile.resize(code.DecodedFile.size() - 5);
     code.Overwrite = false;
     EXPECT_EQ(code.SetAction(NetCode::Action::Encode).code, net_error::FileUnwritable);
     EXPECT_EQ(ReadAll(code.EncodedFile), "YQ==\r\n");

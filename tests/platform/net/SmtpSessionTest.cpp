@@ -154,6 +154,17 @@ const std::vector<Conversation> OneByOne = {
     {"lost after a refusal", Plain, "b@x", Mail + "S 550 no|C RSET|!", 550, "550 no"},
     {"lost after the data", Plain, "b@x", Mail + Ok + Rcpt + Ok + Data + Go + Body + "s 25|!",
      net_error::AnswerLost, LostText},
+    {"garbage after the data", Plain, "b@x", Mail + Ok + Rcpt + Ok + Data + Go + Body + "S what|",
+     net_error::AnswerLost, LostText, "", true},
+    {"354 after the data", Plain, "b@x", Mail + Ok + Rcpt + Ok + Data + Go + Body + Go,
+     net_error::AnswerLost, LostText, "", true},
+    {"421 after the data", Plain, "b@x", Mail + Ok + Rcpt + Ok + Data + Go + Body + "S 421 full|",
+     421, "421 full", "", true},
+    {"garbage after a refusal", Plain, "b@x", Mail + "S 550 no|C RSET|S what|", 550, "550 no", "",
+     true},
+    {"an address that adds a parameter", Plain, "a@[x>NOTIFY=NEVER] b@x",
+     Mail + Ok + Rcpt + Ok + Data + Go + Body + Ok, 0, "",
+     "a@[x>NOTIFY=NEVER]=Invalid e-mail address.;"},
 };
 
 const std::string Pipe = Mail + Rcpt + Data;
@@ -172,6 +183,8 @@ const std::vector<Conversation> Pipelined = {
     {"some refused", Pipelining, "b@x c@x",
      Mail + Rcpt + RcptC + Data + Ok + Ok + "S 550 c|" + Go + Body + "S 250 queued|", 0, "",
      "c@x=550 c;"},
+    {"garbage among the answers", Pipelining, "b@x", Pipe + Ok + "S what|", Bad,
+     "The server's answer cannot be understood: \"what\".", "", true},
     {"421 among the answers", Pipelining, "b@x", Pipe + Ok + "S 421 bye|", 421, "421 bye", "",
      true},
     {"all refused, lost after the empty data", Pipelining, "b@x",
@@ -193,6 +206,12 @@ const std::vector<Conversation> Chunks = {
     {"message refused", Chunking, "b@x", AllInOne + Ok + Ok + "S 552 full|" + Reset, 552,
      "552 full"},
     {"lost without a word", Chunking, "b@x", AllInOne + "!", net_error::AnswerLost, LostText},
+    {"garbage for an answer", Chunking, "b@x", AllInOne + Ok + "S what|", net_error::AnswerLost,
+     LostText, "", true},
+    {"421 for an answer", Chunking, "b@x", AllInOne + Ok + Ok + "S 421 full|", 421, "421 full", "",
+     true},
+    {"garbage after all were refused", Chunking, "b@x", AllInOne + Ok + "S 550 no|S what|", 550,
+     "550 no", "b@x=550 no;", true},
     {"lost after all were refused", Chunking, "b@x", AllInOne + Ok + "S 550 no|!", 550, "550 no",
      "b@x=550 no;"},
 };
@@ -239,10 +258,11 @@ TEST_F(SmtpSessionParts, HelloFallsBackToHelo) {
 
 TEST_F(SmtpSessionParts, GreetingIsKeptAsTheLastReply) {
     session.Open();
-    session.Observe("554-no\r\n55");
-    session.Observe("4 service\r\n");
+    EXPECT_TRUE(session.Observe("554-no\r\n55").Ok());
+    EXPECT_TRUE(session.Observe("4 service\r\n").Ok());
     EXPECT_EQ(session.LastReply().Description(), "554 no service");
     EXPECT_EQ(lines, (std::vector<std::string>{"<554-no", "<554 service"}));
+    EXPECT_EQ(session.Observe("SSH-2.0-x\r\n").code, net_error::BadReply);
 }
 
 TEST_F(SmtpSessionParts, ExtensionsWithTheirParameters) {
@@ -263,12 +283,14 @@ TEST_F(SmtpSessionParts, EndlessAnswersAreRefused) {
         session.Receive("250" + piece);
     EXPECT_EQ(session.Result().code, net_error::BadReply);
 
-    Hello("250 ok");
-    session.Command("NOOP", false);
-    for (int i = 0; i < 100 && !session.Done(); ++i)
-        session.Receive("250-" + piece + "\r\n");
-    EXPECT_EQ(session.Result().code, net_error::BadReply);
-    EXPECT_TRUE(session.Broken());
+    for (const std::string& line : {"250-" + piece + "\r\n", std::string("250-\r\n")}) {
+        Hello("250 ok");
+        session.Command("NOOP", false);
+        for (int i = 0; i < 20000 && !session.Done(); ++i)
+            session.Receive(line);
+        EXPECT_EQ(session.Result().code, net_error::BadReply);
+        EXPECT_TRUE(session.Broken());
+    }
 }
 
 TEST_F(SmtpSessionParts, UnaskedReplyWhileIdleBreaksTheConnection) {

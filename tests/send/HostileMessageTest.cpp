@@ -1,0 +1,479 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string_view>
+
+#include "platform/net/MessageSource.h"
+#include "platform/net/TextCoding.h"
+#include "send/SendBench.h"
+
+namespace mailvane {
+namespace {
+
+using namespace std::string_literals;
+using test::SendBench;
+
+constexpr const char* InvalidAddress = "Invalid e-mail address.";
+constexpr const char* Boundary = "--abcdfwefjsdvsdfg";
+const std::vector<std::vector<std::string>> Forms = {
+    {}, {"PIPELINING", "8BITMIME"}, {"PIPELINING", "CHUNKING"}};
+
+// --- what arrives -----------------------------------------------------------------------------
+
+/// A received message taken apart by the rules of RFC 5322; `fault` says what breaks them.
+struct Arrived {
+    std::map<std::string, std::string> headers;  ///< unfolded
+    std::string body;                            ///< decoded
+    std::string fault;
+};
+
+bool IsHeaderName(std::string_view name) {
+    return !name.empty() &&
+           std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 127; });
+}
+
+std::string QuotedPrintableDecoded(const std::string& text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '=') {
+            out += text[i];
+        } else {
+            const std::string code = text.substr(i + 1, 2);
+            if (code != "\r\n") out += static_cast<char>(std::stoi(code, nullptr, 16));
+            i += 2;
+        }
+    }
+    return out;
+}
+
+void TakeHeaderLine(Arrived& arrived, const std::string& line, std::string& last) {
+    const bool folded = line[0] == ' ' || line[0] == '\t';
+    if (folded) {
+        if (last.empty() || Trimmed(line).empty()) arrived.fault = "folded: " + line;
+        arrived.headers[last] += line;
+        return;
+    }
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    last = line.substr(0, colon);
+    if (colon == line.size() || !IsHeaderName(last)) arrived.fault = "no header: " + line;
+    if (!IsAscii(line)) arrived.fault = "outside ASCII: " + line;
+    const bool once = arrived.headers.emplace(last, line.substr(colon + 1)).second;
+    if (!once) arrived.fault = "twice: " + last;
+}
+
+Arrived TakeApart(const std::string& raw) {
+    static const std::set<std::string> known = {"Date",
+                                                "Message-ID",
+                                                "From",
+                                                "To",
+                                                "Cc",
+                                                "Subject",
+                                                "X-Mailer",
+                                                "Reply-To",
+                                                "Content-Type",
+                                                "X-Priority",
+                                                "X-MSMail-Priority",
+                                                "MIME-Version",
+                                                "Content-Transfer-Encoding"};
+    Arrived arrived;
+    std::string last;
+    std::size_t at = 0;
+    for (bool head = true; at < raw.size() && arrived.fault.empty();) {
+        const std::size_t end = raw.find("\r\n", at);
+        if (end == std::string::npos) {
+            arrived.fault = "the last line has no end";
+            break;
+        }
+        const std::string line = raw.substr(at, end - at);
+        at = end + 2;
+        if (line.find_first_of("\r\n\0"s) != std::string::npos)
+            arrived.fault = "a bare CR, LF, NUL";
+        if (line.size() > MaxMailLine) arrived.fault = "a line of " + std::to_string(line.size());
+        if (!head) continue;
+        if (!line.empty()) {
+            TakeHeaderLine(arrived, line, last);
+        } else {
+            head = false;
+            arrived.body = raw.substr(at);
+        }
+    }
+    for (const auto& [name, value] : arrived.headers)
+        if (!known.contains(name)) arrived.fault = "added: " + name;
+    const std::string& type = arrived.headers["Content-Type"];
+    if (arrived.headers["Content-Transfer-Encoding"] == " quoted-printable")
+        arrived.body = QuotedPrintableDecoded(arrived.body);
+    if (type.find("multipart/") != std::string::npos &&
+        !arrived.body.ends_with("\r\n"s + Boundary + "--\r\n"))
+        arrived.fault = "the multipart is open";
+    return arrived;
+}
+
+/// A text as it arrives: in UTF-8, its lines ended by CR LF.
+std::string AsSent(const std::string& text) {
+    std::string out;
+    WireLines lines;
+    lines.Append(out, ToUtf8(text), false);
+    lines.Finish(out);
+    return out;
+}
+
+// --- what is sent -----------------------------------------------------------------------------
+
+struct Value {
+    const char* name;
+    std::string text;
+};
+
+std::string ManyLines(std::size_t size) {
+    std::string text;
+    while (text.size() < size)
+        text += ".a line of a large text\n..and another one\r\n";
+    return text;
+}
+
+const std::vector<Value> HostileTexts = {
+    {"CR", "a\rb"},
+    {"LF", "a\nb"},
+    {"a header more", "a\r\nBcc: evil@example.com"},
+    {"the end of the header", "a\r\n\r\nb"},
+    {"NUL", "a\0b"s},
+    {"a dot", "a\r\n.\r\nb"},
+    {"a bare dot", "a\n.\nb\r.\rc"},
+    {"another message",
+     "a\r\n.\r\nMAIL FROM:<evil@example.com>\r\nRCPT TO:<evil@example.com>\r\nDATA\r\n.\r\n"},
+    {"leading dots", ".a\r\n..b\r\n...\r\n."},
+    {"a long line", std::string(100000, 'x')},
+    {"a long line of dots", std::string(100000, '.')},
+    {"many blanks", "a" + std::string(5000, ' ') + "b"},
+    {"no UTF-8", "caf\xE9 \x80\xFF \xC5"},
+    {"long and no UTF-8", std::string(900, '\x80')},
+    {"UTF-8", "\xC5\xBE\xE2\x82\xAC\xF0\x9F\x98\x80\r\n\xC5\xBE"},
+    {"megabytes", ManyLines(3 * 1024 * 1024)},
+};
+
+using Set = void (*)(MessageRecord&, const std::string&);
+struct Field {
+    const char* name;
+    bool isLong;  ///< takes more than 65535 bytes
+    Set set;
+};
+
+const std::vector<Field> TextFields = {
+    {"Subject", false, [](auto& record, auto& text) { record.Subject = text; }},
+    {"Body", true, [](auto& record, auto& text) { record.Body = text; }},
+    {"Body of an HTML message", true,
+     [](auto& record, auto& text) { record.ContentType = "html", record.Body = text; }},
+    {"ReplyTo", false, [](auto& record, auto& text) { record.ReplyTo = text; }},
+    {"Priority", false, [](auto& record, auto& text) { record.Priority = text; }},
+    {"Mailer", false, [](auto& record, auto& text) { record.Mailer = text; }},
+    {"ContentType", false, [](auto& record, auto& text) { record.ContentType = text; }},
+    {"HTML", false,
+     [](auto& record, auto& text) { record.ContentType = "html", record.HTML = text; }},
+    {"HTMLCode", true,
+     [](auto& record, auto& text) {
+         record.ContentType = "HTML", record.HTML = "code", record.Body = "";
+         record.HTMLCode = text;
+     }},
+    {"AllHeaders", true, [](auto& record, auto& text) { record.AllHeaders = text; }},
+    {"Attach", false, [](auto& record, auto& text) { record.Attach = "/dev/null/" + text; }},
+};
+
+/// Every message comes from a sender of its own, by which it is found again.
+class HostileBench : public SendBench {
+public:
+    explicit HostileBench(const std::vector<std::string>& extensions) {
+        server.extensions = extensions;
+        AnswerErrorPrompt(false);
+    }
+
+    MessageRecord Plain(const std::string& sender) {
+        MessageRecord record;
+        record.From = sender;
+        record.To = "to@example.com";
+        record.Subject = "Hello";
+        record.Body = ".plain";
+        return record;
+    }
+    /// The message, and behind it one that must not suffer.
+    void Queue(MessageRecord record) {
+        MessageRecord other = Plain("other" + std::to_string(++queued_) + "@example.com");
+        for (MessageRecord* each : {&record, &other})
+            ASSERT_TRUE(
+                TrySaveMessageRecord(wb, *each, "", OutboxFolder, false, 0, "Read", false).Ok());
+    }
+    void SendAll() {
+        Send();
+        for (const auto& message : server.Messages())
+            EXPECT_TRUE(arrived_.emplace(message.from, message).second) << message.from;
+        for (int i = 1; i <= queued_; ++i) {
+            const std::string sender = "other" + std::to_string(i) + "@example.com";
+            EXPECT_EQ(Expect(sender, "to@example.com ").body, ".plain\r\n");
+        }
+        for (const std::string& line : server.Lines())
+            EXPECT_FALSE(line.starts_with("503") || line == "DATA\r") << line;
+    }
+    /// A valid message from `sender` arrived, for exactly these recipients.
+    Arrived Expect(const std::string& sender, const std::string& recipients) {
+        const auto found = arrived_.find(sender);
+        EXPECT_EQ(found == arrived_.end(), recipients.empty()) << "from " << sender;
+        if (found == arrived_.end()) return {};
+        std::string all;
+        for (const std::string& recipient : found->second.to)
+            all += recipient + " ";
+        EXPECT_EQ(all, recipients);
+        Arrived arrived = TakeApart(found->second.data);
+        EXPECT_EQ(arrived.fault, "");
+        return arrived;
+    }
+
+private:
+    int queued_ = 0;
+    std::map<std::string, test::FakeSmtpServer::Message> arrived_;
+};
+
+std::string Sender(std::size_t field, std::size_t value) {
+    return "f" + std::to_string(field) + "v" + std::to_string(value) + "@example.com";
+}
+
+TEST(HostileMessage, TextInEveryField) {
+    for (const auto& form : Forms) {
+        HostileBench bench(form);
+        const auto forEach = [&](const auto& act) {
+            for (std::size_t f = 0; f < TextFields.size(); ++f)
+                for (std::size_t v = 0; v < HostileTexts.size(); ++v) {
+                    std::string text = HostileTexts[v].text;
+                    if (!TextFields[f].isLong)
+                        text.resize(std::min<std::size_t>(60000, text.size()));
+                    SCOPED_TRACE("form "s + std::to_string(form.size()) + ", " +
+                                 TextFields[f].name + ", " + HostileTexts[v].name);
+                    act(TextFields[f], text, Sender(f, v));
+                }
+        };
+        forEach([&](const Field& field, const std::string& text, const std::string& sender) {
+            MessageRecord record = bench.Plain(sender);
+            field.set(record, text);
+            bench.Queue(record);
+        });
+        bench.SendAll();
+        const std::string name = "Attach";
+        forEach([&](const Field& field, const std::string& text, const std::string& sender) {
+            const Arrived arrived =
+                bench.Expect(sender, field.name == name ? "" : "to@example.com ");
+            const bool sentAsItIs = std::string(field.name).starts_with("Body") ||
+                                    field.name == std::string("HTMLCode");
+            EXPECT_TRUE(!sentAsItIs || arrived.body == AsSent(text)) << arrived.body.substr(0, 99);
+        });
+        // What could not be sent stays, and the log says why.
+        const auto rows = bench.Rows("Outbox");
+        EXPECT_EQ(rows.size(), HostileTexts.size());
+        for (const MessageRecord& row : rows)
+            EXPECT_NE(
+                bench.ErrorLog().find("Error: The file \"" + row.Attach + "\" cannot be read"),
+                std::string::npos);
+    }
+}
+
+TEST(HostileMessage, TextInTheSettings) {
+    for (const Value& value : HostileTexts) {
+        SCOPED_TRACE(value.name);
+        HostileBench bench(Forms[1]);
+        bench.settings.optIdentityCustom.SetValue(true);
+        bench.settings.txtIdentityCustom.SetText(value.text);
+        bench.settings.chkAddHTMLHeader.SetChecked(true);
+        bench.settings.txtAddHTMLHeader.SetText(value.text);
+        MessageRecord record = bench.Plain("html@example.com");
+        record.ContentType = "html";
+        record.HTML = "code";
+        record.HTMLCode = "<p>";
+        bench.Queue(record);
+        bench.SendAll();
+        const Arrived arrived = bench.Expect("html@example.com", "to@example.com ");
+        EXPECT_TRUE(arrived.body ==
+                    AsSent("---\r\n.plain<br><br>\r\n\r\n<!-- " + value.text + " -->\r\n<p>"));
+        EXPECT_EQ(arrived.headers.count("X-Mailer"), 1u);
+    }
+}
+
+TEST(HostileMessage, NamesOfAttachedFiles) {
+    const std::vector<std::string> names = {"a\r\nBcc: evil@example.com",
+                                            "a\"; name=\"b",
+                                            "caf\xE9 \xC5\xBE",
+                                            "\xC5\xBE\r\n\r\n",
+                                            std::string(255, 'x'),
+                                            std::string(255, '\x80'),
+                                            "--abcdfwefjsdvsdfg--",
+                                            ";",
+                                            "\\"};
+    for (const auto& form : Forms) {
+        HostileBench bench(form);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            MessageRecord record = bench.Plain(Sender(i, 0));
+            record.Attach = bench.folder.Write(names[i], "content");
+            bench.Queue(record);
+        }
+        bench.SendAll();
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            SCOPED_TRACE(names[i]);
+            const Arrived arrived = bench.Expect(Sender(i, 0), "to@example.com ");
+            const std::size_t part = arrived.body.rfind("\r\n"s + Boundary + "\r\n");
+            ASSERT_NE(part, std::string::npos);
+            const Arrived file =
+                TakeApart(arrived.body.substr(part + 2 + std::string(Boundary).size() + 2));
+            EXPECT_EQ(file.fault, "");
+            EXPECT_EQ(file.headers.size(), 2u) << "type and encoding";
+            EXPECT_EQ(file.body, "Y29udGVudA==\r\n"s + Boundary + "--\r\n");
+        }
+    }
+}
+
+// --- addresses --------------------------------------------------------------------------------
+
+struct Addresses {
+    const char* name;
+    std::string list;
+    const char* reached;       ///< the recipients
+    const char* invalid = "";  ///< what the log calls an invalid address
+    const char* asTo = "=";    ///< `reached` for the field To, where a name with a comma is no list
+};
+
+const std::vector<Addresses> HostileLists = {
+    {"a header more", "a@example.com\r\nBcc: evil@example.com", "",
+     "a@example.comBcc: evil@example.com"},
+    {"a header more behind brackets", "<a@example.com>\r\nBcc: <evil@example.com>",
+     "a@example.com "},
+    {"a command more", "a@example.com>\r\nRCPT TO:<evil@example.com>", "", "evil@example.com"},
+    {"a parameter", "a@example.com> NOTIFY=NEVER", "", "a@example.com NOTIFY=NEVER"},
+    {"a parameter in a literal", "b@example.com,a@[x> NOTIFY=NEVER]", "b@example.com ",
+     "a@[x> NOTIFY=NEVER]"},
+    {"NUL", "a@exam\0ple.com"s, "a@example.com "},
+    {"open quote", "\"Ann <a@example.com>, b@example.com", "a@example.com b@example.com ", "",
+     "a@example.com "},
+    {"open bracket", "Ann <a@example.com, Ben <b@example.com>", "b@example.com ",
+     "Ann a@example.com"},
+    {"open comment", "(Ann <a@example.com>; b@example.com", "a@example.com b@example.com "},
+    {"comments", "a@example.com (one, (two)), (x) b@example.com", "a@example.com b@example.com "},
+    {"commas in a name", "\"Doe, J; K\" <a@example.com>", "a@example.com "},
+    {"long name", std::string(5000, 'x') + " <a@example.com>", "a@example.com "},
+    {"long name of blanks", "x" + std::string(5000, ' ') + "y <a@example.com>", "a@example.com "},
+    {"long comment", "a@example.com (" + std::string(5000, 'x') + ")", "a@example.com "},
+    {"name that is no UTF-8", "caf\xE9 \"\x80 <a@example.com>", "a@example.com "},
+    {"one line of lines", "\r\na@example.com\r\n", "a@example.com "},
+    {"twice the same", "a@example.com, A <a@example.com>; a@example.com", "a@example.com ", "",
+     "a@example.com "},
+    {"commas only", "a@example.com,,,;,,", "a@example.com "},
+};
+
+TEST(HostileMessage, AddressesInEveryField) {
+    using Member = std::string MessageRecord::*;
+    const std::vector<std::pair<const char*, Member>> fields = {
+        {"To", &MessageRecord::To}, {"CC", &MessageRecord::CC}, {"BCC", &MessageRecord::BCC}};
+    for (const auto& form : Forms) {
+        HostileBench bench(form);
+        for (std::size_t f = 0; f < fields.size(); ++f)
+            for (std::size_t v = 0; v < HostileLists.size(); ++v) {
+                MessageRecord record = bench.Plain(Sender(f, v));
+                record.*fields[f].second = HostileLists[v].list;
+                bench.Queue(record);
+            }
+        bench.SendAll();
+        const std::string log = bench.ErrorLog();
+        std::size_t failed = 0;
+        for (std::size_t f = 0; f < fields.size(); ++f)
+            for (std::size_t v = 0; v < HostileLists.size(); ++v) {
+                const Addresses& row = HostileLists[v];
+                SCOPED_TRACE("form "s + std::to_string(form.size()) + ", " + fields[f].first +
+                             ", " + row.name);
+                const std::string reached = f > 0 ? "to@example.com "s + row.reached
+                                                  : (row.asTo == "="s ? row.reached : row.asTo);
+                if (reached.empty()) ++failed;
+                const Arrived arrived = bench.Expect(Sender(f, v), reached);
+                EXPECT_FALSE(f == 2 && arrived.headers.contains("Cc"));
+                if (*row.invalid != '\0' && !reached.empty()) {
+                    EXPECT_NE(
+                        log.find("Error: "s + InvalidAddress + "\r\nTo: " + row.invalid + "\r"),
+                        std::string::npos);
+                }
+            }
+        for (const MessageRecord& row : bench.Rows("Outbox"))
+            EXPECT_NE(log.find("Error: "s + InvalidAddress + "\r\nTo: " + row.To + "\r\nSubj"),
+                      std::string::npos)
+                << row.To;
+        EXPECT_EQ(bench.Rows("Outbox").size(), failed);
+    }
+}
+
+TEST(HostileMessage, Senders) {
+    struct Row {
+        const char* name;
+        std::string from;
+        const char* sender;  ///< "" when the message cannot be sent
+        std::string error;
+    };
+    const std::string invalid = " cannot be used: "s + InvalidAddress;
+    const std::vector<Row> rows = {
+        {"a header more", "a@example.com\r\nBcc: evil@example.com", "",
+         "The sender's address a@example.comBcc: evil@example.com" + invalid},
+        {"a header more behind a name", "Ann <b@example.com>\r\nBcc: evil@example.com",
+         "b@example.com", ""},
+        {"a parameter", "c@example.com> BODY=8BITMIME", "",
+         "The sender's address c@example.com BODY=8BITMIME" + invalid},
+        {"nothing", "", "", "No sender's address is given."},
+        {"a long name", std::string(60000, 'x') + " <d@example.com>", "d@example.com", ""},
+        {"no UTF-8", "\xE9\"\x80 <e@example.com>", "e@example.com", ""},
+        {"outside ASCII", "\xC5\xBE@example.com", "",
+         "The sender's address \xC5\xBE@example.com cannot be used: The server does not take "
+         "addresses outside ASCII."},
+    };
+    for (const auto& form : Forms) {
+        HostileBench bench(form);
+        for (const Row& row : rows)
+            bench.Queue(bench.Plain(row.from));
+        bench.SendAll();
+        for (const Row& row : rows) {
+            SCOPED_TRACE(row.name);
+            if (*row.sender != '\0') bench.Expect(row.sender, "to@example.com ");
+            if (!row.error.empty()) {
+                EXPECT_NE(bench.ErrorLog().find("Error: " + row.error + "\r\nTo: to@"),
+                          std::string::npos);
+            }
+        }
+        EXPECT_EQ(bench.Rows("Outbox").size(), 4u);
+    }
+}
+
+TEST(HostileMessage, TenThousandHiddenRecipients) {
+    for (const auto& form : Forms) {
+        for (const std::size_t room : {100000u, 100u}) {
+            SCOPED_TRACE("form " + std::to_string(form.size()) + ", " + std::to_string(room));
+            HostileBench bench(form);
+            bench.server.answer = [&](const std::string& step, const auto& message) {
+                const bool full = step.starts_with("RCPT") && message.to.size() == room;
+                return std::string(full ? "452 4.5.3 Too many recipients" : "");
+            };
+            MessageRecord record = bench.Plain("many@example.com");
+            std::set<std::string> wanted = {record.To};
+            for (int i = 0; i < 10000; ++i) {
+                wanted.insert("r" + std::to_string(i) + "@example.com");
+                record.BCC +=
+                    "\"R, " + std::to_string(i) + "\" <r" + std::to_string(i) + "@example.com>, ";
+            }
+            SaveMessageRecord(bench.wb, record, "", OutboxFolder, false, 0, "Read", false);
+            bench.Send();
+            std::multiset<std::string> reached;
+            const auto messages = bench.server.Messages();
+            for (const auto& message : messages) {
+                reached.insert(message.to.begin(), message.to.end());
+                EXPECT_EQ(message.data, messages[0].data);
+            }
+            EXPECT_EQ(messages.size(), room == 100 ? 101u : 1u);
+            EXPECT_TRUE(std::equal(reached.begin(), reached.end(), wanted.begin(), wanted.end()));
+            EXPECT_EQ(TakeApart(messages[0].data).fault, "");
+            EXPECT_EQ(bench.Recipients("Outbox") + bench.ErrorLog(), "");
+        }
+    }
+}
+
+}  // namespace
+}  // namespace mailvane
