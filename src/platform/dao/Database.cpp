@@ -78,8 +78,8 @@ DaoResult<std::shared_ptr<Recordset>> OpenTable(const std::shared_ptr<Connection
         return SnapshotRecordset::Open(connection, source, "SELECT *" + from, {});
     std::string keys = "SELECT " + table->keySql + from + " ORDER BY " + table->keySql;
     std::vector<std::string> columns = FieldNames(table->definition);
-    return KeysetRecordset::Open(
-        connection, source, {std::move(table), std::move(columns), std::move(keys), std::string()});
+    return KeysetRecordset::Open(connection, source,
+                                 {std::move(table), std::move(columns), std::move(keys), {}});
 }
 
 DaoResult<std::shared_ptr<Recordset>> OpenQuery(const std::shared_ptr<Connection>& connection,
@@ -93,8 +93,7 @@ DaoResult<std::shared_ptr<Recordset>> OpenQuery(const std::shared_ptr<Connection
         if (*table != nullptr && !(*table)->keySql.empty())
             return KeysetRecordset::Open(
                 connection, source,
-                {*table, std::move(plan->columns), WithKey(plan->keyQuery, (*table)->keySql),
-                 std::string()});
+                {*table, std::move(plan->columns), WithKey(plan->keyQuery, (*table)->keySql), {}});
     }
     return SnapshotRecordset::Open(connection, source, plan->query, {});
 }
@@ -190,6 +189,10 @@ DaoResult<std::shared_ptr<Recordset>> Database::OpenRecordset(const std::string&
     if (type == RecordsetType::Table || !IsSelect(source))
         return MakeDaoError(dao_error::TableNotFound, source);
     return OpenQuery(connection_, source);
+}
+
+DaoError Database::OneRead(const std::function<DaoError()>& work) {
+    return connection_->InOneRead(work);
 }
 
 DaoError Database::Transaction(const std::function<DaoError()>& work, bool durable) {

@@ -56,6 +56,9 @@ public:
     /// Runs `work` in one transaction; a failure that `work` returns undoes it all. With
     /// `durable`, the commit is on the disk when the call returns, even if power fails then.
     DaoError Transaction(const std::function<DaoError()>& work, bool durable = false);
+    /// Runs many small reads on one state of the file, with the cost of one lock. Others may write
+    /// meanwhile; `work` does not see it, and should not either.
+    DaoError OneRead(const std::function<DaoError()>& work);
 
 private:
     friend class Workspace;

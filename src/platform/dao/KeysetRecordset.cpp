@@ -54,9 +54,7 @@ DaoResult<std::shared_ptr<Recordset>> KeysetRecordset::Open(std::shared_ptr<Conn
 DaoResult<std::shared_ptr<Recordset>> KeysetRecordset::OpenFiltered() {
     if (DaoError closed = CheckOpen(); closed.Failed()) return closed;
     KeysetSource filtered = source_;
-    if (!filter_.empty())
-        filtered.filter =
-            source_.filter.empty() ? filter_ : "(" + source_.filter + ") AND (" + filter_ + ")";
+    filtered.filters = WithFilter(source_.filters);
     return Open(connection_, name_, std::move(filtered));
 }
 
@@ -68,8 +66,8 @@ DaoError KeysetRecordset::LoadKeys(Keyset& keys) {
 
 DaoError KeysetRecordset::LoadKeysOfOneState(Keyset& keys) {
     std::optional<std::vector<std::int64_t>> wanted;
-    if (!source_.filter.empty()) {
-        const DaoResult<std::string> expression = Translate(source_.filter);
+    if (!source_.filters.empty()) {
+        const DaoResult<std::string> expression = TranslateAll(source_.filters);
         if (expression.Failed()) return expression.Error();
         DaoResult<std::vector<std::int64_t>> matching = MatchingKeys(*expression);
         if (matching.Failed()) return matching.Error();

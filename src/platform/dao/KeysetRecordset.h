@@ -14,8 +14,8 @@ namespace mailvane {
 struct KeysetSource {
     std::shared_ptr<const TableInfo> table;  ///< with row keys
     std::vector<std::string> columns;
-    std::string keyQuery;  ///< gives the keys in order
-    std::string filter;    ///< a condition of the dialect that they must meet too, or ""
+    std::string keyQuery;              ///< gives the keys in order
+    std::vector<std::string> filters;  ///< conditions of the dialect that they must meet too
 };
 
 /// Rows of one table by their keys; can be changed.

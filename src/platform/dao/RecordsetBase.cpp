@@ -216,6 +216,23 @@ DaoError RecordsetBase::FindNext(const std::string& condition) {
     return GoToMatch(NextMatch(place_ == Place::Before ? 0 : slot_ + 1));
 }
 
+/// They are joined when each has been read by itself, so that none can change what another means.
+DaoResult<std::string> RecordsetBase::TranslateAll(
+    const std::vector<std::string>& conditions) const {
+    std::string all;
+    for (const std::string& condition : conditions) {
+        const DaoResult<std::string> expression = Translate(condition);
+        if (expression.Failed()) return expression.Error();
+        all += (all.empty() ? "(" : " AND (") + *expression + ")";
+    }
+    return all;
+}
+
+std::vector<std::string> RecordsetBase::WithFilter(std::vector<std::string> conditions) const {
+    if (!filter_.empty()) conditions.push_back(filter_);
+    return conditions;
+}
+
 DaoError RecordsetBase::StartSearch(const std::string& condition) {
     search_ = Search();
     DaoResult<std::string> expression = Translate(condition);

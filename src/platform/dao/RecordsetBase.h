@@ -59,6 +59,10 @@ protected:
     virtual DaoResult<std::optional<Row>> ReadRow(std::int64_t key) const = 0;
     /// A condition of the dialect as SQLite's.
     virtual DaoResult<std::string> Translate(const std::string& condition) const = 0;
+    /// Several conditions as one that is true where all of them are.
+    DaoResult<std::string> TranslateAll(const std::vector<std::string>& conditions) const;
+    /// The conditions, and the filter that was set if there is one.
+    std::vector<std::string> WithFilter(std::vector<std::string> conditions) const;
     /// Slots of the rows for which the translated condition is true, ascending.
     virtual DaoResult<std::vector<std::size_t>> MatchingSlots(const std::string& expression) = 0;
     virtual DaoResult<bool> Matches(const std::string& expression, std::int64_t key) = 0;

@@ -42,25 +42,24 @@ DaoError RefuseChange() {
 }  // namespace
 
 SnapshotRecordset::SnapshotRecordset(std::shared_ptr<Connection> connection,
-                                     const std::string& name, std::string query, std::string filter)
+                                     const std::string& name, std::string query,
+                                     std::vector<std::string> filters)
     : RecordsetBase(std::move(connection), name),
       query_(std::move(query)),
-      kept_(std::move(filter)) {}
+      kept_(std::move(filters)) {}
 
 DaoResult<std::shared_ptr<Recordset>> SnapshotRecordset::Open(
     std::shared_ptr<Connection> connection, const std::string& name, const std::string& query,
-    const std::string& filter) {
+    std::vector<std::string> filters) {
     std::shared_ptr<SnapshotRecordset> recordset(
-        new SnapshotRecordset(std::move(connection), name, query, filter));
+        new SnapshotRecordset(std::move(connection), name, query, std::move(filters)));
     if (DaoError failed = recordset->Requery(); failed.Failed()) return failed;
     return std::shared_ptr<Recordset>(std::move(recordset));
 }
 
 DaoResult<std::shared_ptr<Recordset>> SnapshotRecordset::OpenFiltered() {
     if (DaoError closed = CheckOpen(); closed.Failed()) return closed;
-    std::string both = filter_.empty() ? kept_ : filter_;
-    if (!kept_.empty() && !filter_.empty()) both = "(" + kept_ + ") AND (" + filter_ + ")";
-    return Open(connection_, name_, query_, both);
+    return Open(connection_, name_, query_, WithFilter(kept_));
 }
 
 DaoError SnapshotRecordset::LoadRows() {
@@ -83,7 +82,7 @@ DaoError SnapshotRecordset::LoadKeys(Keyset& keys) {
     for (std::size_t i = 0; i < rows_.size(); ++i)
         keys.Append(static_cast<std::int64_t>(i));
     if (kept_.empty()) return {};
-    const DaoResult<std::string> expression = Translate(kept_);
+    const DaoResult<std::string> expression = TranslateAll(kept_);
     if (expression.Failed()) return expression.Error();
     const DaoResult<std::vector<std::size_t>> matching = MatchingRows(*expression);
     if (matching.Failed()) return matching.Error();

@@ -16,7 +16,7 @@ public:
     static DaoResult<std::shared_ptr<Recordset>> Open(std::shared_ptr<Connection> connection,
                                                       const std::string& name,
                                                       const std::string& query,
-                                                      const std::string& filter);
+                                                      std::vector<std::string> filters);
 
     DaoError AddNew() override;
     DaoError Edit() override;
@@ -39,7 +39,7 @@ protected:
 
 private:
     SnapshotRecordset(std::shared_ptr<Connection> connection, const std::string& name,
-                      std::string query, std::string filter);
+                      std::string query, std::vector<std::string> filters);
     DaoError LoadRows();
     DaoResult<Statement> PrepareTest(const std::string& expression);
     /// Places in `rows_` for which the condition is true.
@@ -47,7 +47,7 @@ private:
     DaoResult<bool> Test(Statement& test, const Row& row);
 
     std::string query_;
-    std::string kept_;  ///< the condition of the dialect that its rows meet, or ""
+    std::vector<std::string> kept_;  ///< conditions of the dialect that its rows meet
     std::vector<Row> rows_;
 };
 

@@ -150,13 +150,17 @@ const ScriptCommands::Row* ScriptCommands::FindRow(const std::string& name) {
 }
 
 std::optional<std::string> WhatIsWrong(const ScriptWords& words) {
-    const ScriptCommands::Row* row = ScriptCommands::FindRow(words.front());
-    if (!row) return "unknown command " + Quoted(words.front());
-    if (words.size() < row->least) return Quoted(words.front()) + " needs more words";
-    if (words.size() > row->most) return Quoted(words.front()) + " takes fewer words";
-    if (words.front() != "when") return std::nullopt;
-    if (words[2] != "contains") return "\"when\" needs \"contains\" behind the control";
-    return WhatIsWrong({words.begin() + 4, words.end()});
+    // The command behind "when" is looked at in its place: the chain of them has no limit.
+    for (std::size_t at = 0;; at += 4) {
+        const std::string& name = words[at];
+        const ScriptCommands::Row* row = ScriptCommands::FindRow(name);
+        const std::size_t count = words.size() - at;
+        if (!row) return "unknown command " + Quoted(name);
+        if (count < row->least) return Quoted(name) + " needs more words";
+        if (count > row->most) return Quoted(name) + " takes fewer words";
+        if (name != "when") return std::nullopt;
+        if (words[at + 2] != "contains") return "\"when\" needs \"contains\" behind the control";
+    }
 }
 
 ScriptCommands::ScriptCommands(WindowSystem& windows, FormRegistry& forms, PromptScript& prompts,

@@ -182,8 +182,10 @@ DateTime DateTime::FromSerial(double days) {
     // Before day zero the fraction still counts forward from the start of its day.
     const double wholeDays = std::trunc(days);
     const double timeOfDay = std::fabs(days - wholeDays);
-    return DateTime(static_cast<std::int64_t>(wholeDays) * SecondsPerDay +
-                    std::llround(timeOfDay * SecondsPerDay));
+    const std::int64_t seconds = static_cast<std::int64_t>(wholeDays) * SecondsPerDay +
+                                 std::llround(timeOfDay * SecondsPerDay);
+    // The last moment of the last day rounds up to a day that there is not.
+    return DayOf(seconds) < static_cast<std::int64_t>(EndSerial) ? DateTime(seconds) : DateTime();
 }
 
 std::optional<DateTime> DateTime::Parse(std::string_view text) {
