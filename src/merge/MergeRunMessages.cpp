@@ -58,7 +58,7 @@ DaoError MergeRun::MakeGroup(MergeGenerator& generator) {
     const std::int64_t before = done_;
     const DaoResult<Bookmark> position = recipients_->GetBookmark();
     DaoError failed;
-    const DaoError stored = store->Transaction([&]() -> DaoError {
+    const auto makeMessages = [&]() -> DaoError {
         do {
             failed = generator.GenerateMergeMessage();
             if (IsStorageFailure(failed)) return failed;
@@ -68,7 +68,8 @@ DaoError MergeRun::MakeGroup(MergeGenerator& generator) {
         } while (failed.Ok() && done_ < total_ && !wb_.state.CancelRequested &&
                  !wb_.platform.windows.YieldIsDue());
         return {};
-    });
+    };
+    const DaoError stored = store->Transaction([&] { return database_->OneRead(makeMessages); });
     if (stored.Ok()) return failed;
     done_ = before;
     if (position.Ok()) recipients_->SetBookmark(*position).Ignore();

@@ -86,7 +86,7 @@ void SendRun::SendAll() {
 /// False when the run was cancelled or had to stop; it has been closed then.
 bool SendRun::WalkOutbox() {
     outgoing_.FirstMessage = true;
-    if (storeFailure_.Ok()) storeFailure_ = StampDate();
+    if (storeFailure_.Ok()) storeFailure_ = TakeUp();
     for (handled_ = 0; handled_ < count_;) {
         if (storeFailure_.Ok() && !Interrupted())
             SendCurrentMessage(static_cast<std::size_t>(handled_));
@@ -104,28 +104,28 @@ bool SendRun::WalkOutbox() {
     }
     return true;
 }
-/// Sends the message of the current row, which has the time of this attempt already, and steps on.
+/// Sends the message that was taken up, and takes up the next one.
 void SendRun::SendCurrentMessage(std::size_t row) {
-    const DaoResult<DaoValue> idValue = outbox_->Get("ID");
-    const auto id = static_cast<std::int32_t>(idValue.Ok() ? idValue->NumberOr(0) : 0);
+    const auto nothing = [] { return DaoError(); };
+    const std::int32_t id = nextId_;
     if (acceptedBefore_.contains(id)) {
         sent_.push_back(id);
         status_->SetMessageStatus(row, Success);
-        return StepOn([] { return DaoError(); }, false);
+        return StepOn(nothing, false);
+    }
+    if (next_.Failed()) {
+        NoteError(next_.Error());
+        status_->SetMessageStatus(row, Failure);
+        return StepOn(nothing, false);
     }
     status_->SetMessageStatus(row, Connected);
-    DaoResult<MessageRecord> record = ReadMessageRow(*outbox_);
-    if (record.Failed()) {
-        NoteError(record.Error());
-        status_->SetMessageStatus(row, Failure);
-        return StepOn([] { return DaoError(); }, false);
-    }
-    current_ = {record->From, record->To, record->Subject};
+    MessageRecord record = std::move(*next_);
+    current_ = {record.From, record.To, record.Subject};
     NoteActivity();
     // Giving up the message before has taken the server's name away.
     smtp_.MailServer = settings_.txtSMTPServer.Text();
     sending_ = true;
-    const std::string error = outgoing_.BuildOutgoingMessage(*record);
+    const std::string error = outgoing_.BuildOutgoingMessage(record);
     sending_ = false;
     RecordSendResult(id, error, row);
 }
@@ -145,9 +145,9 @@ void SendRun::RecordSendResult(std::int32_t id, const std::string& error, std::s
     status_->SetMessageStatus(row, Failure);
 }
 
-/// Notes what became of the current row, goes to the next and stamps it, in one commit. With
-/// `durable` that is on the disk before the next message starts, and a result that cannot be noted
-/// ends the run.
+/// Notes what became of the current row and takes up the next one, in one commit. With `durable`
+/// that is on the disk before the next message starts, and a result that cannot be noted ends the
+/// run.
 void SendRun::StepOn(const std::function<DaoError()>& noteResult, bool durable) {
     storeFailure_ = database_->Transaction(
         [&]() -> DaoError {
@@ -155,19 +155,23 @@ void SendRun::StepOn(const std::function<DaoError()>& noteResult, bool durable) 
             if (failed.Failed() && (durable || IsStorageFailure(failed))) return failed;
             NoteError(failed);
             NoteError(outbox_->MoveNext());
-            return StampDate();
+            return TakeUp();
         },
         durable);
 }
 
-/// The date of a message is the time of the attempt to send it. A row that cannot be stamped is
-/// sent all the same; a store that cannot be written is not.
-DaoError SendRun::StampDate() {
+/// Reads the row that the run stands on, and stamps it: the date of a message is the time of the
+/// attempt to send it. A row that cannot be stamped is sent all the same; while the store cannot be
+/// written none is.
+DaoError SendRun::TakeUp() {
     if (outbox_->EndOfFile()) return {};
-    DaoError outcome = outbox_->Edit();
-    if (outcome.Ok()) outcome = outbox_->Set("Date", wb_.platform.clock.Now().Stamp());
-    if (outcome.Ok()) outcome = outbox_->Update();
-    return IsStorageFailure(outcome) ? outcome : DaoError();
+    next_ = ReadMessageRow(*outbox_);
+    const DaoResult<DaoValue> id = outbox_->Get("ID");
+    nextId_ = static_cast<std::int32_t>(id.Ok() ? id->NumberOr(0) : 0);
+    DaoError stamped = outbox_->Edit();
+    if (stamped.Ok()) stamped = outbox_->Set("Date", wb_.platform.clock.Now().Stamp());
+    if (stamped.Ok()) stamped = outbox_->Update();
+    return IsStorageFailure(stamped) ? stamped : DaoError();
 }
 
 void SendRun::NoteRefusedRecipients() {

@@ -56,7 +56,7 @@ private:
     void NoteRefusedRecipients();
     DaoError MarkFailed();
     void StepOn(const std::function<DaoError()>& noteResult, bool durable);
-    DaoError StampDate();
+    DaoError TakeUp();
 
     // The end.
     bool CheckCancel();
@@ -100,11 +100,13 @@ private:
     std::shared_ptr<Database> database_;
     std::shared_ptr<Recordset> outbox_;
     std::shared_ptr<Recordset> ledger_;
-    DaoError storeFailure_;     ///< the store takes nothing any more
-    std::int64_t count_ = 0;    ///< rows of the Outbox when the run began
-    std::int64_t handled_ = 0;  ///< the progress counter
-    bool sending_ = false;      ///< a message is with the transfer component
-    Addressed current_;         ///< the message of the moment
+    DaoError storeFailure_;                            ///< the store takes nothing any more
+    std::int64_t count_ = 0;                           ///< rows of the Outbox when the run began
+    std::int64_t handled_ = 0;                         ///< the progress counter
+    bool sending_ = false;                             ///< a message is with the transfer component
+    Addressed current_;                                ///< the message of the moment
+    std::int32_t nextId_ = 0;                          ///< of the row that the run stands on
+    DaoResult<MessageRecord> next_ = MessageRecord();  ///< and what is in it
     std::vector<std::int32_t> sent_;
     std::set<std::int32_t> acceptedBefore_;  ///< an earlier run could not take these out
     std::int64_t doubtful_ = 0;              ///< messages whose answer was lost

@@ -38,7 +38,7 @@ private:
         const DaoError outcome = store_.Transaction([&]() -> DaoError {
             for (const std::int32_t id : ids)
                 if (DaoError failed = FinishOne(id); failed.Failed()) return failed;
-            return {};
+            return SentLedger::RemoveGone(store_);
         });
         // After a failure it lists copies that have been undone.
         if (outcome.Failed()) wb_.state.CurrentFolderRecordset = nullptr;
@@ -52,7 +52,7 @@ private:
         if (outbox_)
             if (DaoError failed = Copy(condition); failed.Failed()) return failed;
         const auto deleted = store_.Execute("DELETE FROM [Outbox] WHERE " + condition);
-        return deleted.Failed() ? deleted.Error() : SentLedger::Remove(store_, id);
+        return deleted.Failed() ? deleted.Error() : DaoError();
     }
 
     DaoError Copy(const std::string& condition) {

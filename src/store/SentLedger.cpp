@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "store/MessageStore.h"
+
 namespace mailvane {
 
 namespace {
@@ -14,7 +16,7 @@ DaoError MakeLedger(Database& store) {
     Field& id = table.fields.emplace_back();
     id.name = "ID";
     id.type = FieldType::Long;
-    table.indexes = {{.name = "PrimaryKey", .fields = {"ID"}, .primary = true}};
+    // No index: each entry is to cost one page of the log that is flushed for it.
     return store.AppendTable(table);
 }
 
@@ -45,10 +47,10 @@ DaoResult<std::vector<std::int32_t>> SentLedger::Entries(Database& store) {
     return ids;
 }
 
-DaoError SentLedger::Remove(Database& store, std::int32_t outboxId) {
+DaoError SentLedger::RemoveGone(Database& store) {
     if (!store.TableExists(LedgerTable)) return {};
     const auto deleted = store.Execute("DELETE FROM [" + std::string(LedgerTable) +
-                                       "] WHERE ID = " + std::to_string(outboxId));
+                                       "] WHERE ID NOT IN (SELECT ID FROM [" + OutboxFolder + "])");
     return deleted.Failed() ? deleted.Error() : DaoError();
 }
 

@@ -17,7 +17,8 @@ DaoResult<std::shared_ptr<Recordset>> Open(Database& store);
 /// The caller's transaction puts it on the disk.
 DaoError Record(Recordset& ledger, std::int32_t outboxId);
 DaoResult<std::vector<std::int32_t>> Entries(Database& store);  ///< empty when there never were any
-DaoError Remove(Database& store, std::int32_t outboxId);
+/// Forgets the messages that have left the Outbox.
+DaoError RemoveGone(Database& store);
 }  // namespace SentLedger
 
 }  // namespace mailvane

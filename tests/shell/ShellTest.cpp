@@ -11,6 +11,8 @@
 #include "database/DatabaseService.h"
 #include "platform/os/Files.h"
 #include "send/SendService.h"
+#include "store/MergeMark.h"
+#include "store/MessageStore.h"
 #include "support/TestBench.h"
 
 namespace mailvane {
@@ -19,9 +21,9 @@ namespace {
 /// The program as main makes it, without a screen.
 class Shell : public testing::Test, protected test::HeadlessBench {
 protected:
-    frmMain& Start(const std::string& commandLine = {}) {
+    frmMain& Start(const std::string& commandLine = {}, bool dialogs = true) {
         auto& form = wb.forms.Load<frmMain>();
-        form.Start({commandLine});
+        form.Start({commandLine, dialogs});
         return form;
     }
     std::string Path(const std::string& name) const { return folder.Path() + "/" + name; }
@@ -67,6 +69,34 @@ TEST_F(Shell, StartMakesTheProgramFolderAndTheHiddenForms) {
         ASSERT_TRUE(wb.forms.IsFormLoaded(form)) << form;
         EXPECT_FALSE(wb.forms.FindByName(form)->Visible()) << form;
     }
+}
+
+TEST_F(Shell, InterruptedMergeIsToldUntilAPersonHasSeenIt) {
+    ASSERT_TRUE(MakeFolders(platform.programFolder));
+    EnsureMessageStore(wb);
+    ASSERT_TRUE(OpenMessageStore(wb).Ok());
+    UnfinishedMerge run;
+    run.table = "People";
+    run.total = 200;
+    run.firstRow = 11;
+    run.started = clock.Now();
+    ASSERT_TRUE(MergeMark::Set(*wb.state.MessageStore, run).Ok());
+    MessageRecord record;
+    SaveMessageRecord(wb, record, "", OutboxFolder, false, 0, "", false);
+    CloseMessageStore(wb);
+
+    frmMain& form = Start({}, false);
+    EXPECT_EQ(form.Panel(),
+              "The last merge run was interrupted: 1 of 200 messages are in the Outbox.");
+    for (const bool told : {true, false}) {
+        form.ExitApplication();
+        windows.prompts.UseDefaults();
+        frmMain& next = wb.forms.Load<frmMain>();
+        next.Start({});
+        ASSERT_EQ(windows.prompts.Shown().size(), 1u) << "the first time only";
+        EXPECT_EQ(next.Panel().empty(), !told);
+    }
+    EXPECT_NE(windows.prompts.Shown()[0].text.find("\"Start from row #\" 12"), std::string::npos);
 }
 
 TEST_F(Shell, NewSaveOpenRoundTrip) {

@@ -267,20 +267,23 @@ TEST(SaveMessageRecord, UserFolderKeepsTheDateAsGeneralDateText) {
     EXPECT_TRUE(bench.Rows("Mine").empty()) << "undo reads the text as a date";
 }
 
-TEST(SentLedger, KeepsIdsOutOfTheFolderListUntilTheyAreRemoved) {
+TEST(SentLedger, KeepsIdsOutOfTheFolderListUntilTheirMessagesHaveGone) {
     StoreBench bench;
     Database& store = *bench.wb.state.MessageStore;
     EXPECT_TRUE(SentLedger::Entries(store)->empty());
-    EXPECT_TRUE(SentLedger::Remove(store, 7).Ok());
+    EXPECT_TRUE(SentLedger::RemoveGone(store).Ok());
+    MessageRecord record;
+    for (int i = 0; i < 3; ++i)
+        SaveMessageRecord(bench.wb, record, "", OutboxFolder, false, 0, "", false);
     const auto ledger = SentLedger::Open(store);
     ASSERT_TRUE(ledger.Ok());
-    for (const std::int32_t id : {7, 3, 9})
+    for (const std::int32_t id : {3, 9, 1})
         ASSERT_TRUE(SentLedger::Record(**ledger, id).Ok());
-    ASSERT_TRUE(SentLedger::Remove(store, 7).Ok());
+    ASSERT_TRUE(store.Execute("DELETE FROM Outbox WHERE ID = 1").Ok());
+    ASSERT_TRUE(SentLedger::RemoveGone(store).Ok());
     CloseMessageStore(bench.wb);
     ASSERT_TRUE(OpenMessageStore(bench.wb).Ok());
-    EXPECT_EQ(*SentLedger::Entries(*bench.wb.state.MessageStore),
-              (std::vector<std::int32_t>{3, 9}));
+    EXPECT_EQ(*SentLedger::Entries(*bench.wb.state.MessageStore), (std::vector<std::int32_t>{3}));
     EXPECT_EQ(bench.wb.state.MessageStore->UserTableNames()->size(), 6u);
 }
 

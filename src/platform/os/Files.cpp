@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -71,12 +73,31 @@ std::string FolderOf(const std::string& path) {
     return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
+constexpr std::string_view TemporaryStem = ".mailvane-";  // then the process, "-" and a number
+constexpr std::string_view TemporaryEnd = ".tmp";
+
+/// True for a temporary file whose process was killed before it could rename or remove it.
+bool IsAbandoned(const std::string& name) {
+    if (!name.starts_with(TemporaryStem) || !name.ends_with(TemporaryEnd)) return false;
+    const int process = std::atoi(name.c_str() + TemporaryStem.size());
+    return process > 0 && ::kill(process, 0) != 0 && errno == ESRCH;
+}
+
+/// A folder that cannot be listed keeps them.
+void RemoveAbandonedFiles(const std::string& folder) {
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error))
+        if (IsAbandoned(entry->path().filename().string())) ::unlink(entry->path().c_str());
+}
+
 /// A new file of a name that nobody has, in the folder; `name` receives it.
 int MakeTemporaryFile(const std::string& folder, std::string& name) {
-    const std::string stem = folder + "/.mailvane-" + std::to_string(::getpid()) + "-";
+    const std::string stem =
+        folder + "/" + std::string(TemporaryStem) + std::to_string(::getpid()) + "-";
     constexpr int MostNames = 10000;
     for (int i = 0; i < MostNames; ++i) {
-        name = stem + std::to_string(i) + ".tmp";
+        name = stem + std::to_string(i) + std::string(TemporaryEnd);
         const int file = OpenFile(name, O_WRONLY | O_CREAT | O_EXCL, 0666);
         if (file >= 0 || errno != EEXIST) return file;
     }
@@ -111,6 +132,7 @@ bool Replace(const std::string& target, std::string_view content) {
         return false;
     }
     const std::string folder = FolderOf(target);
+    RemoveAbandonedFiles(folder);
     std::string temporary;
     FileHandle file(MakeTemporaryFile(folder, temporary));
     if (!file.IsOpen()) return false;
