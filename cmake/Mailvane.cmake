@@ -6,7 +6,8 @@ target_compile_options(mailvane_options INTERFACE
     -Wcast-align -Wunused -Wnull-dereference -Wimplicit-fallthrough -Wextra-semi
     -Wno-missing-field-initializers)  # named initializers leave the rest at its defaults
 # g++ 12 sees overlapping copies in optimised string concatenation where there are none (PR 105651).
-target_compile_options(mailvane_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:-Wno-restrict>)
+target_compile_options(mailvane_options INTERFACE
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-restrict>)
 if(MAILVANE_WERROR)
     target_compile_options(mailvane_options INTERFACE -Werror)
 endif()
@@ -14,6 +15,12 @@ if(MAILVANE_SANITIZE)
     target_compile_options(mailvane_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(mailvane_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(MAILVANE_FUZZ)
+    target_compile_options(mailvane_options INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(mailvane_options INTERFACE -fsanitize=address,undefined)
+    add_custom_target(fuzz_targets)
 endif()
 
 # mailvane_library(NAME FOLDER DEPENDENCIES...): every .cpp directly in FOLDER makes one static
@@ -41,4 +48,22 @@ function(mailvane_test name folder)
     target_compile_definitions(${name} PRIVATE MAILVANE_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
     target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest_main GTest::gmock)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()
+
+# mailvane_fuzz(NAME SOURCE DEPENDENCIES...): a fuzz target of tests/fuzz. With MAILVANE_FUZZ it is a
+# libFuzzer program, fuzz_NAME; otherwise a replay of its corpus in the suite.
+function(mailvane_fuzz name source)
+    if(MAILVANE_FUZZ)
+        set(target fuzz_${name})
+        add_executable(${target} fuzz/${source})
+        target_link_options(${target} PRIVATE -fsanitize=fuzzer)
+        add_dependencies(fuzz_targets ${target})
+    else()
+        set(target fuzz_${name}_replay)
+        add_executable(${target} fuzz/${source} fuzz/Replay.cpp)
+        add_test(NAME fuzz_${name} COMMAND ${target} ${CMAKE_CURRENT_SOURCE_DIR}/fuzz/corpus/${name})
+        set_tests_properties(fuzz_${name} PROPERTIES TIMEOUT 300)
+    endif()
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${target} PRIVATE ${ARGN})
 endfunction()

@@ -1,14 +1,12 @@
 #!/usr/bin/python3
 """Starts the program on bad input: each answer is one clear line and an exit status."""
 
-import pathlib
 import random
 import subprocess
-import sys
-import tempfile
 import unittest
 
-PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+import program
+from program import ProgramTest
 
 MADE_PROJECT = """
 file p.poc
@@ -19,21 +17,13 @@ command Save
 """
 
 
-class BadInput(unittest.TestCase):
+class BadInput(ProgramTest):
     def setUp(self):
-        scratch = tempfile.TemporaryDirectory()
-        self.addCleanup(scratch.cleanup)
-        self.folder = pathlib.Path(scratch.name)
-
-    def play(self, script, *arguments):
-        (self.folder / "t.script").write_text(script, encoding="utf-8")
-        command = [PROGRAM, "--headless", "--home", ".", "--script", "t.script", *arguments]
-        return subprocess.run(
-            command, cwd=self.folder, capture_output=True, text=True, timeout=120, check=False
-        )
+        super().setUp()
+        self.folder = self.home.folder
 
     def check(self, script, status, error="", *arguments):
-        done = self.play(script, *arguments)
+        done = self.home.play(script, *arguments)
         self.assertEqual(done.returncode, status, done.stderr)
         self.assertIn(error, done.stderr)
         if status:
@@ -56,7 +46,7 @@ class BadInput(unittest.TestCase):
                 self.check(script, status, error)
         with self.subTest("missing script"):
             done = subprocess.run(
-                [PROGRAM, "--headless", "--home", ".", "--script", "none"],
+                [self.program, "--headless", "--home", ".", "--script", "none"],
                 cwd=self.folder, capture_output=True, text=True, timeout=60, check=False,
             )
             self.assertEqual(done.returncode, 2)
@@ -123,4 +113,5 @@ class BadInput(unittest.TestCase):
 
 
 if __name__ == "__main__":
+    BadInput.program = program.program_from_arguments()
     unittest.main()

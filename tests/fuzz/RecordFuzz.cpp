@@ -1,0 +1,91 @@
+// Record files: any bytes read as fields of any kind. Short ones give empty fields, never a fault;
+// a record that was read whole comes back from the file that it is written to.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "core/RecordFile.h"
+#include "fuzz/Require.h"
+
+namespace mailvane::fuzz {
+namespace {
+
+using Value = std::variant<std::int32_t, std::int16_t, bool, std::string, DateTime>;
+
+Value ReadField(char kind, RecordReader& reader) {
+    switch (kind) {
+        case 'L':
+            return reader.Long();
+        case 'I':
+            return reader.Integer();
+        case 'F':
+            return reader.Flag();
+        case 'D':
+            return reader.Date();
+        default:
+            return reader.Text();
+    }
+}
+
+struct FieldWriter {
+    void operator()(std::int32_t value) { writer.Long(value); }
+    void operator()(std::int16_t value) { writer.Integer(value); }
+    void operator()(bool value) { writer.Flag(value); }
+    void operator()(const std::string& value) { writer.Text(value); }
+    void operator()(DateTime value) { writer.Date(value); }
+    RecordWriter& writer;
+};
+
+std::vector<Value> ReadRecord(std::string_view kinds, RecordReader& reader) {
+    std::vector<Value> fields;
+    for (const char kind : kinds)
+        fields.push_back(ReadField(kind, reader));
+    return fields;
+}
+
+std::string Written(const std::vector<Value>& fields) {
+    RecordWriter writer;
+    for (const Value& field : fields)
+        std::visit(FieldWriter{writer}, field);
+    return writer.Bytes();
+}
+
+bool IsEmpty(const Value& field) {
+    return std::visit([](const auto& value) { return value == std::decay_t<decltype(value)>{}; },
+                      field);
+}
+
+void TryRecord(std::string_view kinds, const std::string& bytes) {
+    RecordReader reader(bytes);
+    const std::vector<Value> fields = ReadRecord(kinds, reader);
+    if (!reader.Complete()) {
+        Require(IsEmpty(reader.Text()) && IsEmpty(reader.Long()) && IsEmpty(reader.Date()),
+                "behind the end there is nothing");
+    }
+    const std::string written = Written(fields);
+    Require(!reader.Complete() || written.size() <= bytes.size(), "a record takes no more room");
+    RecordReader again(written);
+    Require(ReadRecord(kinds, again) == fields, "what was written is read back");
+    Require(again.Complete(), "what was written is complete");
+    Require(Written(fields) == written, "the same record gives the same bytes");
+    for (const Value& field : fields) {
+        if (const auto* date = std::get_if<DateTime>(&field))
+            Require(DateTime::Parse(date->GeneralDate()).has_value(), "a date reads as one");
+    }
+}
+
+}  // namespace
+}  // namespace mailvane::fuzz
+
+/// A line of the fields' kinds (L, I, F, D, and T or anything else for a text), then the record.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::size_t kinds = input.find('\n');
+    if (kinds == std::string::npos) return 0;
+    mailvane::fuzz::TryRecord(std::string_view(input).substr(0, kinds), input.substr(kinds + 1));
+    return 0;
+}

@@ -1,0 +1,1 @@
+SELECT Min([First Name]), Max(Born), Avg(Score), Sum(Active), Count([E-mail]) FROM Clients

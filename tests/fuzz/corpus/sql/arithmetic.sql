@@ -1,0 +1,1 @@
+SELECT -Score * 2 + 1 / (ID - 3) AS [x y], 1e3, .5, 2.e-1 FROM Clients

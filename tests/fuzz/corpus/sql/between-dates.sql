@@ -1,0 +1,1 @@
+Born BETWEEN #1/1/2003# AND #2003-12-31 23:59:59# OR Born = #4:05 PM#

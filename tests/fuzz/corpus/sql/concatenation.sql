@@ -1,0 +1,1 @@
+SELECT 'a' & ID & Born & Active & Null, 'x' + [First Name] FROM Clients

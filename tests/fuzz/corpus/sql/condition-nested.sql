@@ -1,0 +1,1 @@
+NOT ((Score > 1 AND (ID = 2 OR ID = 5)) OR NOT (Active = True))

@@ -1,0 +1,1 @@
+SELECT a.k, Clients.ID FROM a, Clients WHERE a.k = Clients.ID

@@ -1,0 +1,1 @@
+DELETE Clients.* FROM Clients, a WHERE Clients.ID = a.k AND a.v BETWEEN 1 AND 10

@@ -1,0 +1,1 @@
+DELETE * FROM [Clients] WHERE Notes Like '*[[]ok]*'

@@ -1,0 +1,1 @@
+DELETE a.* FROM a, Clients, [O'Brien "x"] WHERE a.k = Clients.ID

@@ -1,0 +1,1 @@
+DELETE a.*, Clients.* FROM a INNER JOIN Clients ON a.k = Clients.ID WHERE a.v > 5

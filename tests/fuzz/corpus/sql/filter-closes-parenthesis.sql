@@ -1,0 +1,1 @@
+Score > 1) OR (ID > 0

@@ -1,0 +1,1 @@
+SELECT Active, Count(*) AS n, Max(Score), Sum(ID) FROM Clients GROUP BY Active HAVING Count(*) > 1 ORDER BY 2

@@ -1,0 +1,1 @@
+SELECT ID FROM Clients HAVING ID > 1

@@ -1,0 +1,1 @@
+SELECT * FROM Clients WHERE [E-mail] NOT IN (SELECT [E-mail] FROM [O'Brien "x"] WHERE City = 'Rome')

@@ -1,0 +1,1 @@
+INSERT INTO a (k) VALUES (1)

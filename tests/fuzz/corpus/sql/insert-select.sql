@@ -1,0 +1,1 @@
+INSERT INTO [O'Brien "x"] SELECT ID, [E-mail] FROM Clients WHERE ID > 2

@@ -1,0 +1,1 @@
+INSERT INTO [O'Brien "x"] (City) VALUES ('Bratislava')

@@ -1,0 +1,1 @@
+INSERT INTO Clients (ID, [First Name], Born, Active) VALUES (9, 'it''s', #12/31/2003 4:05:06 PM#, True)

@@ -1,0 +1,1 @@
+SELECT DISTINCTROW Clients.* FROM Clients LEFT JOIN [O'Brien "x"] AS o ON Clients.[E-mail] = o.[E-mail] WHERE o.[E-mail] Is Null

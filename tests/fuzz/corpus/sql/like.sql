@@ -1,0 +1,1 @@
+[First Name] Like 'a[!b-d]?*#' AND NOT [E-mail] LIKE '*@a.com'

@@ -1,0 +1,1 @@
+SELECT * FROM Clients WHERE [First Name] LIKE '*Ãÿ[ä-ö]*'

@@ -1,0 +1,1 @@
+SELECT [E-mail] AS [{key}] FROM Clients WHERE Notes = '{key}' ORDER BY ID

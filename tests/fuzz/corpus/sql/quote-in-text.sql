@@ -1,0 +1,1 @@
+[First Name] = '' OR '1' = '1'; DROP TABLE Clients; --'

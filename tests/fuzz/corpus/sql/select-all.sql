@@ -1,0 +1,1 @@
+SELECT * FROM [Clients] ORDER BY [First Name] DESC;

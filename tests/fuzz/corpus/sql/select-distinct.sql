@@ -1,0 +1,1 @@
+SELECT DISTINCT Active FROM Clients ORDER BY 1

@@ -1,0 +1,1 @@
+SELECT a.*, Clients.ID, Score * 2 AS Twice INTO Made FROM a LEFT JOIN Clients ON a.k = Clients.ID

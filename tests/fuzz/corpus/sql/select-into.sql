@@ -1,0 +1,1 @@
+SELECT Clients.* INTO [Clients_Backup] FROM [Clients];

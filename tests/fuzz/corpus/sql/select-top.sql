@@ -1,0 +1,1 @@
+SELECT TOP 2 [E-mail], Score FROM Clients WHERE Score >= 1.5 OR Score Is Null

@@ -1,0 +1,1 @@
+SELECT Nothing FROM Clients

@@ -1,0 +1,1 @@
+UPDATE a SET v = '12', p = #1/2/2003#, b = True WHERE k IS NOT NULL

@@ -1,0 +1,1 @@
+UPDATE Clients SET Score = Score + 1, Clients.Notes = Notes & ' ' & Born WHERE Retries = Null OR Active = Yes
