@@ -1,0 +1,65 @@
+// How much memory a merge run takes over what the program holds when it stands ready for it.
+// Usage: MergeMemoryBench [--rows N] [--folder DIR]
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+
+#include "MergeCampaign.h"
+
+namespace {
+
+using namespace mailvane;
+using namespace mailvane::bench;
+
+constexpr double MostMegabytes = 60;
+constexpr std::size_t BodyBytes = 200;
+
+/// A value of /proc/self/status in megabytes.
+double ProcessMegabytes(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    double kilobytes = 0;
+    while (status >> word)
+        if (word == name + ":" && status >> kilobytes) return kilobytes / 1024;
+    Fail("The system does not tell " + name);
+}
+
+/// From here on the peak is counted anew.
+void ForgetPeak() {
+    std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+/// In a process of its own: what it takes to make them is no part of what is measured.
+void MakeRecipientsApart(const std::string& path, int count) {
+    const pid_t child = fork();
+    if (child == 0) {
+        MakeRecipients(path, count);
+        std::_Exit(0);
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || status != 0) Fail("No recipients were made.");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Options options(argc, argv);
+    const int count = options.Number("--rows", 1000000);
+    const ScratchFolder scratch(options.Text("--folder", BuildFolder()));
+    MakeRecipientsApart(scratch.File("recipients.db"), count);
+
+    MergeCampaign campaign(scratch.File("program"), scratch.File("recipients.db"),
+                           TaggedBody(BodyBytes));
+    ForgetPeak();
+    const double idle = ProcessMegabytes("VmRSS");
+    const double seconds = campaign.Run(count);
+    const double peak = ProcessMegabytes("VmHWM") - idle;
+    Report("merge_memory_idle", idle, "MB");
+    Report("merge_memory_rows", count / seconds, "messages/s");
+    // Like the other targets a least ratio: what is allowed over what is taken.
+    Report("merge_memory_peak_over_idle", peak, "MB", MostMegabytes / peak, 1);
+    return 0;
+}

@@ -1,0 +1,176 @@
+// Messages a second of a send run, against Postfix's smtp-source and Python's smtplib with one
+// session each, all to the same server: on the loopback and over a line with 20 ms round trips.
+// Usage: SendBench --tools DIR [--messages N] [--slow-messages N] [--rounds N] [--folder DIR]
+//                  [--memory-folder DIR]
+// DIR of --tools holds Postfix's smtp-source and smtp-sink.
+
+#include <optional>
+#include <string>
+
+#include "DelayProxy.h"
+#include "HeadlessProgram.h"
+#include "MailSink.h"
+#include "PassingClock.h"
+#include "Tools.h"
+#include "send/frmStatusEmail.h"
+#include "store/MessageStore.h"
+#include "store/frmViewEmail.h"
+
+namespace {
+
+using namespace mailvane;
+using namespace mailvane::bench;
+using namespace std::chrono_literals;
+
+constexpr int MessageBytes = 2048;
+
+/// The two times of one run, in messages a second.
+struct RunRates {
+    Rates messages;  ///< from the first message to the last
+    Rates whole;     ///< from the press of the button to the end, without its waiting
+
+    void Add(int count, double messageSeconds, double wholeSeconds) {
+        messages.Add(count / messageSeconds);
+        whole.Add(count / wholeSeconds);
+    }
+};
+
+/// A program with a full Outbox.
+class SendCampaign {
+public:
+    SendCampaign(const std::string& folder, int port, int count)
+        : program_(folder, clock_), count_(count) {
+        frmSettings& settings = program_.Settings();
+        settings.txtSMTPServer.SetText("127.0.0.1");
+        settings.txtSMTPPort.SetText(std::to_string(port));
+        settings.chkSaveSentMessages.SetChecked(false);
+        const DaoError queued = Store().Transaction([this] {
+            for (int i = 1; i <= count_; ++i)
+                Queue(i);
+            return DaoError();
+        });
+        if (queued.Failed()) Fail(queued.description);
+        program_.wb.forms.Get<frmViewEmail>().cmdRefresh.Press();
+        program_.Settle();
+    }
+
+    void Run(RunRates& rates) {
+        // The bar is set up just before the first message and steps on behind each.
+        std::optional<Stopwatch> watch;
+        double seconds = 0;
+        Subscription steps;
+        const Subscription made = program_.wb.forms.created.Observe([&](Form& form) {
+            auto* status = dynamic_cast<frmStatusEmail*>(&form);
+            if (!status) return;
+            ProgressBar& bar = status->Progress1;
+            steps = bar.changed.Observe([&](Property property) {
+                if (property == Property::Range) watch.emplace();
+                if (watch && seconds == 0 && bar.Value() == count_) seconds = watch->Seconds();
+            });
+        });
+        const Stopwatch whole;
+        program_.Settings().cmdSendEmail.Press();
+        const double wholeSeconds = whole.Seconds();
+        program_.CheckPrompts();
+        const auto outbox = Store().OpenRecordset(OutboxFolder);
+        if (outbox.Failed() || (*outbox)->RecordCount() != 0 || seconds == 0)
+            Fail("The run has not sent all messages.");
+        rates.Add(count_, seconds, wholeSeconds);
+    }
+
+private:
+    Database& Store() { return *program_.wb.state.MessageStore; }
+
+    void Queue(int number) {
+        MessageRecord record;
+        record.From = "Sender <sender@example.com>";
+        record.To = "recipient" + std::to_string(number) + "@example.com";
+        record.Subject = "Benchmark";
+        record.ContentType = "text";
+        record.Priority = "3";
+        while (record.Body.size() < static_cast<std::size_t>(MessageBytes))
+            record.Body += "A line of text as long as lines of mail usually are, no more.\r\n";
+        SaveMessageRecord(program_.wb, record, "", OutboxFolder, false, 0, "Unread", false);
+    }
+
+    PassingClock clock_;
+    HeadlessProgram program_;
+    int count_;
+};
+
+void SendFrom(const std::string& parent, int port, int count, RunRates& rates) {
+    const ScratchFolder folder(parent);
+    SendCampaign campaign(folder.File("program"), port, count);
+    SettleDisk();
+    campaign.Run(rates);
+}
+
+struct Setting {
+    std::string tools;
+    std::string folder;
+    std::string memoryFolder;
+    int rounds = 0;
+};
+
+void CompareOnLoopback(const Setting& setting, int sink, int chunkingSink, int count) {
+    RunRates disk;
+    RunRates memory;
+    RunRates chunks;
+    Rates source;
+    Rates smtplib;
+    for (int round = 0; round < setting.rounds; ++round) {
+        SendFrom(setting.folder, sink, count, disk);
+        source.Add(SmtpSourceRate(setting.tools, sink, count, MessageBytes));
+        SendFrom(setting.memoryFolder, sink, count, memory);
+        smtplib.Add(SmtplibRate(sink, count, MessageBytes));
+        SendFrom(setting.memoryFolder, chunkingSink, count, chunks);
+    }
+    Report("send_smtp_source", source.Median(), "messages/s");
+    Report("send_smtplib", smtplib.Median(), "messages/s", Ratio(smtplib, source));
+    Report("send_run_durable", disk.messages.Median(), "messages/s", Ratio(disk.messages, source),
+           0.5);
+    Report("send_run_durable_whole", disk.whole.Median(), "messages/s", Ratio(disk.whole, source));
+    Report("send_run_in_memory", memory.messages.Median(), "messages/s",
+           Ratio(memory.messages, source));
+    Report("send_run_in_memory_whole", memory.whole.Median(), "messages/s",
+           Ratio(memory.whole, source));
+    Report("send_run_in_memory_chunking", chunks.messages.Median(), "messages/s",
+           Ratio(chunks.messages, source));
+}
+
+void CompareOnSlowLine(const Setting& setting, int sink, int chunkingSink, int count) {
+    constexpr auto OneWay = 10ms;
+    const ForkedServer line = StartDelayProxy(sink, OneWay);
+    const ForkedServer chunkingLine = StartDelayProxy(chunkingSink, OneWay);
+    RunRates run;
+    RunRates chunks;
+    Rates source;
+    Rates smtplib;
+    for (int round = 0; round < setting.rounds; ++round) {
+        SendFrom(setting.folder, line.Port(), count, run);
+        source.Add(SmtpSourceRate(setting.tools, line.Port(), count, MessageBytes));
+        SendFrom(setting.folder, chunkingLine.Port(), count, chunks);
+        smtplib.Add(SmtplibRate(line.Port(), count, MessageBytes));
+    }
+    Report("send_slow_smtp_source", source.Median(), "messages/s");
+    Report("send_slow_smtplib", smtplib.Median(), "messages/s", Ratio(smtplib, source));
+    Report("send_slow_run", run.messages.Median(), "messages/s", Ratio(run.messages, source), 1.9);
+    Report("send_slow_run_chunking", chunks.messages.Median(), "messages/s",
+           Ratio(chunks.messages, source), 3.8);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Options options(argc, argv);
+    const Setting setting{options.Text("--tools", "."), options.Text("--folder", BuildFolder()),
+                          options.Text("--memory-folder", "/dev/shm"),
+                          options.Number("--rounds", 3)};
+    const PostfixSink sink(setting.tools);
+    const ForkedServer chunkingSink = StartMailSink(Offer::Chunking);
+    CompareOnLoopback(setting, sink.Port(), chunkingSink.Port(),
+                      options.Number("--messages", 5000));
+    CompareOnSlowLine(setting, sink.Port(), chunkingSink.Port(),
+                      options.Number("--slow-messages", 200));
+    return 0;
+}
