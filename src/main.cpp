@@ -167,10 +167,11 @@ int Run(const Arguments& arguments, WindowSystem& windows, Clock& clock) {
         windows.Quit();
     });
     if (!arguments.script.empty()) windows.PlayPrompts(&prompts);
-    bench.forms.Load<frmMain>().Start({arguments.commandLine,
-                                       arguments.script.empty() || arguments.withDialogs,
-                                       [&claim] { return claim.TakeShowRequest(); }});
     if (!arguments.script.empty()) runner.Start(arguments.script);
+    if (status == 0)
+        bench.forms.Load<frmMain>().Start({arguments.commandLine,
+                                           arguments.script.empty() || arguments.withDialogs,
+                                           [&claim] { return claim.TakeShowRequest(); }});
     windows.Run();
     return status;
 }

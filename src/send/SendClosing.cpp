@@ -32,8 +32,8 @@ bool SendRun::CheckCancel() {
 /// Goes on no further: a message that cannot be recorded as accepted would be sent again.
 void SendRun::StopForStore() {
     smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
-    NoteError(storeFailure_);
     RemoveSentMessages();
+    if (!ContainsText(errors_, storeFailure_.description)) NoteError(storeFailure_);
     UnloadStatus();
     std::string text =
         "The message store cannot be written: " + storeFailure_.description +
@@ -58,11 +58,11 @@ void SendRun::RemoveSentMessages() {
 }
 
 /// Takes accepted messages out of the Outbox; returns those that stay.
-std::set<std::int32_t> SendRun::FinishMessages(const std::vector<std::int32_t>& ids) {
-    const std::set<std::int32_t> unfinished = FinishSentMessages(
-        wb_, ids, settings_.chkSaveSentMessages.Checked(), [this] { YieldBriefly(wb_); },
+AcceptedMessages SendRun::FinishMessages(const AcceptedMessages& accepted) {
+    AcceptedMessages unfinished = FinishSentMessages(
+        wb_, accepted, settings_.chkSaveSentMessages.Checked(), [this] { YieldBriefly(wb_); },
         [this](const DaoError& error) { NoteError(error); });
-    for (const std::int32_t id : ids)
+    for (const auto& [id, attempt] : accepted)
         if (!unfinished.contains(id)) memory_.unrecorded.erase(id);
     return unfinished;
 }

@@ -4,7 +4,6 @@
 #include "send/SendRun.h"
 #include "send/SentMessages.h"
 #include "store/MessageStore.h"
-#include "store/SentLedger.h"
 
 namespace mailvane {
 
@@ -32,7 +31,7 @@ bool SendRun::Open() {
 void SendRun::FinishInterruptedRun() {
     auto accepted = SentLedger::Entries(*database_);
     if (accepted.Failed()) return NoteError(accepted.Error());
-    accepted->insert(accepted->end(), memory_.unrecorded.begin(), memory_.unrecorded.end());
+    accepted->insert(memory_.unrecorded.begin(), memory_.unrecorded.end());
     if (accepted->empty()) return;
     const BusyPointer pointer(wb_);
     acceptedBefore_ = FinishMessages(*accepted);

@@ -6,7 +6,6 @@
 #include "send/SendSettings.h"
 #include "send/SentMessages.h"
 #include "store/MessageStore.h"
-#include "store/SentLedger.h"
 #include "store/frmViewEmail.h"
 
 namespace mailvane {
@@ -86,7 +85,7 @@ void SendRun::SendAll() {
 /// False when the run was cancelled or had to stop; it has been closed then.
 bool SendRun::WalkOutbox() {
     outgoing_.FirstMessage = true;
-    if (storeFailure_.Ok()) storeFailure_ = TakeUp();
+    TakeUp();
     for (handled_ = 0; handled_ < count_;) {
         if (storeFailure_.Ok() && !Interrupted())
             SendCurrentMessage(static_cast<std::size_t>(handled_));
@@ -109,7 +108,7 @@ void SendRun::SendCurrentMessage(std::size_t row) {
     const auto nothing = [] { return DaoError(); };
     const std::int32_t id = nextId_;
     if (acceptedBefore_.contains(id)) {
-        sent_.push_back(id);
+        sent_[id] = acceptedBefore_[id];
         status_->SetMessageStatus(row, Success);
         return StepOn(nothing, false);
     }
@@ -121,6 +120,7 @@ void SendRun::SendCurrentMessage(std::size_t row) {
     status_->SetMessageStatus(row, Connected);
     MessageRecord record = std::move(*next_);
     current_ = {record.From, record.To, record.Subject};
+    attempt_ = wb_.platform.clock.Now();
     NoteActivity();
     // Giving up the message before has taken the server's name away.
     smtp_.MailServer = settings_.txtSMTPServer.Text();
@@ -132,9 +132,9 @@ void SendRun::SendCurrentMessage(std::size_t row) {
 
 void SendRun::RecordSendResult(std::int32_t id, const std::string& error, std::size_t row) {
     if (error.empty()) {
-        sent_.push_back(id);
-        StepOn([&] { return SentLedger::Record(*ledger_, id); }, true);
-        if (storeFailure_.Failed()) memory_.unrecorded.insert(id);
+        sent_[id] = attempt_;
+        StepOn([&] { return SentLedger::Record(*ledger_, id, attempt_); }, true);
+        if (storeFailure_.Failed()) memory_.unrecorded[id] = attempt_;
         NoteRefusedRecipients();
         status_->SetMessageStatus(row, Success);
         return;
@@ -155,23 +155,18 @@ void SendRun::StepOn(const std::function<DaoError()>& noteResult, bool durable) 
             if (failed.Failed() && (durable || IsStorageFailure(failed))) return failed;
             NoteError(failed);
             NoteError(outbox_->MoveNext());
-            return TakeUp();
+            TakeUp();
+            return {};
         },
         durable);
 }
 
-/// Reads the row that the run stands on, and stamps it: the date of a message is the time of the
-/// attempt to send it. A row that cannot be stamped is sent all the same; while the store cannot be
-/// written none is.
-DaoError SendRun::TakeUp() {
-    if (outbox_->EndOfFile()) return {};
+/// Reads the row that the run stands on.
+void SendRun::TakeUp() {
+    if (outbox_->EndOfFile()) return;
     next_ = ReadMessageRow(*outbox_);
     const DaoResult<DaoValue> id = outbox_->Get("ID");
     nextId_ = static_cast<std::int32_t>(id.Ok() ? id->NumberOr(0) : 0);
-    DaoError stamped = outbox_->Edit();
-    if (stamped.Ok()) stamped = outbox_->Set("Date", wb_.platform.clock.Now().Stamp());
-    if (stamped.Ok()) stamped = outbox_->Update();
-    return IsStorageFailure(stamped) ? stamped : DaoError();
 }
 
 void SendRun::NoteRefusedRecipients() {
@@ -181,10 +176,12 @@ void SendRun::NoteRefusedRecipients() {
     }
 }
 
+/// The date of a message is the time of the attempt to send it.
 DaoError SendRun::MarkFailed() {
     const DaoResult<DaoValue> retries = outbox_->Get("Retries");
     if (retries.Failed()) return retries.Error();
     if (DaoError failed = outbox_->Edit(); failed.Failed()) return failed;
+    if (DaoError failed = outbox_->Set("Date", attempt_); failed.Failed()) return failed;
     if (DaoError failed = outbox_->Set("Status", Failure); failed.Failed()) return failed;
     if (DaoError failed = outbox_->Set("Retries", retries->NumberOr(0) + 1); failed.Failed())
         return failed;
@@ -217,9 +214,9 @@ void SendRun::NoteActivity() {
 
 void SendRun::Yield() {
     if (status_) status_->ShowProtocolWhenDue();
+    YieldBriefly(wb_);
     // The run's own forms have gone with their project: nobody is left to send for.
     if (sending_ && Interrupted()) smtp_.SetAction(SmtpClient::Action::Idle).Ignore();
-    YieldBriefly(wb_);
 }
 
 bool SendRun::Interrupted() const {

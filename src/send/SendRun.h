@@ -3,22 +3,21 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <set>
 #include <string>
-#include <vector>
 
 #include "core/frmSettings.h"
 #include "platform/net/SmtpClient.h"
 #include "send/OutgoingMessage.h"
 #include "send/SessionLog.h"
 #include "send/frmStatusEmail.h"
+#include "store/SentLedger.h"
 
 namespace mailvane {
 
 /// What one send run leaves to the next while the program runs.
 struct SendMemory {
-    bool dialPromptShown = false;       ///< the warning of a missing line has been shown
-    std::set<std::int32_t> unrecorded;  ///< accepted messages that the store could not note
+    bool dialPromptShown = false;  ///< the warning of a missing line has been shown
+    AcceptedMessages unrecorded;   ///< accepted messages that the store could not note
 };
 
 /// One send run: takes every row of the Outbox, in table order, through BuildOutgoingMessage,
@@ -56,13 +55,13 @@ private:
     void NoteRefusedRecipients();
     DaoError MarkFailed();
     void StepOn(const std::function<DaoError()>& noteResult, bool durable);
-    DaoError TakeUp();
+    void TakeUp();
 
     // The end.
     bool CheckCancel();
     void StopForStore();
     void RemoveSentMessages();
-    std::set<std::int32_t> FinishMessages(const std::vector<std::int32_t>& ids);
+    AcceptedMessages FinishMessages(const AcceptedMessages& accepted);
     void DeleteUndeliverables();
     void HangUp();
     void FinishSendRun();
@@ -105,11 +104,12 @@ private:
     std::int64_t handled_ = 0;                         ///< the progress counter
     bool sending_ = false;                             ///< a message is with the transfer component
     Addressed current_;                                ///< the message of the moment
+    DateTime attempt_;                                 ///< when it was tried
     std::int32_t nextId_ = 0;                          ///< of the row that the run stands on
     DaoResult<MessageRecord> next_ = MessageRecord();  ///< and what is in it
-    std::vector<std::int32_t> sent_;
-    std::set<std::int32_t> acceptedBefore_;  ///< an earlier run could not take these out
-    std::int64_t doubtful_ = 0;              ///< messages whose answer was lost
+    AcceptedMessages sent_;
+    AcceptedMessages acceptedBefore_;  ///< an earlier run could not take these out
+    std::int64_t doubtful_ = 0;        ///< messages whose answer was lost
     std::string errors_;
 };
 

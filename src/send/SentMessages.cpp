@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <span>
+#include <vector>
 
 #include "store/MessageStore.h"
-#include "store/SentLedger.h"
 
 namespace mailvane {
 
@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::size_t GroupSize = 200;  ///< messages that one transaction finishes
 
-using Ids = std::span<const std::int32_t>;
+using Message = std::pair<std::int32_t, DateTime>;
+using Group = std::span<const Message>;
 
 /// The move of messages out of the Outbox, on the program's own connection to the store, where
 /// SaveMessageRecord writes.
@@ -22,7 +23,7 @@ public:
         : wb_(wb), store_(store), outbox_(std::move(outbox)) {}
 
     /// A group that fails as a whole is tried one by one: one bad message holds up no other.
-    DaoError FinishGroup(Ids group, std::set<std::int32_t>& unfinished,
+    DaoError FinishGroup(Group group, AcceptedMessages& unfinished,
                          const std::function<void(const DaoError&)>& onFailure) {
         const bool whole = Finish(group, unfinished).Ok();
         for (std::size_t i = 0; !whole && i < group.size(); ++i) {
@@ -34,32 +35,33 @@ public:
     }
 
 private:
-    DaoError Finish(Ids ids, std::set<std::int32_t>& unfinished) {
+    DaoError Finish(Group group, AcceptedMessages& unfinished) {
         const DaoError outcome = store_.Transaction([&]() -> DaoError {
-            for (const std::int32_t id : ids)
-                if (DaoError failed = FinishOne(id); failed.Failed()) return failed;
+            for (const Message& message : group)
+                if (DaoError failed = FinishOne(message); failed.Failed()) return failed;
             return SentLedger::RemoveGone(store_);
         });
         // After a failure it lists copies that have been undone.
         if (outcome.Failed()) wb_.state.CurrentFolderRecordset = nullptr;
-        for (const std::int32_t id : ids)
+        for (const auto& [id, attempt] : group)
             if (outcome.Ok()) unfinished.erase(id);
         return outcome;
     }
 
-    DaoError FinishOne(std::int32_t id) {
-        const std::string condition = "ID = " + std::to_string(id);
+    DaoError FinishOne(const Message& message) {
+        const std::string condition = "ID = " + std::to_string(message.first);
         if (outbox_)
-            if (DaoError failed = Copy(condition); failed.Failed()) return failed;
+            if (DaoError failed = Copy(condition, message.second); failed.Failed()) return failed;
         const auto deleted = store_.Execute("DELETE FROM [Outbox] WHERE " + condition);
         return deleted.Failed() ? deleted.Error() : DaoError();
     }
 
-    DaoError Copy(const std::string& condition) {
+    DaoError Copy(const std::string& condition, DateTime attempt) {
         if (DaoError failed = outbox_->FindFirst(condition); failed.Failed()) return failed;
         if (outbox_->NoMatch()) return {};  // the user has deleted it meanwhile
         DaoResult<MessageRecord> record = ReadMessageRow(*outbox_);
         if (record.Failed()) return record.Error();
+        record->Date = attempt;
         return TrySaveMessageRecord(wb_, *record, "", SentItemsFolder, false, 0, "Read", false);
     }
 
@@ -70,11 +72,11 @@ private:
 
 }  // namespace
 
-std::set<std::int32_t> FinishSentMessages(Workbench& wb, const std::vector<std::int32_t>& ids,
-                                          bool keepCopies, const std::function<void()>& afterGroup,
-                                          const std::function<void(const DaoError&)>& onFailure) {
-    std::set<std::int32_t> unfinished(ids.begin(), ids.end());
-    if (ids.empty()) return unfinished;
+AcceptedMessages FinishSentMessages(Workbench& wb, const AcceptedMessages& accepted,
+                                    bool keepCopies, const std::function<void()>& afterGroup,
+                                    const std::function<void(const DaoError&)>& onFailure) {
+    AcceptedMessages unfinished = accepted;
+    if (accepted.empty()) return unfinished;
     DaoError closed = OpenMessageStore(wb);
     const std::shared_ptr<Database> store = wb.state.MessageStore;
     std::shared_ptr<Recordset> outbox;
@@ -90,8 +92,9 @@ std::set<std::int32_t> FinishSentMessages(Workbench& wb, const std::vector<std::
         return unfinished;
     }
     SentMessageMove move(wb, *store, outbox);
-    for (Ids left = ids; !left.empty() && store->IsOpen();) {
-        const Ids group = left.first(std::min(left.size(), GroupSize));
+    const std::vector<Message> messages(accepted.begin(), accepted.end());
+    for (Group left = messages; !left.empty() && store->IsOpen();) {
+        const Group group = left.first(std::min(left.size(), GroupSize));
         left = left.subspan(group.size());
         const DaoError failed = move.FinishGroup(group, unfinished, onFailure);
         if (IsStorageFailure(failed)) break;  // the others would fare no better

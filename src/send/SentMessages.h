@@ -1,11 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <set>
-#include <vector>
 
 #include "core/Workbench.h"
+#include "store/SentLedger.h"
 
 namespace mailvane {
 
@@ -14,8 +12,8 @@ namespace mailvane {
 /// dies. A message that cannot be finished keeps its row and entry; those are returned.
 /// `afterGroup` runs now and then; each failure is told to `onFailure`, one of the whole store
 /// once.
-std::set<std::int32_t> FinishSentMessages(Workbench& wb, const std::vector<std::int32_t>& ids,
-                                          bool keepCopies, const std::function<void()>& afterGroup,
-                                          const std::function<void(const DaoError&)>& onFailure);
+AcceptedMessages FinishSentMessages(Workbench& wb, const AcceptedMessages& accepted,
+                                    bool keepCopies, const std::function<void()>& afterGroup,
+                                    const std::function<void(const DaoError&)>& onFailure);
 
 }  // namespace mailvane

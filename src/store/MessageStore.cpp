@@ -46,20 +46,28 @@ DaoError MakeStore(const std::string& path) {
     return outcome;
 }
 
+void RemoveStoreFiles(const std::string& path) {
+    for (const char* companion : {"", "-wal", "-shm"})
+        DeleteFile(path + companion);
+}
+
 }  // namespace
 
 std::string MessageStorePath(const Workbench& wb) {
     return wb.platform.programFolder + StoreFile;
 }
 
-void EnsureMessageStore(Workbench& wb) {
+DaoError EnsureMessageStore(Workbench& wb) {
     const std::string path = MessageStorePath(wb);
-    if (FileExists(path)) return;
+    if (FileExists(path)) return {};
     // Made under another name first: a store that exists has all its folders.
     const std::string unfinished = path + ".new";
-    DeleteFile(unfinished);
-    if (MakeStore(unfinished).Ok() && std::rename(unfinished.c_str(), path.c_str()) == 0) return;
-    DeleteFile(unfinished);
+    RemoveStoreFiles(unfinished);
+    DaoError outcome = MakeStore(unfinished);
+    if (outcome.Ok() && std::rename(unfinished.c_str(), path.c_str()) != 0)
+        outcome = MakeDaoError(dao_error::CannotOpenFile, path);
+    if (outcome.Failed()) RemoveStoreFiles(unfinished);
+    return outcome;
 }
 
 DaoError OpenMessageStore(Workbench& wb) {

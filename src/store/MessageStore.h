@@ -17,8 +17,7 @@ inline constexpr const char* ImportedMessagesFolder = "Imported Messages";
 std::string MessageStorePath(const Workbench& wb);
 
 /// Makes messages.dat with its six folders when it is missing; an existing file is left alone.
-/// Failure is not reported: opening the store then fails.
-void EnsureMessageStore(Workbench& wb);
+DaoError EnsureMessageStore(Workbench& wb);
 /// Opens the store for the whole program when it is not open.
 DaoError OpenMessageStore(Workbench& wb);
 void CloseMessageStore(Workbench& wb);

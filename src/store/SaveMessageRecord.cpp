@@ -70,7 +70,7 @@ DaoError TrySaveMessageRecord(Workbench& wb, MessageRecord& record, const std::s
                               const std::string& folder, bool deleteOld, std::int32_t oldId,
                               const std::string& status, bool undoLast) {
     if (!wb.state.MessageStore || !wb.state.MessageStore->IsOpen()) {
-        EnsureMessageStore(wb);
+        if (DaoError failed = EnsureMessageStore(wb); failed.Failed()) return failed;
         if (DaoError closed = OpenMessageStore(wb); closed.Failed()) return closed;
     }
     if (!oldFolder.empty() && oldFolder != " " && deleteOld && oldId != -1)

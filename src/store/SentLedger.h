@@ -1,22 +1,27 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
-#include <vector>
 
 #include "platform/dao/Database.h"
+#include "platform/os/DateTime.h"
 
 namespace mailvane {
 
-/// The messages that a server has accepted and that have not left the Outbox yet, by their row's
-/// ID: what lets an interrupted run be finished without sending anything twice. A system table of
-/// the store.
+/// Messages that a server has accepted, by their row's ID in the Outbox, with the time of the
+/// attempt.
+using AcceptedMessages = std::map<std::int32_t, DateTime>;
+
+/// The messages that a server has accepted and that have not left the Outbox yet: what lets an
+/// interrupted run be finished without sending anything twice. A system table of the store.
 namespace SentLedger {
-/// Makes the ledger when it is not there, and opens it for Record.
+/// Opens the ledger for Record, and makes it when it is not there. Fails when the store takes no
+/// changes.
 DaoResult<std::shared_ptr<Recordset>> Open(Database& store);
 /// The caller's transaction puts it on the disk.
-DaoError Record(Recordset& ledger, std::int32_t outboxId);
-DaoResult<std::vector<std::int32_t>> Entries(Database& store);  ///< empty when there never were any
+DaoError Record(Recordset& ledger, std::int32_t outboxId, DateTime attempt);
+DaoResult<AcceptedMessages> Entries(Database& store);  ///< empty when there never were any
 /// Forgets the messages that have left the Outbox.
 DaoError RemoveGone(Database& store);
 }  // namespace SentLedger

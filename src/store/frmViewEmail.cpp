@@ -74,11 +74,11 @@ void frmViewEmail::BuildBar() {
 }
 
 void frmViewEmail::OnLoad() {
-    EnsureMessageStore(wb_);
+    const DaoError made = EnsureMessageStore(wb_);
     AddMissingColumn(wb_, "Status", FieldType::Text, "");
     AddMissingColumn(wb_, "Retries", FieldType::Integer, "0");
     DataEmail.Bind(EmailGrid);
-    OpenStore();
+    OpenStore(made);
     FillFolders();
     RestoreWindowPlace(wb_, *this, "EmailMain", "EmailWindowState");
 }
@@ -89,12 +89,14 @@ void frmViewEmail::OnUnload() {
     CloseMessageStore(wb_);
 }
 
-void frmViewEmail::OpenStore() {
+/// `made` is the outcome of making a store where there was none.
+void frmViewEmail::OpenStore(const DaoError& made) {
     DataEmail.DatabaseName = MessageStorePath(wb_);
     DataEmail.RecordSource = InboxFolder;
     DaoError outcome = DataEmail.Refresh();
     ChooseColumns({});
     if (outcome.Ok()) outcome = OpenMessageStore(wb_);
+    if (made.Failed()) outcome = made;
     if (outcome.Failed() && !wb_.state.UnattendedRun)
         Tell(wb_, outcome.description, BoxIcon::Critical);
 }

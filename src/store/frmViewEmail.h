@@ -27,7 +27,7 @@ protected:
 
 private:
     void BuildBar();
-    void OpenStore();
+    void OpenStore(const DaoError& made);
     void FillFolders();
     void ShowFolder();
     void Refresh();

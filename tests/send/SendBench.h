@@ -40,7 +40,7 @@ struct SendBench : TestBench {
     /// As a run does that dies at once after it.
     void RecordAccepted(std::int32_t id) {
         const auto ledger = SentLedger::Open(*wb.state.MessageStore);
-        EXPECT_TRUE(ledger.Ok() && SentLedger::Record(**ledger, id).Ok());
+        EXPECT_TRUE(ledger.Ok() && SentLedger::Record(**ledger, id, clock.Now()).Ok());
     }
     void Send() { settings.cmdSendEmail.Press(); }
     /// The run's last question gets this answer.

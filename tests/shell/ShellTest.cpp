@@ -73,7 +73,7 @@ TEST_F(Shell, StartMakesTheProgramFolderAndTheHiddenForms) {
 
 TEST_F(Shell, InterruptedMergeIsToldUntilAPersonHasSeenIt) {
     ASSERT_TRUE(MakeFolders(platform.programFolder));
-    EnsureMessageStore(wb);
+    EXPECT_TRUE(EnsureMessageStore(wb).Ok());
     ASSERT_TRUE(OpenMessageStore(wb).Ok());
     UnfinishedMerge run;
     run.table = "People";

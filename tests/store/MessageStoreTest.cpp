@@ -14,7 +14,7 @@ using test::TestBench;
 
 struct StoreBench : TestBench {
     StoreBench() {
-        EnsureMessageStore(wb);
+        EXPECT_TRUE(EnsureMessageStore(wb).Ok());
         EXPECT_TRUE(OpenMessageStore(wb).Ok());
     }
     ~StoreBench() { CloseMessageStore(wb); }
@@ -74,7 +74,7 @@ TEST(MessageStore, NewStoreHasTheFoldersAndColumnsInOrder) {
 TEST(MessageStore, ExistingFileIsLeftAlone) {
     TestBench bench;
     WriteFileText(MessageStorePath(bench.wb), "not a database");
-    EnsureMessageStore(bench.wb);
+    EXPECT_TRUE(EnsureMessageStore(bench.wb).Ok());
     EXPECT_EQ(ReadFileText(MessageStorePath(bench.wb)), "not a database");
     EXPECT_TRUE(OpenMessageStore(bench.wb).Failed());
 }
@@ -278,12 +278,13 @@ TEST(SentLedger, KeepsIdsOutOfTheFolderListUntilTheirMessagesHaveGone) {
     const auto ledger = SentLedger::Open(store);
     ASSERT_TRUE(ledger.Ok());
     for (const std::int32_t id : {3, 9, 1})
-        ASSERT_TRUE(SentLedger::Record(**ledger, id).Ok());
+        ASSERT_TRUE(SentLedger::Record(**ledger, id, bench.clock.Now()).Ok());
     ASSERT_TRUE(store.Execute("DELETE FROM Outbox WHERE ID = 1").Ok());
     ASSERT_TRUE(SentLedger::RemoveGone(store).Ok());
     CloseMessageStore(bench.wb);
     ASSERT_TRUE(OpenMessageStore(bench.wb).Ok());
-    EXPECT_EQ(*SentLedger::Entries(*bench.wb.state.MessageStore), (std::vector<std::int32_t>{3}));
+    EXPECT_EQ(*SentLedger::Entries(*bench.wb.state.MessageStore),
+              (AcceptedMessages{{3, bench.clock.Now()}}));
     EXPECT_EQ(bench.wb.state.MessageStore->UserTableNames()->size(), 6u);
 }
 

@@ -34,8 +34,7 @@ std::string SavepointName(int depth) {
 bool FlushToDisk(const std::string& path) {
     const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (handle < 0) return false;
-    // The times of the file may come later.
-    const bool flushed = ::fdatasync(handle) == 0;
+    const bool flushed = ::fsync(handle) == 0;
     ::close(handle);
     return flushed;
 }
@@ -227,8 +226,16 @@ DaoError Connection::CommitOutermost() {
         return committed;
     }
     // With write-ahead logging the rows are in the log, but not yet surely on the disk.
-    if (!durable_ || !writeAheadLog_ || FlushToDisk(path_ + "-wal")) return {};
+    if (!durable_ || !writeAheadLog_ || FlushLog()) return {};
     return MakeDaoError(dao_error::DiskError, path_ + "-wal");
+}
+
+/// Through SQLite's own handle of the log.
+bool Connection::FlushLog() const {
+    sqlite3_file* log = nullptr;
+    const int found = sqlite3_file_control(database_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+    if (found != SQLITE_OK || log == nullptr || log->pMethods == nullptr) return false;
+    return log->pMethods->xSync(log, SQLITE_SYNC_NORMAL | SQLITE_SYNC_DATAONLY) == SQLITE_OK;
 }
 
 DaoError Connection::InOneRead(const std::function<DaoError()>& work) {

@@ -75,6 +75,7 @@ private:
     DaoError BeginUnit(bool durable);
     DaoError EndUnit(const DaoError& outcome);
     DaoError CommitOutermost();
+    bool FlushLog() const;
 
     std::string path_;
     std::optional<FileLock> lock_;

@@ -1,6 +1,9 @@
 #include "platform/forms/ScriptRunner.h"
 
+#include <algorithm>
+#include <iterator>
 #include <ostream>
+#include <string_view>
 #include <utility>
 
 #include "platform/forms/ScriptCommands.h"
@@ -29,6 +32,7 @@ struct ScriptRunner::State {
     ~State() { prompts.onFailure = nullptr; }
 
     void Begin(std::vector<ScriptLine> parsed);
+    void QueueFirstAnswers();
     void NextLine();
     void FollowRuns();
     void CheckRun();
@@ -63,6 +67,20 @@ void ScriptRunner::State::Begin(std::vector<ScriptLine> parsed) {
     idle = windows.idle.Observe([this] { NextLine(); });
     prompts.onFailure = [this] { FollowRuns(); };
     quit = windows.quit.Observe([this] { ProgramQuit(); });
+    QueueFirstAnswers();
+}
+
+/// The answers that a script begins with are there for the boxes of the program's own start.
+void ScriptRunner::State::QueueFirstAnswers() {
+    static constexpr std::string_view Answers[] = {"answer",       "answers", "input",
+                                                   "input-cancel", "file",    "file-cancel"};
+    while (!ended && next < lines.size()) {
+        const ScriptLine& line = lines[next];
+        if (std::ranges::find(Answers, line.words.front()) == std::end(Answers)) return;
+        ++next;
+        current = line.number;
+        CarryOut(line.words, line.number);
+    }
 }
 
 void ScriptRunner::State::NextLine() {

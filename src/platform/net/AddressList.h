@@ -18,7 +18,4 @@ struct AddressItem {
 /// Takes a list apart as AddressesOf does (MailAddress.h); items without an address are left out.
 std::vector<AddressItem> ParseAddressList(std::string_view list);
 
-/// EncodeHeaderAddresses for items already taken apart.
-std::string EncodeAddressItems(const std::vector<AddressItem>& items, std::size_t nameLength);
-
 }  // namespace mailvane

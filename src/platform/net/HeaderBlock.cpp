@@ -43,7 +43,7 @@ std::string EncodedParameter(std::string_view value) {
     return std::string(value.substr(0, equals)) + "=\"" + EncodeHeaderText(name, equals) + '"';
 }
 
-std::string EncodedField(const std::string& field) {
+std::string EncodedField(const std::string& field, bool utf8) {
     const std::size_t colon = field.find(':');
     if (colon == std::string::npos) return EncodeHeaderText(field, 0);
     const std::string_view name = std::string_view(field).substr(0, colon);
@@ -52,7 +52,7 @@ std::string EncodedField(const std::string& field) {
                                        [&](auto known) { return EqualsIgnoringCase(known, name); });
     std::string coded;
     if (addresses) {
-        coded = EncodeHeaderAddresses(value, colon + 1);
+        coded = EncodeHeaderAddresses(value, colon + 1, utf8);
     } else if (StartsWithIgnoringCase(name, "Content-")) {
         coded = EncodedParameter(value);
     } else {
@@ -110,10 +110,10 @@ void HeaderBlock::SetBehind(std::string_view other, std::string_view name, std::
                    std::string(name) + ": " + std::string(value));
 }
 
-void HeaderBlock::EncodeFields() {
+void HeaderBlock::EncodeFields(bool utf8) {
     for (std::string& field : fields_) {
         const TextScan scan = ScanText(field);
-        if (scan.outsideAscii || scan.longestLine > MaxMailLine) field = EncodedField(field);
+        if (scan.outsideAscii || scan.longestLine > MaxMailLine) field = EncodedField(field, utf8);
     }
 }
 

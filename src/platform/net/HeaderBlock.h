@@ -24,8 +24,8 @@ public:
     void SetBehind(std::string_view other, std::string_view name, std::string_view value);
 
     /// Text outside ASCII becomes encoded words, and lines over the limit of mail are folded; all
-    /// other fields stay as they are.
-    void EncodeFields();
+    /// other fields stay as they are. `utf8`: addresses outside ASCII may stand in a header.
+    void EncodeFields(bool utf8);
     void AppendTo(std::string& out) const;
 
 private:

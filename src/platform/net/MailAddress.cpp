@@ -166,11 +166,11 @@ std::string EncodeHeaderText(std::string_view value, std::size_t nameLength) {
     return Folded(text, column);
 }
 
-std::string EncodeAddressItems(const std::vector<AddressItem>& items, std::size_t nameLength) {
+std::string EncodeHeaderAddresses(std::string_view value, std::size_t nameLength, bool utf8) {
     std::string out;
     std::size_t column = nameLength + 1;
-    for (const AddressItem& item : items) {
-        if (item.address.size() > MaxPlainWord) continue;  // no mailbox name is that long
+    for (const AddressItem& item : ParseAddressList(value)) {
+        if (!IsMailbox(item.address) || (!utf8 && !IsAscii(item.address))) continue;
         if (!out.empty()) {
             const std::size_t width =
                 item.source.empty() ? item.address.size() : item.source.size();
@@ -183,10 +183,6 @@ std::string EncodeAddressItems(const std::vector<AddressItem>& items, std::size_
         column = ColumnBehind(text, column);
     }
     return out;
-}
-
-std::string EncodeHeaderAddresses(std::string_view value, std::size_t nameLength) {
-    return EncodeAddressItems(ParseAddressList(value), nameLength);
 }
 
 }  // namespace mailvane

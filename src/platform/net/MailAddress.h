@@ -20,7 +20,9 @@ bool IsMailbox(std::string_view address);
 /// UTF-8 (RFC 2047), long values folded (RFC 5322 section 2.2.3). `nameLength` is the room that the
 /// header's name and colon take on the first line.
 std::string EncodeHeaderText(std::string_view value, std::size_t nameLength);
-/// The same for address lists: only the display names are encoded, addresses stay as they are.
-std::string EncodeHeaderAddresses(std::string_view value, std::size_t nameLength);
+/// The same for address lists: only the display names are encoded, addresses stay as they are. What
+/// is no mailbox is left out, and without `utf8` an address outside ASCII too: no header may hold
+/// one then (RFC 6531).
+std::string EncodeHeaderAddresses(std::string_view value, std::size_t nameLength, bool utf8);
 
 }  // namespace mailvane

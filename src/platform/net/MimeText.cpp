@@ -143,7 +143,7 @@ void AppendTail(std::string& out, std::string_view tail) {
     while (stop < tail.size() && tail[stop] != '\r' && tail[stop] != '\n')
         stop = NextLine(tail, stop);
     HeaderBlock headers(tail.substr(start, stop - start));
-    headers.EncodeFields();
+    headers.EncodeFields(false);
     out += tail.substr(0, start);
     headers.AppendTo(out);
     out += tail.substr(stop);

@@ -49,14 +49,10 @@ bool IsPostponed(const RefusedRecipient& recipient) {
            answer.find(" 4.5.3 ") == 3;
 }
 
-/// Takes those out of `refused` that another transaction may reach.
-std::vector<std::string> TakePostponed(std::vector<RefusedRecipient>& refused) {
-    std::vector<std::string> postponed;
-    for (const RefusedRecipient& recipient : refused) {
-        if (IsPostponed(recipient)) postponed.push_back(recipient.address);
-    }
-    std::erase_if(refused, IsPostponed);
-    return postponed;
+/// Moves those that another transaction may reach.
+void MovePostponed(std::vector<RefusedRecipient>& from, std::vector<RefusedRecipient>& to) {
+    std::copy_if(from.begin(), from.end(), std::back_inserter(to), IsPostponed);
+    std::erase_if(from, IsPostponed);
 }
 
 /// A logon that succeeded, to be repeated when the connection has to be made again.
@@ -108,7 +104,7 @@ struct SmtpClient::State {
     NetError Exchange(const std::string& line, bool secret);
     NetError Command(const std::string& line, bool secret);
     NetError Send();
-    void SendPostponed(const std::string& sender);
+    void SendPostponed(const std::string& sender, std::size_t accepted);
     void NoteUnanswered(const std::vector<std::string>& recipients, const std::string& answer);
     NetError Deliver(const std::vector<std::string>& recipients, const std::string& sender);
     NetError TransferTo(const std::vector<std::string>& recipients, const std::string& sender);
@@ -255,19 +251,33 @@ NetError SmtpClient::State::Send() {
     if (senders.empty()) return {net_error::NoSender, "No sender's address is given."};
     composed = false;
     const NetError error = Deliver(recipients, senders.front());
-    if (error.Ok()) SendPostponed(senders.front());
+    if (error.Ok()) SendPostponed(senders.front(), recipients.size() - refused.size());
     return error;
 }
 
-/// The message has been accepted; whom the server had no room for gets it in further transactions
-/// (RFC 5321 section 4.5.3.1.10). Each of them reaches somebody, or it is the last.
-void SmtpClient::State::SendPostponed(const std::string& sender) {
-    std::vector<std::string> recipients = TakePostponed(refused);
+/// The message has been accepted for `accepted` recipients; whom the server had no room for gets it
+/// in further transactions (RFC 5321 section 4.5.3.1.10). Each of them reaches somebody, or it is
+/// the last.
+void SmtpClient::State::SendPostponed(const std::string& sender, std::size_t accepted) {
+    std::vector<RefusedRecipient> waiting;
+    MovePostponed(refused, waiting);
     std::vector<RefusedRecipient> settled = std::move(refused);
-    while (!recipients.empty()) {
-        const NetError error = Deliver(recipients, sender);
-        if (error.Failed()) NoteUnanswered(recipients, error.description);
-        recipients = error.Ok() ? TakePostponed(refused) : std::vector<std::string>();
+    for (std::size_t room = accepted; !waiting.empty();) {
+        std::vector<std::string> batch;
+        for (std::size_t i = 0; i < std::min(room, waiting.size()); ++i)
+            batch.push_back(waiting[i].address);
+        const NetError error = Deliver(batch, sender);
+        if (error.Failed() && refused.size() == batch.size() && batch.size() < waiting.size()) {
+            room = waiting.size();  // perhaps only these are full: all that wait are asked
+            continue;
+        }
+        waiting.erase(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(batch.size()));
+        if (error.Ok()) {
+            MovePostponed(refused, waiting);
+        } else {
+            NoteUnanswered(batch, error.description);
+            MovePostponed(waiting, refused);  // they keep the answer that they have
+        }
         std::move(refused.begin(), refused.end(), std::back_inserter(settled));
     }
     refused = std::move(settled);

@@ -7,7 +7,6 @@
 #include <random>
 #include <utility>
 
-#include "platform/net/AddressList.h"
 #include "platform/net/MailAddress.h"
 #include "platform/net/MimeText.h"
 #include "platform/net/TextCoding.h"
@@ -40,16 +39,6 @@ std::string RandomPrefix() {
     std::array<char, 40> text{};
     std::snprintf(text.data(), text.size(), "%08x%08x%08x", random(), random(), random());
     return text.data();
-}
-
-/// A list of addresses as a header. It names no address that cannot be written to; without SMTPUTF8
-/// no header may hold one outside ASCII.
-std::string AddressHeader(std::string_view list, std::size_t nameLength, bool utf8) {
-    std::vector<AddressItem> items = ParseAddressList(list);
-    std::erase_if(items, [utf8](const auto& item) {
-        return !IsMailbox(item.address) || (!utf8 && !IsAscii(item.address));
-    });
-    return EncodeAddressItems(items, nameLength);
 }
 
 bool IsDomainCharacter(char c) {
@@ -92,20 +81,20 @@ void SmtpMessage::Compose(const MessageFields& fields, WireAbilities server) {
         body_ = adapted_;
         scan = ScanText(body_);
     }
-    block.EncodeFields();
+    const bool utf8 = server.utf8Addresses;
+    block.EncodeFields(utf8);
 
     if (!fields.again) {
         id_ = NewMessageId(fields.from, fields.localName);
         date_ = PresentDate();
     }
     head_.clear();
-    const bool utf8 = server.utf8Addresses;
     const std::string date = WithoutLineBreaks(fields.date);
     AppendField(block, "Date", date.empty() ? date_ : EncodeHeaderText(date, 5));
     AppendField(block, "Message-ID", id_);
-    AppendField(block, "From", AddressHeader(fields.from, 5, utf8));
-    AppendField(block, "To", AddressHeader(fields.sendTo, 3, utf8));
-    AppendField(block, "Cc", AddressHeader(fields.cc, 3, utf8));
+    AppendField(block, "From", EncodeHeaderAddresses(fields.from, 5, utf8));
+    AppendField(block, "To", EncodeHeaderAddresses(fields.sendTo, 3, utf8));
+    AppendField(block, "Cc", EncodeHeaderAddresses(fields.cc, 3, utf8));
     AppendField(block, "Subject", EncodeHeaderText(fields.subject, 8));
     block.AppendTo(head_);
     AppendField(block, "MIME-Version", "1.0");

@@ -126,7 +126,8 @@ TEST(MailAddress, HeaderAddresses) {
         {"quoted name", "\"Žan, Ž\" <z@x>", "=?utf-8?B?xb1hbiwgxb0=?= <z@x>"},
         {"comment", "z@x (Žan)", "=?utf-8?B?xb1hbg==?= <z@x>"},
         {"name with a comma", "Doe \"D\", J <j@x>", "\"Doe \\\"D\\\", J\" <j@x>"},
-        {"header injection", "a@x\r\nBcc: b@x", "a@xBcc: b@x"},
+        {"header injection", "a@x\r\nBcc: b@x, c@x", "c@x"},
+        {"an address outside ASCII", "ž@x, c@x", "c@x"},
         {"quote that nothing closes", "\"Ann <a@x>, b@x", "\"Ann\" <a@x>, b@x"},
         {"bracket that nothing closes", "<Ann <a@x>", "\"Ann\" <a@x>"},
         {"comment that nothing closes", "Ann <a@x> ((b), c@x", "\"Ann\" <a@x>, c@x"},
@@ -139,12 +140,12 @@ TEST(MailAddress, HeaderAddresses) {
          "bbbbbbbbbbbbbbbbbbbbbbbbbbbbbb@example.com"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(EncodeHeaderAddresses(row.value, 3), row.header) << row.name;
+        EXPECT_EQ(EncodeHeaderAddresses(row.value, 3, false), row.header) << row.name;
     }
     std::string many;
     for (int i = 0; i < 500; ++i)
         many += "Žan Žagar " + std::to_string(i) + " <z@example.com>,";
-    EXPECT_LE(ScanText(EncodeHeaderAddresses(many, 3)).longestLine, 78U);
+    EXPECT_LE(ScanText(EncodeHeaderAddresses(many, 3, true)).longestLine, 78U);
 }
 
 TEST(TextCoding, Utf8) {

@@ -241,14 +241,16 @@ TEST_F(SmtpClientTest, FailureOfAFurtherTransactionIsNoneOfTheMessage) {
         int connections;
     };
     const std::vector<Row> rows = {
-        {"MAIL refused", "MAIL", "450 later", "c=450 later;d=450 later;e=450 later;", "ab ", 2, 1},
+        {"MAIL refused", "MAIL", "450 later", "c=450 later;d=450 later;e=452 4.5.3 too many;",
+         "ab ", 2, 1},
         {"nobody taken", "RCPT", "452 disk full",
-         "c=452 disk full;d=452 disk full;e=452 disk full;", "ab ", 2, 1},
-        {"message refused", "(message)", "554 spam", "e=452 4.5.3 too many;c=554 spam;d=554 spam;",
+         "c=452 disk full;d=452 disk full;e=452 disk full;", "ab ", 3, 1},
+        {"message refused", "(message)", "554 spam", "c=554 spam;d=554 spam;e=452 4.5.3 too many;",
          "ab ", 2, 1},
         {"answer lost", "(message)", "!",
-         "e=452 4.5.3 too many;c=The server's answer was lost; the message may have been accepted.;"
-         "d=The server's answer was lost; the message may have been accepted.;",
+         "c=The server's answer was lost; the message may have been accepted.;"
+         "d=The server's answer was lost; the message may have been accepted.;"
+         "e=452 4.5.3 too many;",
          "ab ", 2, 1},
         {"server leaves in between", "MAIL", "421 enough", "", "ab cd e ", 4, 2},
     };
