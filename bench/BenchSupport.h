@@ -6,7 +6,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,10 +46,21 @@ inline double Ratio(const Rates& side, const Rates& peer) {
     return peer.Median() > 0 ? side.Median() / peer.Median() : 0;
 }
 
-/// A figure without which the rest means nothing could not be had.
+/// A figure without which the rest means nothing could not be had: the benchmark ends, with the
+/// servers and folders that it has made.
 [[noreturn]] inline void Fail(const std::string& reason) {
-    std::fprintf(stderr, "%s\n", reason.c_str());
-    std::exit(1);
+    throw std::runtime_error(reason);
+}
+
+/// Runs the benchmark; its exit status.
+inline int RunBench(const std::function<void()>& work) {
+    try {
+        work();
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
 }
 
 class Stopwatch {

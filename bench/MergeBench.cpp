@@ -139,10 +139,7 @@ double TagRate(int count) {
     return count / seconds;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    const Options options(argc, argv);
+void Run(const Options& options) {
     const int count = options.Number("--rows", 50000);
     const int rounds = options.Number("--rounds", 3);
     const ScratchFolder scratch(options.Text("--folder", BuildFolder()));
@@ -175,5 +172,10 @@ int main(int argc, char** argv) {
     Report("merge_bare_commit_100", grouped.Median(), "rows/s", Ratio(grouped, bare));
     Report("merge_bare_commit_all", whole.Median(), "rows/s", Ratio(whole, bare));
     Report("merge_tags_only", tags.Median(), "bodies/s", Ratio(tags, bare));
-    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return RunBench([&] { Run(Options(argc, argv)); });
 }

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <string>
 
@@ -35,18 +36,12 @@ void ForgetPeak() {
 /// In a process of its own: what it takes to make them is no part of what is measured.
 void MakeRecipientsApart(const std::string& path, int count) {
     const pid_t child = fork();
-    if (child == 0) {
-        MakeRecipients(path, count);
-        std::_Exit(0);
-    }
+    if (child == 0) std::_Exit(RunBench([&] { MakeRecipients(path, count); }));
     int status = 0;
     if (waitpid(child, &status, 0) != child || status != 0) Fail("No recipients were made.");
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    const Options options(argc, argv);
+void Run(const Options& options) {
     const int count = options.Number("--rows", 1000000);
     const ScratchFolder scratch(options.Text("--folder", BuildFolder()));
     MakeRecipientsApart(scratch.File("recipients.db"), count);
@@ -61,5 +56,10 @@ int main(int argc, char** argv) {
     Report("merge_memory_rows", count / seconds, "messages/s");
     // Like the other targets a least ratio: what is allowed over what is taken.
     Report("merge_memory_peak_over_idle", peak, "MB", MostMegabytes / peak, 1);
-    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return RunBench([&] { Run(Options(argc, argv)); });
 }

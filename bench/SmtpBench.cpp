@@ -34,10 +34,7 @@ double MessagesPerSecond(int port, int count, std::size_t bytes) {
     return count / seconds;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    const Options options(argc, argv);
+void Run(const Options& options) {
     const int count = options.Number("--messages", 20000);
     const auto bytes = static_cast<std::size_t>(options.Number("--bytes", 2048));
     const std::array<ForkedServer, 3> sinks{StartMailSink(Offer::Nothing),
@@ -50,5 +47,10 @@ int main(int argc, char** argv) {
     const std::array names{"smtp_one_by_one", "smtp_pipelining", "smtp_chunking"};
     for (std::size_t form = 0; form < sinks.size(); ++form)
         Report(names[form], rates[form].Median(), "messages/s", Ratio(rates[form], rates[0]));
-    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return RunBench([&] { Run(Options(argc, argv)); });
 }

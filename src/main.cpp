@@ -36,6 +36,9 @@ Usage: mailvane [options] [PROJECT.poc]
   --version        print the version
   --help           print this text
 
+One program runs on a program folder at a time: another start shows that one's window, and with
+--script ends with 1.
+
 Exit status with --script: 0 all went as expected, 1 an expectation failed or a box came up
 that nothing answers, 2 the script is wrong or cannot be read.
 )";
