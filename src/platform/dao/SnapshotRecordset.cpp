@@ -107,16 +107,16 @@ DaoResult<Statement> SnapshotRecordset::PrepareTest(const std::string& expressio
     for (const Field& field : fields_)
         columns += std::string(columns.empty() ? "" : ", ") + "?" +
                    (field.IsText() ? " COLLATE NOCASE" : "") + " AS " + QuoteName(field.name);
-    return connection_->Prepare("SELECT (" + expression + ") FROM (SELECT " + columns + ")");
+    // As a WHERE, so that what is true is what is true for the rows of a table.
+    return connection_->Prepare("SELECT 1 FROM (SELECT " + columns + ") WHERE (" + expression +
+                                ")");
 }
 
 DaoResult<bool> SnapshotRecordset::Test(Statement& test, const Row& row) {
     test.Rewind();
     for (std::size_t i = 0; i < row.size(); ++i)
         test.Bind(static_cast<int>(i) + 1, row[i], fields_[i].type);
-    const DaoResult<bool> found = test.Step();
-    if (found.Failed()) return found.Error();
-    return *found && test.Whole(0) != 0;
+    return test.Step();
 }
 
 DaoResult<std::vector<std::size_t>> SnapshotRecordset::MatchingRows(const std::string& expression) {
