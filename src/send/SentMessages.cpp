@@ -39,7 +39,7 @@ private:
         const DaoError outcome = store_.Transaction([&]() -> DaoError {
             for (const Message& message : group)
                 if (DaoError failed = FinishOne(message); failed.Failed()) return failed;
-            return SentLedger::RemoveGone(store_);
+            return {};
         });
         // After a failure it lists copies that have been undone.
         if (outcome.Failed()) wb_.state.CurrentFolderRecordset = nullptr;
@@ -97,9 +97,12 @@ AcceptedMessages FinishSentMessages(Workbench& wb, const AcceptedMessages& accep
         const Group group = left.first(std::min(left.size(), GroupSize));
         left = left.subspan(group.size());
         const DaoError failed = move.FinishGroup(group, unfinished, onFailure);
-        if (IsStorageFailure(failed)) break;  // the others would fare no better
+        if (IsStorageFailure(failed)) return unfinished;  // the others would fare no better
         afterGroup();
     }
+    // Numbers of rows are never given out twice, so that an entry that a crash leaves does no harm.
+    if (store->IsOpen())
+        if (DaoError failed = SentLedger::RemoveGone(*store); failed.Failed()) onFailure(failed);
     return unfinished;
 }
 

@@ -8,8 +8,8 @@
 namespace mailvane {
 
 /// Takes messages that were sent out of the Outbox: with `keepCopies` each is copied to Sent Items,
-/// its row is deleted, and so is its entry in the ledger. All three or none, whenever the program
-/// dies. A message that cannot be finished keeps its row and entry; those are returned.
+/// and its row is deleted. Both or neither, whenever the program dies; the ledger forgets them when
+/// all is done. A message that cannot be finished keeps its row and entry; those are returned.
 /// `afterGroup` runs now and then; each failure is told to `onFailure`, one of the whole store
 /// once.
 AcceptedMessages FinishSentMessages(Workbench& wb, const AcceptedMessages& accepted,
