@@ -4,6 +4,9 @@
 //                  [--memory-folder DIR]
 // DIR of --tools holds Postfix's smtp-source and smtp-sink.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <optional>
 #include <string>
 
@@ -104,6 +107,30 @@ void SendFrom(const std::string& parent, int port, int count, RunRates& rates) {
     campaign.Run(rates);
 }
 
+/// How often a second the disk takes a page for good, over and over in a file that is there: no
+/// durable run can be faster.
+double FlushRate(const std::string& parent) {
+    constexpr int Count = 500;
+    constexpr int PageBytes = 4096;
+    const ScratchFolder folder(parent);
+    const int fd = open(folder.File("pages").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    const std::string page(PageBytes, 'x');
+    const auto write = [&](int number) {
+        return pwrite(fd, page.data(), page.size(), off_t{number} * PageBytes) == PageBytes;
+    };
+    bool written = fd >= 0;
+    for (int i = 0; i < Count; ++i)
+        written = written && write(i);
+    fsync(fd);
+    const Stopwatch watch;
+    for (int i = 0; i < Count; ++i)
+        written = written && write(i) && fdatasync(fd) == 0;
+    const double seconds = watch.Seconds();
+    close(fd);
+    if (!written) Fail("Cannot write in " + parent);
+    return Count / seconds;
+}
+
 struct Setting {
     std::string tools;
     std::string folder;
@@ -117,8 +144,10 @@ void CompareOnLoopback(const Setting& setting, int sink, int chunkingSink, int c
     RunRates chunks;
     Rates source;
     Rates smtplib;
+    Rates flushes;
     for (int round = 0; round < setting.rounds; ++round) {
         SendFrom(setting.folder, sink, count, disk);
+        flushes.Add(FlushRate(setting.folder));
         source.Add(SmtpSourceRate(setting.tools, sink, count, MessageBytes));
         SendFrom(setting.memoryFolder, sink, count, memory);
         smtplib.Add(SmtplibRate(sink, count, MessageBytes));
@@ -126,6 +155,7 @@ void CompareOnLoopback(const Setting& setting, int sink, int chunkingSink, int c
     }
     Report("send_smtp_source", source.Median(), "messages/s");
     Report("send_smtplib", smtplib.Median(), "messages/s", Ratio(smtplib, source));
+    Report("send_disk_flushes", flushes.Median(), "flushes/s", Ratio(flushes, source));
     Report("send_run_durable", disk.messages.Median(), "messages/s", Ratio(disk.messages, source),
            0.5);
     Report("send_run_durable_whole", disk.whole.Median(), "messages/s", Ratio(disk.whole, source));
