@@ -60,7 +60,8 @@ NetError SmtpLink::Run(int timeoutSeconds) {
         if (!KeepGoing()) return GiveUp({net_error::Canceled, "The operation was canceled."});
         moved_ = false;
         const bool blocked = !Write();
-        Receive();
+        // What was just sent has no answer yet, and the wait below ends with the first byte of one.
+        if (!moved_ || connection_.IsSecured()) Receive();
         if (session_.Done()) break;
         if (lost_) {
             return GiveUp({net_error::ConnectionLost, "The server closed the connection."});
