@@ -1,5 +1,7 @@
 #include "connection/frmDial.h"
 
+#include "core/Progress.h"
+#include "core/Running.h"
 #include "core/Settings.h"
 #include "core/Text.h"
 
@@ -10,16 +12,46 @@ namespace {
 constexpr const char* NoDialUp =
     "This system has no dial-up lines. If you connect over your LAN, choose the direct connection "
     "in the options.";
+constexpr const char* NoLineNumber = "615";  ///< what dialers answer when a line is missing
+constexpr double StopSeconds = 1.5;
 
 }  // namespace
 
-frmDial::frmDial(Workbench& wb) : WorkbenchForm(wb, "frmDial", "Dial") {
-    cmdDialNow.onClick = [this] { lblStatus.SetText(NoDialUp); };
-    cmdStop.onClick = [this] { lblStatus.SetText(""); };
-    // With no line up there is none to hang up.
-    cmdDisconnect.onClick = [this] { lConnections.Clear(); };
-    cmdOk.onClick = [this] { Hide(); };
-    cmdCancel.onClick = [this] { Unload(); };
+frmDial::frmDial(Workbench& wb) : WorkbenchForm(wb, "frmDial", "Dial") {}
+
+/// There are no entries and no lines to list.
+void frmDial::OnLoad() {
+    lPhonebook.SetListIndex(0);
+    lblStatus.SetText(NoDialUp);
+}
+
+void frmDial::DialNow() {
+    if (Tab1.Current() == PhonebookPage && lPhonebook.ListIndex() < 0) return;
+    cmdDialNow.SetEnabled(false);
+    StatusEvent(NoDialUp, NoLineNumber);
+    lConnections.Clear();
+    cmdDialNow.SetEnabled(true);
+}
+
+void frmDial::StatusEvent(const std::string& state, const std::string& number) {
+    lblStatus.SetText(number + ": " + state);
+    if (!Visible() && wb_.shell) wb_.shell->SetPanel(lblStatus.Text());
+    wb_.platform.windows.PumpEvents();
+}
+
+/// A dialer needs that time before it dials again.
+void frmDial::Stop() {
+    WaitSeconds(wb_, StopSeconds);
+    cmdDialNow.SetEnabled(true);
+}
+
+/// With no line up there is none to hang up.
+void frmDial::Disconnect() {
+    lConnections.Clear();
+}
+
+void frmDial::ShowHelp() {
+    ShowHelpContext(wb_);
 }
 
 bool EnsureDialUp(Workbench& wb) {

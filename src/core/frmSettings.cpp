@@ -87,8 +87,8 @@ void frmSettings::OnLoad() {
 }
 
 void frmSettings::MarkButtonsWithoutWork() {
-    for (Button* button : {&SSCommand1, &cmdSMTPAuth, &cmdDataImport, &cmdCreateDatabase,
-                           &cmdImportData, &cmdExportData}) {
+    for (Button* button : {&SSCommand1, &cmdSMTPAuth, &cmdTestSMTP, &cmdTestPOP, &cmdDataImport,
+                           &cmdCreateDatabase, &cmdImportData, &cmdExportData}) {
         if (button->onClick) continue;
         button->SetEnabled(false);
         button->SetTip(LaterTip);
@@ -119,6 +119,7 @@ void frmSettings::ApplyDependentStates() {
     txtSignature.SetEnabled(optText.IsSet());
     txtSMTPServer.SetEnabled(!chkServer.Checked());
     txtSMTPPort.SetEnabled(!chkServer.Checked());
+    cmdTestSMTP.SetEnabled(cmdTestSMTP.onClick && !chkServer.Checked());
     SSCommand1.SetEnabled(SSCommand1.onClick && chkServer.Checked());
     cmdSMTPAuth.SetEnabled(cmdSMTPAuth.onClick && chkSMTPAuth.Checked());
     cmdDataImport.SetEnabled(cmdDataImport.onClick && chkAutoImportEmail.Checked());
@@ -199,6 +200,8 @@ void frmSettings::SetTips() {
         {&chkSMTPVerify, "Refuse a server whose certificate does not hold its name"},
         {&chkServer, "Deliver straight to the recipients' servers, without a server of your own"},
         {&chkSMTPAuth, "The server asks for a user name and password"},
+        {&cmdTestSMTP, "Connect to the server, log on, and say what worked"},
+        {&cmdTestPOP, "Connect to the server, log on, and say what worked"},
         {&chkSaveSentMessages, "Keep a copy of each sent message in Sent Items"},
         {&chkSndTimeOut, "Give up a message when the server is silent for so long"},
         {&Slider1, "Minutes of silence"},

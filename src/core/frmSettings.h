@@ -61,6 +61,9 @@ public:
     Button cmdDataImport{*this, "cmdDataImport"};
     Button SSCommand1{*this, "SSCommand1"};
     Button cmdSMTPAuth{*this, "cmdSMTPAuth"};
+    /// Try the mail accounts out; attached like the runs.
+    Button cmdTestSMTP{*this, "cmdTestSMTP"};
+    Button cmdTestPOP{*this, "cmdTestPOP"};
     Button cmdAccessBrowse{*this, "cmdAccessBrowse"};
     Button cmdCreateDatabase{*this, "cmdCreateDatabase"};
     Button cmdImportData{*this, "cmdImportData"};

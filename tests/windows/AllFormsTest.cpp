@@ -1,12 +1,29 @@
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QPointer>
 #include <cstdlib>
 #include <filesystem>
 #include <set>
 
+#include "connection/frmConnectionTest.h"
+#include "connection/frmConnectionWizard.h"
 #include "connection/frmDial.h"
+#include "core/Project.h"
+#include "core/Settings.h"
+#include "core/frmAbout.h"
+#include "core/frmMSGCompact.h"
+#include "core/frmMSGLargeEmailDB.h"
+#include "core/frmMSGResources.h"
+#include "core/frmOptions.h"
+#include "core/frmProjectDialog.h"
+#include "core/frmProjectWizard.h"
 #include "core/frmSettings.h"
+#include "core/frmSplash.h"
 #include "core/frmStatus.h"
+#include "core/frmWelcome.h"
 #include "core/shell/frmMain.h"
 #include "database/DatabaseService.h"
 #include "database/TextImport.h"
@@ -21,6 +38,8 @@
 #include "platform/qt/Screenshots.h"
 #include "send/SendService.h"
 #include "send/frmMSGSndRecvError.h"
+#include "send/frmMailServer.h"
+#include "send/frmSMTPAuthentication.h"
 #include "send/frmStatusEmail.h"
 #include "store/frmViewEmail.h"
 #include "support/RecordingProcesses.h"
@@ -38,7 +57,7 @@ protected:
 
     void SetUp() override {
         windows.PlayPrompts(&prompts);
-        wb.forms.Load<frmMain>().Start({});
+        wb.forms.Load<frmMain>().Start({.dialogs = false});
         auto made = wb.state.MainWorkspace->CreateDatabase(folder.File("recipients.db"));
         ASSERT_TRUE(made.Ok());
         const auto imported =
@@ -51,6 +70,8 @@ protected:
         settings.txtEmail.SetText("sender@example.com");
         settings.txtSMTPServer.SetText("127.0.0.1");
         settings.txtAccessDBPath.SetText(folder.File("recipients.db"));
+        wb.state.CurrentProjectFile = folder.File("Sample.poc");
+        SaveProject(wb, wb.state.CurrentProjectFile);
         wb.forms.Get<frmViewDatabase>();
         WriteMessage(wb.forms.Get<frmViewMerge>());
     }
@@ -64,18 +85,63 @@ protected:
 
     /// Every form of the program that has a window, loaded.
     std::vector<Form*> LoadAll() {
-        return {&wb.forms.Get<frmSettings>(),        &wb.forms.Get<frmStatus>(),
-                &wb.forms.Get<frmMSGPreparing>(),    &wb.forms.Get<frmDial>(),
-                &wb.forms.Get<frmDataWizard>(),      &wb.forms.Get<frmViewDatabase>(),
-                &wb.forms.Get<frmViewMerge>(),       &wb.forms.Get<frmMerge>(),
-                &wb.forms.Get<frmMSGOutbox>(),       &wb.forms.Get<frmStatusEmail>(),
-                &wb.forms.Get<frmMSGSndRecvError>(), &wb.forms.Get<frmViewEmail>()};
+        return {&wb.forms.Get<frmSettings>(),
+                &wb.forms.Get<frmStatus>(),
+                &wb.forms.Get<frmMSGPreparing>(),
+                &wb.forms.Get<frmDial>(),
+                &wb.forms.Get<frmDataWizard>(),
+                &wb.forms.Get<frmViewDatabase>(),
+                &wb.forms.Get<frmViewMerge>(),
+                &wb.forms.Get<frmMerge>(),
+                &wb.forms.Get<frmMSGOutbox>(),
+                &wb.forms.Get<frmStatusEmail>(),
+                &wb.forms.Get<frmMSGSndRecvError>(),
+                &wb.forms.Get<frmViewEmail>(),
+                &wb.forms.Get<frmOptions>(),
+                &wb.forms.Get<frmConnectionWizard>(),
+                &wb.forms.Get<frmProjectWizard>(),
+                &wb.forms.Get<frmProjectDialog>(),
+                &wb.forms.Get<frmWelcome>(),
+                &wb.forms.Get<frmAbout>(),
+                &wb.forms.Get<frmSplash>(),
+                &wb.forms.Get<frmMSGResources>(),
+                &wb.forms.Get<frmMSGLargeEmailDB>(),
+                &wb.forms.Get<frmMSGCompact>(),
+                &wb.forms.Get<frmConnectionTest>(),
+                &wb.forms.Get<frmMailServer>(),
+                &wb.forms.Get<frmSMTPAuthentication>()};
     }
 
     void Photograph(Form& form, const std::string& name) {
         const std::string path = std::string(MAILVANE_BUILD_DIR) + "/screenshots/" + name + ".png";
         EXPECT_TRUE(SaveScreenshot(windows, form, path)) << name;
         EXPECT_GT(FileSize(path), 0) << name;
+    }
+
+    /// What the first photograph does not show: the other pages.
+    void PhotographPages(const std::string& ending) {
+        wb.forms.Get<frmOptions>().List1.SetSelected(3, false);
+        const std::pair<Tabs*, int> tabs[] = {{&wb.forms.Get<frmOptions>().Tab1, 5},
+                                              {&wb.forms.Get<frmDial>().Tab1, 2}};
+        for (const auto& [control, count] : tabs) {
+            for (int page = 1; page < count; ++page) {
+                control->SetCurrent(page);
+                Photograph(control->Owner(),
+                           control->Owner().Name() + std::to_string(page) + ending);
+            }
+            control->SetCurrent(0);
+        }
+        auto& dialog = wb.forms.Get<frmProjectDialog>();
+        dialog.Offer({folder.Write("Summer.poc", ""), folder.Write("Winter.poc", "")});
+        Photograph(dialog, "frmProjectDialog1" + ending);
+        wb.forms.Get<frmProjectWizard>().txtProject.SetText(folder.File("Autumn.poc"));
+        for (const char* name : {"frmConnectionWizard", "frmProjectWizard"}) {
+            Form* wizard = wb.forms.FindByName(name);
+            auto* next = static_cast<Button*>(wizard->FindControl("cmdNext"));
+            for (int page = 1; next->Press() == ControlAnswer::Done; ++page)
+                Photograph(*wizard, name + std::to_string(page) + ending);
+            wizard->Unload();
+        }
     }
 
     test::TempFolder folder;
@@ -118,11 +184,56 @@ TEST_F(AllForms, LookGoodInLightAndDark) {
             if (form->Style() == FormStyle::Child) form->Show();
             Photograph(*form, form->Name() + ending);
         }
+        PhotographPages(ending);
         wb.forms.Get<frmViewEmail>().Hide();
         wb.forms.Get<frmViewMerge>().BringToFront();
         Photograph(wb.shell->MainForm(), "frmMain" + ending);
     }
     UseDarkPalette(false);
+}
+
+TEST_F(AllForms, WizardsNeedNoMouse) {
+    auto& wizard = wb.forms.Get<frmConnectionWizard>();
+    wizard.Show();
+    windows.PumpEvents();
+    const auto press = [&](int key) {
+        QWidget* const window = windows.WindowOf(wizard)->window();
+        const QPointer<QWidget> target(window->focusWidget() ? window->focusWidget() : window);
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key, Qt::NoModifier);
+            if (target) QCoreApplication::sendEvent(target, &event);
+        }
+        windows.PumpEvents();
+    };
+    press(Qt::Key_Return);
+    EXPECT_TRUE(wizard.pnlProxy.Visible());
+    press(Qt::Key_Space);
+    EXPECT_TRUE(wizard.chkProxy.Checked());
+    press(Qt::Key_Return);
+    EXPECT_TRUE(wizard.pnlFinish.Visible());
+    EXPECT_EQ(GetUserSetting(wb, "Proxy", "Status"), NotFound);
+    press(Qt::Key_Return);
+    EXPECT_FALSE(wizard.IsLoaded());
+    EXPECT_EQ(GetUserSetting(wb, "Proxy", "Connection"), "direct");
+}
+
+TEST_F(AllForms, ListsTakeTicksFromKeysAndMouse) {
+    auto& options = wb.forms.Get<frmOptions>();
+    options.Show();
+    auto* list = windows.WindowOf(options)->findChild<QListWidget*>(QStringLiteral("List1"));
+    ASSERT_NE(list, nullptr);
+    ASSERT_EQ(list->count(), 8);
+    EXPECT_EQ(list->item(0)->checkState(), Qt::Checked);
+    list->setCurrentRow(1);
+    QKeyEvent space(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+    QCoreApplication::sendEvent(list, &space);
+    EXPECT_FALSE(options.List1.IsSelected(1));
+    EXPECT_EQ(options.List1.ListIndex(), 1);
+    list->item(2)->setCheckState(Qt::Unchecked);  // what a click on the box does
+    EXPECT_EQ(options.List1.SelectedItems(), (std::vector<int>{0, 3, 4, 5, 6, 7}));
+    options.List1.SetSelected(2, true);
+    EXPECT_EQ(list->item(2)->checkState(), Qt::Checked);
+    options.cmdCancel.Press();
 }
 
 }  // namespace

@@ -120,15 +120,17 @@ private:
 
 class ListBox : public ItemsControl {
 public:
-    enum class Selection { Single, Multiple };
+    /// Ticks: a box before each entry that is ticked when the entry is selected; the chosen entry
+    /// is only where the keyboard stands.
+    enum class Selection { Single, Multiple, Ticks };
     ListBox(Form& form, std::string name, Selection selection = Selection::Single);
 
     Selection SelectionMode() const { return selection_; }
     /// The chosen entry, "" for none.
     std::string Text() const;
     std::string FirstItem() const { return Items().empty() ? std::string() : Items().front(); }
-    // Multiple selection. SelectedItems are indices in order. A change is told as RowSelection and
-    // runs onClick. In a list of single selection these are ListIndex.
+    // Multiple selection, ticks. SelectedItems are indices in order. A change is told as
+    // RowSelection and runs onClick. In a list of single selection these are ListIndex.
     bool IsSelected(int index) const;
     void SetSelected(int index, bool selected);
     std::vector<int> SelectedItems() const;

@@ -161,7 +161,7 @@ void ListBox::SetSelected(int index, bool selected) {
 }
 
 std::vector<int> ListBox::SelectedItems() const {
-    if (selection_ == Selection::Multiple) return selected_;
+    if (selection_ != Selection::Single) return selected_;
     return ListIndex() >= 0 ? std::vector<int>{ListIndex()} : std::vector<int>{};
 }
 

@@ -217,7 +217,7 @@ NetError MailConnection::Failure(CURLcode code) const {
     if (text.starts_with("Too large response headers")) {
         return {net_error::BadReply, "The server's answer has no end."};
     }
-    return {CodeOf(code), text + "."};
+    return {CodeOf(code), text.ends_with('.') ? text : text + "."};
 }
 
 NetError MailConnection::TakeOver(const MailPeer& peer) {

@@ -8,6 +8,7 @@
 #include <QListWidget>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPalette>
 #include <QPushButton>
 #include <QStyle>
 #include <QTimer>
@@ -154,6 +155,11 @@ public:
                                            : QAbstractItemView::SingleSelection);
         connect(&list, &QListWidget::itemSelectionChanged, this, [this] { ReadSelection(); });
         connect(&list, &QListWidget::itemDoubleClicked, this, [this] { DoubleClicked(); });
+        connect(&list, &QListWidget::itemChanged, this, [this](QListWidgetItem* item) {
+            if (HasTicks()) ReadTick(*item);
+        });
+        // Beside the tick, an empty box hardly shows on a dark entry field.
+        if (HasTicks()) list.viewport()->setBackgroundRole(QPalette::AlternateBase);
         list.viewport()->installEventFilter(this);
         if (&list != &widget) list.installEventFilter(this);
     }
@@ -168,6 +174,8 @@ protected:
                                                     : QItemSelectionModel::ClearAndSelect);
         for (int i = 0; IsMultiple() && i < list_.count(); ++i)
             list_.item(i)->setSelected(control_.IsSelected(i));
+        for (int i = 0; HasTicks() && i < list_.count(); ++i)
+            list_.item(i)->setCheckState(control_.IsSelected(i) ? Qt::Checked : Qt::Unchecked);
         if (!IsMultiple() && index < 0) list_.clearSelection();
         if (index >= 0) list_.scrollToItem(list_.item(index));
     }
@@ -194,6 +202,7 @@ protected:
 
 private:
     bool IsMultiple() const { return control_.SelectionMode() == ListBox::Selection::Multiple; }
+    bool HasTicks() const { return control_.SelectionMode() == ListBox::Selection::Ticks; }
 
     void RemoveAt(int index) override { delete list_.takeItem(index); }
     void Append(const QString& text) override { list_.addItem(text); }
@@ -216,6 +225,12 @@ private:
             for (std::size_t i = 0; self && i < selected.size(); ++i)
                 control_.SetSelected(static_cast<int>(i), selected[i]);
         });
+    }
+
+    void ReadTick(const QListWidgetItem& item) {
+        if (!IsUpToDate()) return;
+        FromUser(Property::RowSelection,
+                 [&] { control_.SetSelected(list_.row(&item), item.checkState() == Qt::Checked); });
     }
 
     bool Drag(QMouseEvent& event) {

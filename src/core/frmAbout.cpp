@@ -1,0 +1,7 @@
+#include "core/frmAbout.h"
+
+namespace mailvane {
+
+frmAbout::frmAbout(Workbench& wb) : WorkbenchForm(wb, "frmAbout", "About Mailvane") {}
+
+}  // namespace mailvane

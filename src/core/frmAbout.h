@@ -1,0 +1,17 @@
+#pragma once
+
+#include "core/Workbench.h"
+
+namespace mailvane {
+
+/// The program's version, and the libraries that it stands on.
+class frmAbout final : public WorkbenchForm {
+public:
+    explicit frmAbout(Workbench& wb);
+
+    Label lblTitle{*this, "lblTitle", ProgramTitle};
+    Label lblVersion{*this, "lblVersion", std::string("Version ") + ProgramVersion};
+    Button cmdOk{*this, "cmdOk", [this] { Unload(); }};
+};
+
+}  // namespace mailvane

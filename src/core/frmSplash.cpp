@@ -1,0 +1,8 @@
+#include "core/frmSplash.h"
+
+namespace mailvane {
+
+frmSplash::frmSplash(Workbench& wb)
+    : WorkbenchForm(wb, "frmSplash", ProgramTitle, FormStyle::Splash) {}
+
+}  // namespace mailvane

@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include "connection/frmConnectionWizard.h"
+#include "connection/frmDial.h"
+#include "core/Settings.h"
+#include "core/frmOptions.h"
+#include "support/TestBench.h"
+
+namespace mailvane {
+namespace {
+
+class Dial : public ::testing::Test {
+protected:
+    frmDial& Form() { return bench.wb.forms.Get<frmDial>(); }
+    frmConnectionWizard& Wizard() { return bench.wb.forms.Get<frmConnectionWizard>(); }
+    std::string Stored(const char* key) const { return GetUserSetting(bench.wb, "Proxy", key); }
+
+    test::TestBench bench;
+};
+
+TEST_F(Dial, OnlyAModemNeedsALine) {
+    EXPECT_TRUE(EnsureDialUp(bench.wb)) << "nothing stored";
+    for (const char* connection : {"direct", "", "Not Found", "modems"}) {
+        SaveUserSetting(bench.wb, "Proxy", "Connection", connection);
+        EXPECT_TRUE(EnsureDialUp(bench.wb)) << connection;
+    }
+    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDial")) << "no control was touched";
+    SaveUserSetting(bench.wb, "Proxy", "Connection", "MODEM");
+    Form().lConnections.AddItem("a line of before");
+    EXPECT_FALSE(EnsureDialUp(bench.wb));
+    EXPECT_FALSE(Form().Visible());
+    EXPECT_EQ(Form().lConnections.Count(), 0);
+}
+
+TEST_F(Dial, DialingSaysThatThereIsNoLine) {
+    Form().Show();
+    const std::string atFirst = Form().lblStatus.Text();
+    EXPECT_TRUE(atFirst.starts_with("This system has no dial-up lines."));
+    Form().cmdDialNow.Press();
+    EXPECT_EQ(Form().lblStatus.Text(), atFirst) << "no entry is chosen";
+    Form().Tab1.SetByUser("1");
+    Form().Text1_3.SetByUser("555");
+    Form().cmdDialNow.Press();
+    EXPECT_EQ(Form().lblStatus.Text(), "615: " + atFirst);
+    EXPECT_TRUE(Form().cmdDialNow.Enabled());
+    EXPECT_EQ(bench.shell.panel, "");
+    Form().cmdOk.Press();
+    Form().cmdDialNow.Press();
+    EXPECT_EQ(bench.shell.panel, "615: " + atFirst) << "hidden, the main window says it";
+    Form().cmdCancel.Press();
+    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDial"));
+}
+
+TEST_F(Dial, StoppingTakesAMomentBeforeTheNextDial) {
+    Form().cmdDialNow.SetEnabled(false);
+    const auto before = bench.clock.Monotonic();
+    Form().cmdStop.Press();
+    EXPECT_EQ(bench.clock.Monotonic() - before, std::chrono::milliseconds(1500));
+    EXPECT_TRUE(Form().cmdDialNow.Enabled());
+}
+
+TEST_F(Dial, WizardStoresTheConnection) {
+    bench.wb.forms.Get<frmOptions>();
+    Wizard().Show();
+    EXPECT_TRUE(Wizard().optDirect.IsSet());
+    EXPECT_FALSE(Wizard().txtProxy.Enabled());
+    Wizard().optModem.SetByUser("1");
+    Wizard().cmdNext.Press();
+    EXPECT_EQ(bench.windows.FocusedControl(), &Wizard().chkProxy);
+    Wizard().chkProxy.SetByUser("1");
+    Wizard().txtProxy.SetByUser("proxy.example.com");
+    Wizard().txtPort.SetByUser("3128");
+    Wizard().cmdNext.Press();
+    EXPECT_FALSE(Wizard().cmdNext.Enabled());
+    EXPECT_EQ(bench.windows.FocusedControl(), &Wizard().cmdFinish);
+    EXPECT_EQ(Stored("Status"), NotFound);
+    Wizard().cmdFinish.Press();
+    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmConnectionWizard"));
+    const std::pair<const char*, const char*> rows[] = {{"Status", "yes"},
+                                                        {"Connection", "modem"},
+                                                        {"UseProxy", "yes"},
+                                                        {"ProxyServerName", "proxy.example.com"},
+                                                        {"HttpPort", "3128"}};
+    for (const auto& [key, value] : rows)
+        EXPECT_EQ(Stored(key), value) << key;
+    const auto& options = bench.wb.forms.Get<frmOptions>();
+    EXPECT_TRUE(options.chkProxy.Checked());
+    EXPECT_EQ(options.txtProxy.Text(), "proxy.example.com");
+    EXPECT_EQ(options.txtPort.Text(), "3128");
+    EXPECT_TRUE(options.optDial.IsSet()) << "its OK would store the old connection otherwise";
+
+    EXPECT_TRUE(Wizard().optModem.IsSet()) << "what was stored";
+    Wizard().chkProxy.SetByUser("0");
+    Wizard().optDirect.SetByUser("1");
+    Wizard().cmdFinish.Press();
+    EXPECT_EQ(Stored("Connection"), "direct");
+    EXPECT_EQ(Stored("UseProxy"), "no");
+}
+
+TEST_F(Dial, ACancelledWizardDoesNotComeBack) {
+    for (const bool closeBox : {false, true}) {
+        SaveUserSetting(bench.wb, "Proxy", "Status", "no");
+        Wizard().optModem.SetByUser("1");
+        if (closeBox)
+            Wizard().OnCloseBox();
+        else
+            Wizard().cmdCancel.Press();
+        EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmConnectionWizard"));
+        EXPECT_EQ(Stored("Status"), "yes");
+        EXPECT_EQ(Stored("Connection"), NotFound);
+    }
+    EXPECT_TRUE(EnsureDialUp(bench.wb));
+}
+
+}  // namespace
+}  // namespace mailvane
