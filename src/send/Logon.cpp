@@ -21,4 +21,12 @@ LogonData ReadLogon(const Workbench& wb) {
     return {read("1"), read("2")};
 }
 
+bool WriteLogon(const Workbench& wb, const LogonData& logon) {
+    Sifrant sifrant;
+    const std::string file = LogonFile(wb.state);
+    IniWrite("Data", "1", UrlEncode(sifrant.Sifriraj(logon.user, LogonKey)), file);
+    IniWrite("Data", "2", UrlEncode(sifrant.Sifriraj(logon.password, LogonKey)), file);
+    return ReadLogon(wb) == logon;
+}
+
 }  // namespace mailvane

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <fstream>
 
+#include "connection/ConnectionService.h"
 #include "core/Paths.h"
+#include "core/Settings.h"
 #include "core/Text.h"
 #include "platform/net/Base64.h"
 #include "platform/net/NetCode.h"
 #include "platform/os/Files.h"
 #include "send/AttachmentName.h"
-#include "send/Logon.h"
 
 namespace mailvane {
 
@@ -18,6 +19,7 @@ namespace {
 constexpr const char* Boundary = "abcdfwefjsdvsdfg";
 constexpr std::size_t ShortestAddress = 6;
 constexpr double LargestPort = 65535;
+constexpr int AuthenticationRequired = 530;  ///< RFC 4954 section 6
 
 bool IsHtml(const MessageRecord& record) {
     return ToLower(record.ContentType) == "html";
@@ -66,7 +68,7 @@ std::string MultipartText(const MessageRecord& record, const std::string& text) 
 }  // namespace
 
 OutgoingMessage::OutgoingMessage(Workbench& wb, frmSettings& settings, SmtpClient& smtp)
-    : wb_(wb), settings_(settings), smtp_(smtp) {}
+    : wb_(wb), settings_(settings), smtp_(smtp), certificateAuthorities_(TrustedAuthorities(wb)) {}
 
 OutgoingMessage::~OutgoingMessage() {
     DeleteFile(EncodedFile());
@@ -77,12 +79,10 @@ std::string OutgoingMessage::EncodedFile() const {
 }
 
 std::string OutgoingMessage::BuildOutgoingMessage(MessageRecord& record) {
+    refused_.clear();
     record.To = Trim(record.To);
     if (record.To.find('@') == std::string::npos || record.To.size() < ShortestAddress)
         return "Invalid e-mail address.";
-    if (settings_.chkServer.Checked())
-        return "Direct delivery to the recipients' mail servers is not part of this version. Turn "
-               "off the internal mail server in the project settings and enter an SMTP server.";
     TakeConnectionSettings();
     record.To = NarrowRecipient(std::move(record.To));
     TakeMessage(record);
@@ -92,8 +92,23 @@ std::string OutgoingMessage::BuildOutgoingMessage(MessageRecord& record) {
     }
     if (!record.Attach.empty())
         if (NetError failed = AddAttachment(record); failed.Failed()) return failed.description;
-    if (NetError failed = LogOn(); failed.Failed()) return failed.description;
-    return smtp_.SetAction(SmtpClient::Action::Send).description;
+    if (!LeaveOutDelivered()) return {};
+    const NetError outcome = Deliver();
+    return outcome.Ok() ? std::string() : ErrorText(outcome);
+}
+
+void OutgoingMessage::GiveUp() {
+    if (direct_)
+        direct_->GiveUp();
+    else
+        smtp_.SetAction(SmtpClient::Action::Idle).Ignore();
+}
+
+std::string OutgoingMessage::ErrorText(const NetError& error) const {
+    const bool refusal = error.code >= 400 && error.description != logonFailure_;
+    if (logonFailure_.empty() || !refusal) return error.description;
+    if (error.code == AuthenticationRequired) return logonFailure_;
+    return error.description + " (" + logonFailure_ + ")";
 }
 
 void OutgoingMessage::TakeConnectionSettings() {
@@ -104,6 +119,7 @@ void OutgoingMessage::TakeConnectionSettings() {
     smtp_.ConnectionSecurity =
         static_cast<Security>(std::max(settings_.cmbSMTPSecurity.ListIndex(), 0));
     smtp_.VerifyCertificate = settings_.chkSMTPVerify.Checked();
+    smtp_.CertificateAuthorities = certificateAuthorities_;
 }
 
 void OutgoingMessage::TakeMessage(const MessageRecord& record) {
@@ -141,13 +157,45 @@ NetError OutgoingMessage::AddAttachment(const MessageRecord& record) {
     return {};
 }
 
+/// False when nobody is left to get the message.
+bool OutgoingMessage::LeaveOutDelivered() {
+    if (DeliveredBefore.empty()) return true;
+    smtp_.Recipients = smtp_.EnvelopeRecipients();
+    std::erase_if(smtp_.Recipients,
+                  [this](const std::string& address) { return DeliveredBefore.contains(address); });
+    return !smtp_.Recipients.empty();
+}
+
+NetError OutgoingMessage::Deliver() {
+    if (settings_.chkServer.Checked()) {
+        if (!direct_) direct_ = std::make_unique<DirectDelivery>(wb_, smtp_);
+        NetError outcome = direct_->Deliver(smtp_.EnvelopeRecipients(), OnDelivered);
+        refused_ = direct_->RefusedRecipients();
+        return outcome;
+    }
+    if (NetError failed = LogOn(); failed.Failed()) return failed;
+    NetError outcome = smtp_.SetAction(SmtpClient::Action::Send);
+    if (outcome.Ok()) refused_ = smtp_.RefusedRecipients();
+    return outcome;
+}
+
+/// Once a run: a wrong password that is tried again and again locks the account.
 NetError OutgoingMessage::LogOn() {
     if (!settings_.chkSMTPAuth.Checked() || !FirstMessage) return {};
     FirstMessage = false;
     const LogonData logon = ReadLogon(wb_);
     if (logon.user.empty() || logon.password.empty()) return {};
-    if (NetError failed = smtp_.SetAction(SmtpClient::Action::Connect); failed.Failed())
+    if (NetError failed = smtp_.SetAction(SmtpClient::Action::Connect); failed.Failed()) {
+        FirstMessage = true;  // the server has not been asked
         return failed;
+    }
+    NetError failed = TellLogon(logon);
+    if (failed.Failed())
+        failed.description = logonFailure_ = "The logon failed: " + failed.description;
+    return failed;
+}
+
+NetError OutgoingMessage::TellLogon(const LogonData& logon) {
     const bool safe = smtp_.IsSecured() || smtp_.IsLocalPeer();
     // Asked for before the logon begins: a server left in the middle of one takes the next line
     // for a password.

@@ -1,16 +1,21 @@
 #pragma once
 
+#include <memory>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "core/frmSettings.h"
 #include "platform/net/SmtpClient.h"
+#include "send/DirectDelivery.h"
+#include "send/Logon.h"
 #include "store/MessageRecord.h"
 
 namespace mailvane {
 
 /// Turns Outbox rows into settings of the mail transfer component and sends them, with the
-/// project's settings. One per run: it remembers whether the logon of the run has been made, and
-/// keeps the coded attachment of the message of the moment.
+/// project's settings. One per run: it remembers what became of the run's logon, and keeps the
+/// coded attachment of the message of the moment.
 class OutgoingMessage {
 public:
     OutgoingMessage(Workbench& wb, frmSettings& settings, SmtpClient& smtp);
@@ -21,24 +26,40 @@ public:
     /// Sends one message. "" when it was accepted, else the error text. `record` is changed on the
     /// way as the wire form needs it.
     std::string BuildOutgoingMessage(MessageRecord& record);
+    /// Ends BuildOutgoingMessage from inside its waits.
+    void GiveUp();
+    /// Of the last message: addresses that were refused while it was taken for others.
+    const std::vector<RefusedRecipient>& RefusedRecipients() const { return refused_; }
+    /// The error text of a failure: what a server refuses after a failed logon is put down to that.
+    std::string ErrorText(const NetError& error) const;
     /// The last line has no line end when there is a priority.
     std::string BuildExtraHeaders(const MessageRecord& record) const;
     /// Base64 of a short text, without a line end.
     static std::string Base64Line(const std::string& text);
 
-    bool FirstMessage = true;
+    bool FirstMessage = true;               ///< the logon of the run is still to be made
+    std::set<std::string> DeliveredBefore;  ///< addresses that have the next message already
+    /// Of a part of the present message, as DirectDelivery tells it.
+    DirectDelivery::NoteDelivered OnDelivered = [](const auto&) { return true; };
 
 private:
     void TakeConnectionSettings();
     void TakeMessage(const MessageRecord& record);
     void AddHtml(MessageRecord& record) const;
     NetError AddAttachment(const MessageRecord& record);
+    bool LeaveOutDelivered();
+    NetError Deliver();
     NetError LogOn();
+    NetError TellLogon(const LogonData& logon);
     std::string EncodedFile() const;
 
     Workbench& wb_;
     frmSettings& settings_;
     SmtpClient& smtp_;
+    const std::string certificateAuthorities_;
+    std::unique_ptr<DirectDelivery> direct_;  ///< made for the first message that goes so
+    std::vector<RefusedRecipient> refused_;
+    std::string logonFailure_;  ///< why the run's logon failed
 };
 
 }  // namespace mailvane

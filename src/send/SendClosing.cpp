@@ -38,7 +38,7 @@ void SendRun::StopForStore() {
     std::string text =
         "The message store cannot be written: " + storeFailure_.description +
         "\r\nThe run stops here. The messages that were not sent stay in the Outbox.";
-    if (!memory_.unrecorded.empty())
+    if (!memory_.unrecorded.empty() || partFailure_.Failed())
         text +=
             "\r\nThe server has accepted the last message, but that could not be recorded: leave "
             "the "
@@ -62,8 +62,11 @@ AcceptedMessages SendRun::FinishMessages(const AcceptedMessages& accepted) {
     AcceptedMessages unfinished = FinishSentMessages(
         wb_, accepted, settings_.chkSaveSentMessages.Checked(), [this] { YieldBriefly(wb_); },
         [this](const DaoError& error) { NoteError(error); });
-    for (const auto& [id, attempt] : accepted)
-        if (!unfinished.contains(id)) memory_.unrecorded.erase(id);
+    for (const auto& [id, attempt] : accepted) {
+        if (unfinished.contains(id)) continue;
+        memory_.unrecorded.erase(id);
+        memory_.unrecordedRecipients.erase(id);
+    }
     return unfinished;
 }
 
@@ -74,6 +77,7 @@ void SendRun::DeleteUndeliverables() {
     // Undeliverable messages that stay are tried again by the next run.
     static_cast<void>(
         database_->Execute("DELETE FROM [Outbox] WHERE Retries > " + std::to_string(most)));
+    NoteError(DeliveredLedger::RemoveGone(*database_));
 }
 
 void SendRun::HangUp() {
@@ -95,7 +99,8 @@ void SendRun::FinishSendRun() {
     } else {
         ShowStatus("Some errors occurred while processing the requested tasks.");
     }
-    log_.Close();
+    if (!log_.Close())
+        errors_ += std::string("Error: The session log could not be written.") + "\r\n";
     for (const auto& recordset : {outbox_, ledger_})
         if (recordset) recordset->Close();
     if (database_) database_->Close();

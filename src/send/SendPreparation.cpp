@@ -13,6 +13,7 @@ constexpr std::int64_t SilentRows = 20;        ///< so many are listed without a
 constexpr std::int64_t ManySentItems = 40000;  ///< more than this raise the question
 constexpr std::size_t ListPiece = 500;
 constexpr const char* Preparing = "Preparing messages...";
+constexpr const char* LineEnd = "\r\n";
 
 }  // namespace
 
@@ -67,11 +68,11 @@ bool SendRun::PrepareSendList() {
 void SendRun::TakeStatusForm() {
     status_ = &wb_.forms.Get<frmStatusEmail>();
     status_->onStopTransfer = [this] {
-        smtp_.SetAction(SmtpClient::Action::Idle).Ignore();
+        outgoing_.GiveUp();
         smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
     };
     status_->onGiveUpMessage = [this] {
-        smtp_.SetAction(SmtpClient::Action::Idle).Ignore();
+        outgoing_.GiveUp();
         smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
         smtp_.MailServer = "";
     };
@@ -109,15 +110,24 @@ bool SendRun::OpenOutbox() {
         return false;
     }
     outbox_ = *opened;
-    auto ledger = SentLedger::Open(*database_);
-    if (ledger.Ok())
-        ledger_ = *ledger;
-    else
-        storeFailure_ = ledger.Error();
+    storeFailure_ = OpenLedgers();
     count_ = outbox_->RecordCount();
     status_->Progress1.SetMaximum(static_cast<long>(count_));
     status_->Progress1.SetValue(0);
     return true;
+}
+
+/// Without them nothing can be sent: it might be sent twice.
+DaoError SendRun::OpenLedgers() {
+    auto ledger = SentLedger::Open(*database_);
+    if (ledger.Failed()) return ledger.Error();
+    ledger_ = *ledger;
+    auto delivered = DeliveredLedger::Entries(*database_);
+    if (delivered.Failed()) return delivered.Error();
+    deliveredBefore_ = std::move(*delivered);
+    for (const auto& [id, addresses] : memory_.unrecordedRecipients)
+        deliveredBefore_[id].insert(addresses.begin(), addresses.end());
+    return {};
 }
 
 /// A row that no run has tried yet may have no number of attempts.
@@ -142,7 +152,8 @@ void SendRun::OfferToEmptySentItems() {
 void SendRun::StartLog() {
     const bool wanted = settings_.chkServer.Checked() && !projectFolder_.empty() &&
                         GetUserSetting(wb_, "MailServer", "Logs") == "1";
-    if (wanted) log_.Open(projectFolder_, wb_.platform.clock.Now());
+    if (!wanted || log_.Open(projectFolder_, wb_.platform.clock.Now())) return;
+    AddError(std::string("Error: The session log could not be written.") + LineEnd);
 }
 
 }  // namespace mailvane

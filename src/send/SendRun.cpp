@@ -46,6 +46,10 @@ SendRun::SendRun(Workbench& wb, frmSettings& settings, SendMemory& memory)
     };
     smtp_.onProgress = [this](std::int64_t, std::int64_t) { NoteActivity(); };
     smtp_.onIdle = [this] { Yield(); };
+    outgoing_.OnDelivered = [this](const std::vector<std::string>& addresses) {
+        partFailure_ = NoteDelivered(addresses);
+        return partFailure_.Ok();
+    };
 }
 
 SendRun::~SendRun() {
@@ -124,10 +128,15 @@ void SendRun::SendCurrentMessage(std::size_t row) {
     NoteActivity();
     // Giving up the message before has taken the server's name away.
     smtp_.MailServer = settings_.txtSMTPServer.Text();
+    const auto delivered = deliveredBefore_.find(id);
+    outgoing_.DeliveredBefore =
+        delivered == deliveredBefore_.end() ? std::set<std::string>() : delivered->second;
     sending_ = true;
     const std::string error = outgoing_.BuildOutgoingMessage(record);
     sending_ = false;
+    NoteRefusedRecipients();
     RecordSendResult(id, error, row);
+    if (partFailure_.Failed()) storeFailure_ = partFailure_;
 }
 
 void SendRun::RecordSendResult(std::int32_t id, const std::string& error, std::size_t row) {
@@ -135,7 +144,6 @@ void SendRun::RecordSendResult(std::int32_t id, const std::string& error, std::s
         sent_[id] = attempt_;
         StepOn([&] { return SentLedger::Record(*ledger_, id, attempt_); }, true);
         if (storeFailure_.Failed()) memory_.unrecorded[id] = attempt_;
-        NoteRefusedRecipients();
         status_->SetMessageStatus(row, Success);
         return;
     }
@@ -169,8 +177,16 @@ void SendRun::TakeUp() {
     nextId_ = static_cast<std::int32_t>(id.Ok() ? id->NumberOr(0) : 0);
 }
 
+/// Keeps them from getting the message again when the rest of it has to wait for another run.
+DaoError SendRun::NoteDelivered(const std::vector<std::string>& addresses) {
+    DaoError failed = DeliveredLedger::Record(*database_, nextId_, addresses);
+    if (failed.Failed())
+        memory_.unrecordedRecipients[nextId_].insert(addresses.begin(), addresses.end());
+    return failed;
+}
+
 void SendRun::NoteRefusedRecipients() {
-    for (const RefusedRecipient& refused : smtp_.RefusedRecipients()) {
+    for (const RefusedRecipient& refused : outgoing_.RefusedRecipients()) {
         AddError(ErrorBlock(refused.answer, "", refused.address, current_.subject,
                             wb_.platform.clock.Now().ShortDate()));
     }
@@ -193,8 +209,9 @@ DaoError SendRun::MarkFailed() {
 void SendRun::OnSmtpError(int code, const std::string& description) {
     if (!sending_) return;  // taking leave of the server has failed: no message suffers
     if (code == net_error::AnswerLost) ++doubtful_;
-    AddError(ErrorBlock(description, "From: " + current_.from + LineEnd, current_.to,
-                        current_.subject, wb_.platform.clock.Now().Stamp()));
+    const std::string text = outgoing_.ErrorText({code, description});
+    AddError(ErrorBlock(text, "From: " + current_.from + LineEnd, current_.to, current_.subject,
+                        wb_.platform.clock.Now().Stamp()));
 }
 
 void SendRun::OnProtocol(Direction direction, const std::string& text) {
@@ -216,7 +233,7 @@ void SendRun::Yield() {
     if (status_) status_->ShowProtocolWhenDue();
     YieldBriefly(wb_);
     // The run's own forms have gone with their project: nobody is left to send for.
-    if (sending_ && Interrupted()) smtp_.SetAction(SmtpClient::Action::Idle).Ignore();
+    if (sending_ && Interrupted()) outgoing_.GiveUp();
 }
 
 bool SendRun::Interrupted() const {

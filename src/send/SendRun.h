@@ -10,14 +10,16 @@
 #include "send/OutgoingMessage.h"
 #include "send/SessionLog.h"
 #include "send/frmStatusEmail.h"
+#include "store/DeliveredRecipients.h"
 #include "store/SentLedger.h"
 
 namespace mailvane {
 
 /// What one send run leaves to the next while the program runs.
 struct SendMemory {
-    bool dialPromptShown = false;  ///< the warning of a missing line has been shown
-    AcceptedMessages unrecorded;   ///< accepted messages that the store could not note
+    bool dialPromptShown = false;              ///< the warning of a missing line has been shown
+    AcceptedMessages unrecorded;               ///< accepted messages that the store could not note
+    DeliveredRecipients unrecordedRecipients;  ///< the same for parts of messages
 };
 
 /// One send run: takes every row of the Outbox, in table order, through BuildOutgoingMessage,
@@ -44,6 +46,7 @@ private:
     void FillMessageList(const Recordset& list);
     void TakeStatusForm();
     bool OpenOutbox();
+    DaoError OpenLedgers();
     void OfferToEmptySentItems();
     void StartLog();
     void ResetRetries();
@@ -52,6 +55,7 @@ private:
     bool WalkOutbox();
     void SendCurrentMessage(std::size_t row);
     void RecordSendResult(std::int32_t id, const std::string& error, std::size_t row);
+    DaoError NoteDelivered(const std::vector<std::string>& addresses);
     void NoteRefusedRecipients();
     DaoError MarkFailed();
     void StepOn(const std::function<DaoError()>& noteResult, bool durable);
@@ -109,7 +113,9 @@ private:
     DaoResult<MessageRecord> next_ = MessageRecord();  ///< and what is in it
     AcceptedMessages sent_;
     AcceptedMessages acceptedBefore_;  ///< an earlier run could not take these out
-    std::int64_t doubtful_ = 0;        ///< messages whose answer was lost
+    DeliveredRecipients deliveredBefore_;
+    DaoError partFailure_;       ///< the store could not note that a part of a message was taken
+    std::int64_t doubtful_ = 0;  ///< messages whose answer was lost
     std::string errors_;
 };
 

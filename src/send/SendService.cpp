@@ -1,9 +1,17 @@
 #include "send/SendService.h"
 
+#include <algorithm>
+
+#include "connection/ConnectionService.h"
+#include "connection/frmConnectionTest.h"
 #include "core/Running.h"
+#include "core/Text.h"
 #include "core/frmSettings.h"
+#include "send/Logon.h"
 #include "send/SendRun.h"
 #include "send/frmMSGSndRecvError.h"
+#include "send/frmMailServer.h"
+#include "send/frmSMTPAuthentication.h"
 #include "send/frmStatusEmail.h"
 
 namespace mailvane {
@@ -19,9 +27,33 @@ struct SendService::State {
     Subscription created;
 };
 
+namespace {
+
+/// The relay of the project, with the logon when it needs one.
+MailAccount OutgoingAccount(const Workbench& wb, const frmSettings& settings) {
+    MailAccount account;
+    account.server = Trim(settings.txtSMTPServer.Text());
+    account.port = static_cast<int>(NumberOf(settings.txtSMTPPort.Text()));
+    account.security = static_cast<Security>(std::max(settings.cmbSMTPSecurity.ListIndex(), 0));
+    account.verifyCertificate = settings.chkSMTPVerify.Checked();
+    account.certificateAuthorities = TrustedAuthorities(wb);
+    if (!settings.chkSMTPAuth.Checked()) return account;
+    LogonData logon = ReadLogon(wb);
+    account.user = std::move(logon.user);
+    account.password = std::move(logon.password);
+    return account;
+}
+
+}  // namespace
+
 void SendService::State::Attach(frmSettings& settings) {
     memory.dialPromptShown = false;
     settings.cmdSendEmail.onClick = [this, &settings] { Send(settings); };
+    settings.SSCommand1.onClick = [this] { ShowMailServer(wb); };
+    settings.cmdSMTPAuth.onClick = [this] { ShowSmtpAuthentication(wb); };
+    settings.cmdTestSMTP.onClick = [this, &settings] {
+        ShowConnectionTest(wb, OutgoingAccount(wb, settings));
+    };
     settings.Timer1.onTimer = [this, &settings] {
         settings.Timer1.Stop();
         CloseWindowByTitle(wb, ErrorLogCaption);

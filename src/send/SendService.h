@@ -6,8 +6,8 @@
 
 namespace mailvane {
 
-/// Attaches the send run to frmSettings whenever that form is made. One per workbench; lives as
-/// long.
+/// Attaches the send run, the SMTP logon and the internal mail server to frmSettings whenever that
+/// form is made. One per workbench; lives as long.
 class SendService {
 public:
     explicit SendService(Workbench& wb);

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "store/DeliveredRecipients.h"
 #include "store/MessageStore.h"
 
 namespace mailvane {
@@ -102,7 +103,9 @@ AcceptedMessages FinishSentMessages(Workbench& wb, const AcceptedMessages& accep
     }
     // Numbers of rows are never given out twice, so that an entry that a crash leaves does no harm.
     if (store->IsOpen())
-        if (DaoError failed = SentLedger::RemoveGone(*store); failed.Failed()) onFailure(failed);
+        for (DaoError failed :
+             {SentLedger::RemoveGone(*store), DeliveredLedger::RemoveGone(*store)})
+            if (failed.Failed()) onFailure(failed);
     return unfinished;
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/Sifrant.h"
 #include "core/Text.h"
 #include "send/AttachmentName.h"
 #include "send/Logon.h"
@@ -25,10 +24,13 @@ struct WireBench : SendBench {
         record.Subject = "S";
         record.Body = "Text";
     }
+    std::string Send() {
+        smtp.MailServer = settings.txtSMTPServer.Text();
+        return outgoing.BuildOutgoingMessage(record);
+    }
     /// The message as the server got it; "" when it got none.
     std::string Wire() {
-        smtp.MailServer = settings.txtSMTPServer.Text();
-        EXPECT_EQ(outgoing.BuildOutgoingMessage(record), "");
+        EXPECT_EQ(Send(), "");
         const auto messages = server.Messages();
         return messages.empty() ? std::string() : messages.back().data;
     }
@@ -216,13 +218,6 @@ TEST(BuildOutgoingMessage, TextOutsideAsciiIsDeclared) {
               std::string::npos);
 }
 
-TEST(BuildOutgoingMessage, DirectDeliverySaysThatItIsNotThere) {
-    WireBench bench;
-    bench.settings.chkServer.SetChecked(true);
-    EXPECT_TRUE(bench.outgoing.BuildOutgoingMessage(bench.record).starts_with("Direct delivery"));
-    EXPECT_EQ(bench.server.Connections(), 0);
-}
-
 TEST(BuildOutgoingMessage, PortThatIsNoNumberBecomes25) {
     WireBench bench;
     bench.settings.txtSMTPPort.SetText("smtp");
@@ -232,11 +227,8 @@ TEST(BuildOutgoingMessage, PortThatIsNoNumberBecomes25) {
 }
 
 void StoreLogon(WireBench& bench, const std::string& user, const std::string& password) {
-    const std::string file = LogonFile(bench.wb.state);
     MakeFolders(bench.wb.state.ProjectFolder + "/Import");
-    Sifrant sifrant;
-    IniWrite("Data", "1", UrlEncode(sifrant.Sifriraj(user, LogonKey)), file);
-    IniWrite("Data", "2", UrlEncode(sifrant.Sifriraj(password, LogonKey)), file);
+    EXPECT_TRUE(WriteLogon(bench.wb, {user, password}));
 }
 
 TEST(SmtpLogon, HappensOnceAndShowsNoPassword) {
@@ -273,6 +265,49 @@ TEST(SmtpLogon, WithoutUserOrPasswordTheMessageGoesWithoutIt) {
     WireBench bench;
     bench.settings.chkSMTPAuth.SetChecked(true);
     EXPECT_NE(bench.Wire(), "") << "no logon store at all";
+}
+
+TEST(SmtpLogon, IsNotTriedAgainAndLaterRefusalsArePutDownToIt) {
+    struct Case {
+        const char* name;
+        const char* answer;  ///< to a message without a logon
+        const char* error;
+    };
+    const Case cases[] = {
+        {"logon wanted", "530 Authentication required", "The logon failed: 535 Wrong password"},
+        {"another reason", "550 No such user",
+         "550 No such user (The logon failed: 535 Wrong password)"},
+        {"no logon wanted", "", ""},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        WireBench bench;
+        bench.settings.chkSMTPAuth.SetChecked(true);
+        StoreLogon(bench, "ann", "secret");
+        bench.server.answer = [&](const std::string& step, const auto&) {
+            return step == "AUTH LOGIN"       ? "535 Wrong password"
+                   : step.starts_with("RCPT") ? test.answer
+                                              : "";
+        };
+        EXPECT_EQ(bench.Send(), "The logon failed: 535 Wrong password");
+        EXPECT_EQ(bench.Send(), test.error);
+        EXPECT_EQ(bench.Send(), test.error);
+        const std::vector<std::string> lines = bench.server.Lines();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), "AUTH LOGIN"), 1);
+    }
+}
+
+TEST(SmtpLogon, WaitsForAServerThatCannotBeReached) {
+    WireBench bench;
+    bench.settings.chkSMTPAuth.SetChecked(true);
+    StoreLogon(bench, "ann", "secret");
+    bench.server.answer = [&](const std::string& step, const auto&) {
+        return step == "(greeting)" && bench.server.Connections() == 1 ? "421 Too busy" : "";
+    };
+    EXPECT_EQ(bench.Send(), "421 Too busy");
+    EXPECT_EQ(bench.Send(), "");
+    const std::vector<std::string> lines = bench.server.Lines();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "AUTH LOGIN"), 1);
 }
 
 TEST(AttachmentName, BareNameAndItsParameter) {

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -39,13 +40,17 @@ public:
     /// Number of the message, from 1, whose data gets no answer: the server hangs up. 0 for none.
     int hangUpAtMessage = 0;
 
-    FakeSmtpServer() {
+    /// On another address of the loopback, and on a port of the test's choice.
+    explicit FakeSmtpServer(const std::string& host = "127.0.0.1", int port = 0) {
         listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
         const int room = 64 * 1024;  // a server that stops reading is felt soon
         ::setsockopt(listener_, SOL_SOCKET, SO_RCVBUF, &room, sizeof room);
         sockaddr_in address{};
         address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(static_cast<std::uint16_t>(port));
+        ::inet_pton(AF_INET, host.c_str(), &address.sin_addr);
+        const int on = 1;  // a port whose earlier connections still fade out
+        ::setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
         auto* generic = reinterpret_cast<sockaddr*>(&address);
         socklen_t length = sizeof address;
         if (::bind(listener_, generic, length) == 0 && ::listen(listener_, 8) == 0 &&
@@ -255,9 +260,8 @@ private:
                 usual += "250-" + extension + "\r\n";
             Say(line, usual + "250 SIZE 0");
         } else if (line == "AUTH LOGIN") {
-            mode_ = Mode::Logon;
             logonLines_ = 0;
-            output_ += "334 VXNlcm5hbWU6\r\n";
+            if (Say(line, "334 VXNlcm5hbWU6")) mode_ = Mode::Logon;
         } else if (line.starts_with("MAIL")) {
             StartMessage(AddressIn(line));
             if (!Say(line, "250 OK")) StartMessage("");

@@ -233,6 +233,7 @@ NetError SmtpClient::State::LogonAgain() {
 // --- messages ---------------------------------------------------------------------------------
 
 std::vector<std::string> SmtpClient::State::Recipients() const {
+    if (!client.Recipients.empty()) return client.Recipients;
     std::vector<std::string> recipients;
     std::unordered_set<std::string> seen;
     for (const std::string* list : {&client.SendTo, &client.Cc, &client.BCc}) {
@@ -249,7 +250,7 @@ NetError SmtpClient::State::Send() {
     if (recipients.empty()) return {net_error::NoRecipients, "No recipient is given."};
     const std::vector<std::string> senders = AddressesOf(client.From);
     if (senders.empty()) return {net_error::NoSender, "No sender's address is given."};
-    composed = false;
+    if (!client.SameMessage) composed = false;
     const NetError error = Deliver(recipients, senders.front());
     if (error.Ok()) SendPostponed(senders.front(), recipients.size() - refused.size());
     return error;
@@ -340,6 +341,8 @@ void SmtpClient::State::ResetMessage() {
           &client.OtherHeaders, &client.MessageText, &client.AttachedFile, &client.Date}) {
         property->clear();
     }
+    client.Recipients.clear();
+    client.SameMessage = composed = false;
     refused.clear();
 }
 
@@ -375,6 +378,10 @@ NetError SmtpClient::SetAction(Action action) {
 
 NetError SmtpClient::Command(const std::string& line, bool secret) {
     return state_->Perform([&] { return state_->Command(line, secret); });
+}
+
+std::vector<std::string> SmtpClient::EnvelopeRecipients() const {
+    return state_->Recipients();
 }
 
 bool SmtpClient::IsConnected() const {

@@ -39,8 +39,9 @@ inline constexpr int AnswerLost = 12;
 inline constexpr int Busy = 13;
 inline constexpr int NoSender = 14;
 inline constexpr int FileUnwritable = 15;
-inline constexpr int TooLarge = 16;    ///< the message is over the limit that the server told
-inline constexpr int BadAddress = 17;  ///< an address that this server cannot take
+inline constexpr int TooLarge = 16;     ///< the message is over the limit that the server told
+inline constexpr int BadAddress = 17;   ///< an address that this server cannot take
+inline constexpr int NoMailTaken = 18;  ///< the domain says that it takes no mail (RFC 7505)
 }  // namespace net_error
 
 /// How the connection is secured (the values of the settings form).
@@ -99,6 +100,12 @@ public:
     std::string SendTo;
     std::string Cc;
     std::string BCc;  ///< envelope only, never a header
+    /// The bare addresses that get the message, when they are not those of SendTo, Cc and BCc; the
+    /// headers stay as they are. Empty takes those.
+    std::vector<std::string> Recipients;
+    /// The message that Send took last goes out once more, to other recipients: it keeps its
+    /// Message-ID and Date.
+    bool SameMessage = false;
     std::string Subject;
     /// A block of header lines, as it stands; the last needs no line end. Only empty lines go, and
     /// values outside ASCII become encoded words.
@@ -116,6 +123,9 @@ public:
     /// Sends one line and waits for the answer; a 4xx or 5xx answer is a failure with its code.
     /// `secret` shows the line as "***" in the protocol.
     NetError Command(const std::string& line, bool secret = false);
+
+    /// Whom the message goes to: bare addresses, each once.
+    std::vector<std::string> EnvelopeRecipients() const;
 
     bool IsConnected() const;
     bool IsSecured() const;    ///< TLS is on
