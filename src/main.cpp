@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "connection/ConnectionService.h"
 #include "core/Workbench.h"
 #include "core/shell/frmMain.h"
 #include "database/DatabaseService.h"
@@ -30,6 +31,7 @@ Usage: mailvane [options] [PROJECT.poc]
   PROJECT.poc      open this project
   --home DIR       the program folder, with messages.dat and the user's settings
                    (otherwise $MAILVANE_HOME, or mailvane in the user's data folder)
+  --task NAME      start unattended, as the scheduled task of that name
   --script FILE    play an automation script, without the start-up dialogs
   --headless       no windows and no display; needs --script
   --with-dialogs   with --script: show the start-up dialogs, for the script to answer
@@ -57,8 +59,10 @@ std::optional<Arguments> ReadArguments(const std::vector<std::string>& words, in
     status = 0;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string& word = words[i];
+        std::string task;
         std::string* value = word == "--home"     ? &arguments.home
                              : word == "--script" ? &arguments.script
+                             : word == "--task"   ? &task
                                                   : nullptr;
         if (value) {
             if (i + 1 == words.size()) {
@@ -67,6 +71,7 @@ std::optional<Arguments> ReadArguments(const std::vector<std::string>& words, in
                 return {};
             }
             *value = words[++i];
+            if (!task.empty()) arguments.commandLine = "\\SHC " + task;
         } else if (word == "--headless") {
             arguments.headless = true;
         } else if (word == "--with-dialogs") {
@@ -156,6 +161,7 @@ int Run(const Arguments& arguments, WindowSystem& windows, Clock& clock) {
     Workbench bench(platform);
     DatabaseService databases(bench);
     SendService sending(bench);
+    ConnectionService connections(bench);
     PromptScript prompts;
     int status = 0;
 

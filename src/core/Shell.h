@@ -22,6 +22,10 @@ public:
     virtual Button& ShowProgressButton() = 0;                  ///< `cmdProgress`
     virtual Button& HideProgressButton() = 0;                  ///< `cmdNoProgress`
     virtual Button& SaveButton() = 0;                          ///< `cmdSave`
+    /// What `cmdCompactMessages` and `cmdCompactDatabase` do. False when it failed, which has been
+    /// told.
+    virtual bool CompactMessageStore() = 0;
+    virtual bool CompactRecipients() = 0;
     virtual void AddRecentFile(const std::string& path) = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "store/MessageStore.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "core/Paths.h"
@@ -14,6 +15,9 @@ namespace {
 constexpr const char* StoreFile = "/messages.dat";
 constexpr const char* BuiltInFolders[] = {InboxFolder,        OutboxFolder, SentItemsFolder,
                                           DeletedItemsFolder, DraftsFolder, ImportedMessagesFolder};
+
+/// The keys of a folder in a few dense pages: listing it does not pass over the messages' bodies.
+constexpr const char* KeysIndex = "Keys";
 
 Field Column(const std::string& name, FieldType type) {
     Field column;
@@ -98,7 +102,8 @@ DaoError AddFolderColumns(Database& store, const std::string& name) {
                     Column("Mailer", Text), Column("ContentType", Text), Column("HTML", Text),
                     RowIdentity(),          Column("HTMLCode", Memo),    Column("Status", Text),
                     FailedAttempts()};
-    table.indexes = {{.name = "Index1", .fields = {"ID"}, .primary = true, .unique = false}};
+    table.indexes = {{.name = "Index1", .fields = {"ID"}, .primary = true, .unique = false},
+                     {.name = KeysIndex, .fields = {"ID"}}};
     return store.AppendTable(table);
 }
 
@@ -114,6 +119,18 @@ void AddMissingColumn(Workbench& wb, const std::string& name, FieldType type,
     for (const std::string& folder : (*store)->UserTableNames().ValueOr({}))
         if ((*store)->AppendField(folder, column).Failed()) return;
     SaveUserSetting(wb, "Columns", name, "0");
+}
+
+void AddMissingIndex(Workbench& wb) {
+    const auto workspace = Workspace::Create();
+    const auto store = workspace->OpenDatabase(MessageStorePath(wb));
+    if (store.Failed()) return;
+    const auto inbox = (*store)->GetTableDef(InboxFolder);
+    const auto isKeys = [](const Index& index) { return index.name == KeysIndex; };
+    if (inbox.Failed() || std::any_of(inbox->indexes.begin(), inbox->indexes.end(), isKeys)) return;
+    // The Inbox comes first and is the mark: what fails after it only lists more slowly.
+    for (const std::string& folder : (*store)->UserTableNames().ValueOr({}))
+        if ((*store)->AppendIndex(folder, {.name = KeysIndex, .fields = {"ID"}}).Failed()) return;
 }
 
 }  // namespace mailvane

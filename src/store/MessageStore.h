@@ -27,6 +27,8 @@ DaoError AddFolderColumns(Database& store, const std::string& name);
 /// Gives every folder a column that older stores lack; Inbox alone tells whether it is there.
 void AddMissingColumn(Workbench& wb, const std::string& name, FieldType type,
                       const std::string& defaultValue);
+/// The same for the index of the keys.
+void AddMissingIndex(Workbench& wb);
 
 /// The only writer of new rows. Deletes the old row first when asked to, then stores `record` in
 /// `folder` (nothing when that is blank), with signature and wrap on the way into Outbox; with

@@ -77,6 +77,7 @@ void frmViewEmail::OnLoad() {
     const DaoError made = EnsureMessageStore(wb_);
     AddMissingColumn(wb_, "Status", FieldType::Text, "");
     AddMissingColumn(wb_, "Retries", FieldType::Integer, "0");
+    AddMissingIndex(wb_);
     DataEmail.Bind(EmailGrid);
     OpenStore(made);
     FillFolders();
@@ -92,11 +93,7 @@ void frmViewEmail::OnUnload() {
 /// `made` is the outcome of making a store where there was none.
 void frmViewEmail::OpenStore(const DaoError& made) {
     DataEmail.DatabaseName = MessageStorePath(wb_);
-    DataEmail.RecordSource = InboxFolder;
-    DaoError outcome = DataEmail.Refresh();
-    ChooseColumns({});
-    if (outcome.Ok()) outcome = OpenMessageStore(wb_);
-    if (made.Failed()) outcome = made;
+    const DaoError outcome = made.Failed() ? made : OpenMessageStore(wb_);
     if (outcome.Failed() && !wb_.state.UnattendedRun)
         Tell(wb_, outcome.description, BoxIcon::Critical);
 }

@@ -1,16 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "core/Project.h"
-#include "core/Settings.h"
 #include "core/frmOptions.h"
-#include "core/frmSettings.h"
-#include "core/shell/CommandTable.h"
-#include "core/shell/frmMain.h"
-#include "database/DatabaseService.h"
 #include "platform/os/Files.h"
-#include "send/SendService.h"
+#include "shell/ShellBench.h"
 #include "store/MergeMark.h"
 #include "store/MessageStore.h"
 #include "support/TestBench.h"
@@ -18,48 +11,7 @@
 namespace mailvane {
 namespace {
 
-/// The program as main makes it, without a screen.
-class Shell : public testing::Test, protected test::HeadlessBench {
-protected:
-    frmMain& Start(const std::string& commandLine = {}, bool dialogs = true) {
-        auto& form = wb.forms.Load<frmMain>();
-        form.Start({commandLine, dialogs});
-        return form;
-    }
-    std::string Path(const std::string& name) const { return folder.Path() + "/" + name; }
-    /// Carries a command out with that file chosen in its dialog.
-    void Command(const std::string& name, const std::string& file = {}) {
-        if (!file.empty()) windows.prompts.QueueFile(file);
-        EXPECT_EQ(wb.shell->ExecuteCommand(name, ""), ControlAnswer::Done) << name;
-        EXPECT_EQ(windows.prompts.Failure(), std::nullopt);
-    }
-    std::string Setting(const std::string& key) { return GetUserSetting(wb, "Settings", key); }
-
-    DatabaseService databases{wb};
-    SendService sending{wb};
-};
-
-TEST_F(Shell, EveryToolHasItsPlaceAndEveryPlaceItsTool) {
-    std::set<std::string> placed;
-    std::set<std::string> bands;
-    for (const Band& band : MainBands()) {
-        bands.insert(">" + band.name);
-        placed.insert(band.entries.begin(), band.entries.end());
-    }
-    std::set<std::string> tools;
-    for (const Tool& tool : Start().ActiveBar1.Tools()) {
-        EXPECT_TRUE(tools.insert(tool.name).second) << tool.name;
-        EXPECT_TRUE(placed.contains(tool.name) || tool.name == "Start") << tool.name;
-    }
-    for (const std::string& entry : placed)
-        EXPECT_TRUE(entry == "-" || bands.contains(entry) || tools.contains(entry)) << entry;
-}
-
-TEST_F(Shell, DisabledAndUnknownToolsDoNothing) {
-    Start();
-    EXPECT_EQ(wb.shell->ExecuteCommand("Mailing lists", ""), ControlAnswer::Disabled);
-    EXPECT_EQ(wb.shell->ExecuteCommand("No such tool", ""), ControlAnswer::NoSuchEntry);
-}
+using test::Shell;
 
 TEST_F(Shell, StartMakesTheProgramFolderAndTheHiddenForms) {
     Start();
@@ -88,11 +40,12 @@ TEST_F(Shell, InterruptedMergeIsToldUntilAPersonHasSeenIt) {
     frmMain& form = Start({}, false);
     EXPECT_EQ(form.Panel(),
               "The last merge run was interrupted: 1 of 200 messages are in the Outbox.");
+    AnswerStartUpDialogs();
     for (const bool told : {true, false}) {
-        form.ExitApplication();
+        LeaveProgram();
+        PressWhenOpen("frmProjectDialog", "cmdCancel");
         windows.prompts.UseDefaults();
-        frmMain& next = wb.forms.Load<frmMain>();
-        next.Start({});
+        frmMain& next = Start({}, true);
         ASSERT_EQ(windows.prompts.Shown().size(), 1u) << "the first time only";
         EXPECT_EQ(next.Panel().empty(), !told);
     }

@@ -65,7 +65,7 @@ TEST(MessageStore, NewStoreHasTheFoldersAndColumnsInOrder) {
               "Size:10 Priority:10 ReplyTo:10 Mailer:10 ContentType:10 HTML:10 ID:4 HTMLCode:12 "
               "Status:10 Retries:3 ");
     EXPECT_TRUE(outbox->FindField("ID")->IsAutoNumber());
-    ASSERT_EQ(outbox->indexes.size(), 1u);
+    ASSERT_EQ(outbox->indexes.size(), 2u);
     EXPECT_EQ(outbox->indexes[0].name, "Index1");
     EXPECT_TRUE(outbox->indexes[0].primary);
     EXPECT_FALSE(outbox->indexes[0].unique);

@@ -68,6 +68,8 @@ public:
     Button& ShowProgressButton() override { return form_.cmdProgress; }
     Button& HideProgressButton() override { return form_.cmdNoProgress; }
     Button& SaveButton() override { return form_.cmdSave; }
+    bool CompactMessageStore() override { return ++messagesCompacted > 0; }
+    bool CompactRecipients() override { return ++recipientsCompacted > 0; }
     void AddRecentFile(const std::string& path) override { recentFiles.push_back(path); }
 
     std::vector<std::pair<std::string, std::string>> commands;
@@ -75,6 +77,8 @@ public:
     std::vector<std::string> panels;  ///< every text that panel 1 has had
     std::string recordPanel;
     std::vector<std::string> recentFiles;
+    int messagesCompacted = 0;
+    int recipientsCompacted = 0;
 
 private:
     FakeMainForm& form_;

@@ -1,17 +1,27 @@
+#include "connection/frmConnectionWizard.h"
 #include "connection/frmDial.h"
 #include "core/Paths.h"
 #include "core/Progress.h"
+#include "core/ProjectPrompts.h"
 #include "core/Running.h"
+#include "core/frmAbout.h"
+#include "core/frmOptions.h"
+#include "core/frmProjectWizard.h"
 #include "core/frmSettings.h"
+#include "core/frmWelcome.h"
 #include "core/shell/frmMain.h"
 #include "database/frmDataWizard.h"
 #include "database/frmViewDatabase.h"
 #include "merge/frmViewMerge.h"
+#include "send/frmMailServer.h"
 #include "store/frmViewEmail.h"
 
 namespace mailvane {
 
 namespace {
+
+constexpr const char* UpgradeText =
+    ". There is no upgrade service for this version: a newer one comes the way this one came.";
 
 /// A view that found nothing to show has said so and is not shown.
 bool CanShow(const Form& form) {
@@ -30,7 +40,7 @@ ControlAnswer frmMain::ExecuteCommand(const std::string& toolName, const std::st
     if (wb_.state.LoadingProject) return ControlAnswer::Done;
     const std::string name = tool->name;
     const bool known = RunFileCommand(name, toolCaption) || RunMailCommand(name) ||
-                       RunViewCommand(name) || RunOtherCommand(name);
+                       RunViewCommand(name) || RunToolCommand(name) || RunHelpCommand(name);
     return known ? ControlAnswer::Done : ControlAnswer::Impossible;
 }
 
@@ -38,7 +48,7 @@ bool frmMain::RunFileCommand(const std::string& name, const std::string& caption
     if (name == "New")
         NewProject();
     else if (name == "Open") {
-        const std::string path = BrowseFile(wb_, false, "Mailvane projects", ".poc");
+        const std::string path = BrowseProjectFile(wb_, false);
         if (!path.empty()) OpenExistingProject(path);
     } else if (name == "Save")
         SaveCommand();
@@ -46,6 +56,10 @@ bool frmMain::RunFileCommand(const std::string& name, const std::string& caption
         SaveAsCommand();
     else if (name.starts_with("RecentFile"))
         OpenExistingProject(caption);
+    else if (name == "New Project Wizard")
+        wb_.forms.Get<frmProjectWizard>().Show();
+    else if (name == "Project Dialog")
+        RunProjectDialog();
     else if (name == "exit")
         OnCloseBox();
     else
@@ -121,21 +135,40 @@ bool frmMain::RunViewCommand(const std::string& name) {
     return true;
 }
 
-bool frmMain::RunOtherCommand(const std::string& name) {
+bool frmMain::RunToolCommand(const std::string& name) {
     if (name == "NewDatabase")
         StartDataWizard(wb_, DataWizardMode::NewDatabase);
     else if (name == "ImportData")
         StartDataWizard(wb_, DataWizardMode::Import);
+    else if (name == "Options")
+        ShowModalDialog(wb_, wb_.forms.Get<frmOptions>());
+    else if (name == "Connection Wizard")
+        wb_.forms.Get<frmConnectionWizard>().Show();
+    else if (name == "Internal Mail Server")
+        ShowMailServer(wb_);
     else if (name == "Scheduler") {
         const std::string document = wb_.platform.programFolder + "/.shd";
         if (FileExists(document))
             OpenDocument(wb_, document);
         else
-            TellFilesCorrupted();
-    } else if (name == "Help")
+            TellFilesCorrupted(wb_);
+    } else
+        return false;
+    return true;
+}
+
+bool frmMain::RunHelpCommand(const std::string& name) {
+    if (name == "Help")
         OpenDocument(wb_, HelpFile(wb_));
     else if (name == "Information (phone and other info)")
         ShowHelpContext(wb_);
+    else if (name == "Welcome")
+        wb_.forms.Get<frmWelcome>().Show();
+    else if (name == "About")
+        ShowModalDialog(wb_, wb_.forms.Get<frmAbout>());
+    else if (name == "Upgrade")
+        Tell(wb_, std::string("This is ") + ProgramTitle + " " + ProgramVersion + UpgradeText,
+             BoxIcon::Information);
     else
         return false;
     return true;

@@ -6,12 +6,16 @@
 #include "core/Project.h"
 #include "core/Shell.h"
 #include "core/Workbench.h"
+#include "core/shell/AssignedTask.h"
+#include "core/shell/StoreUpkeep.h"
 
 namespace mailvane {
 
 struct StartOptions {
     std::string commandLine;  ///< a project file, or "\SHC " and a task name; quotes are dropped
-    bool dialogs = true;      ///< what the start has to say comes as boxes; else in panel 1 only
+    /// Splash, connection wizard, project dialog, welcome screen and warnings are shown; otherwise
+    /// what the start has to say comes in panel 1 only.
+    bool dialogs = false;
     /// True when another start of the program has asked for the window since the last call.
     std::function<bool()> showAsked = {};
 };
@@ -28,8 +32,11 @@ public:
     Button cmdSave{*this, "cmdSave", Button::HiddenButton, [this] { SaveOpenProject(); }};
     Button cmdProgress{*this, "cmdProgress", Button::HiddenButton, [this] { ShowProgress(); }};
     Button cmdNoProgress{*this, "cmdNoProgress", Button::HiddenButton, [this] { HideProgress(); }};
+    Button cmdCompactMessages{*this, "cmdCompactMessages", Button::HiddenButton,
+                              [this] { CompactMessageStore(); }};
+    Button cmdCompactDatabase{*this, "cmdCompactDatabase", Button::HiddenButton,
+                              [this] { CompactRecipients(); }};
     Timer Timer1{*this, "Timer1", std::chrono::milliseconds(50), [this] { SendAndReceive(); }};
-
     Timer Timer2{*this, "Timer2", std::chrono::milliseconds(500), [this] { ShowWhenAsked(); }};
 
     /// Brings everything up: store, project, hidden forms. The window is shown at its end.
@@ -47,6 +54,8 @@ public:
     Button& ShowProgressButton() override { return cmdProgress; }
     Button& HideProgressButton() override { return cmdNoProgress; }
     Button& SaveButton() override { return cmdSave; }
+    bool CompactMessageStore() override;
+    bool CompactRecipients() override;
     void AddRecentFile(const std::string& path) override { RecentFile1.Add(path); }
 
     void OnCloseBox() override { ExitApplication(); }
@@ -55,21 +64,36 @@ private:
     bool RunFileCommand(const std::string& name, const std::string& caption);
     bool RunMailCommand(const std::string& name);
     bool RunViewCommand(const std::string& name);
-    bool RunOtherCommand(const std::string& name);
+    bool RunToolCommand(const std::string& name);
+    bool RunHelpCommand(const std::string& name);
 
-    void RestorePlace();
-    void OpenFirstProject(const StartOptions& options);
+    // The start.
+    void ShowSplash();
+    void RunStartUpChecks();
+    void OpenFirstProject(const std::string& commandLine, bool dialogs);
+    void RunProjectDialog();
+    void OfferWelcome();
+    void LoadHiddenForms();
+    void RestoreHiddenForms();
+    void TellLargeStore();
+    void TellInterruptedMerge(bool box);
+    void OpenAssignedTask(const std::string& path);
+    void UseLineOfTask(const AssignedTask& task);
+    void ShowWhenAsked();
+
+    // Projects.
     void OpenProject(const std::string& path);
     void OpenExistingProject(const std::string& path);
-    void LoadHiddenForms();
-    void TellInterruptedMerge(bool box);
-    void ShowWhenAsked();
     void NewProject();
+    bool MakeProject(const std::string& path);
     void SaveOpenProject();
     void SaveCommand();
     void SaveAsCommand();
-    void StorePlace();
-    void CloseStores();
+
+    // The end.
+    bool WaitForRun();
+    void LeaveProgram();
+    bool TellUpkeep(const DaoError& outcome);
 
     template <class F>
     void ShowView();
@@ -78,9 +102,9 @@ private:
     void ShowProgress();
     void HideProgress();
     void ShowRecentFiles(const std::vector<std::string>& paths);
-    void TellFilesCorrupted();
 
     RecentFile RecentFile1;
+    Subscription unloading_;
     std::function<bool()> showAsked_;
     std::string savedPanel_;
     std::string panelBeforeHover_;

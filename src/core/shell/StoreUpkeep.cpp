@@ -1,0 +1,106 @@
+#include "core/shell/StoreUpkeep.h"
+
+#include <cstdio>
+
+#include "core/Paths.h"
+#include "core/Progress.h"
+#include "core/frmSettings.h"
+#include "core/frmStatus.h"
+#include "database/frmViewDatabase.h"
+#include "merge/frmViewMerge.h"
+#include "platform/os/Files.h"
+#include "store/MessageStore.h"
+#include "store/frmViewEmail.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr const char* BackupEnding = ".bak";
+
+/// The status display over the steps of one compaction.
+class UpkeepProgress {
+public:
+    UpkeepProgress(Workbench& wb, long steps, const std::string& caption)
+        : wb_(wb), pointer_(wb), steps_(steps) {
+        UpdateProgress(wb_, steps, 0, caption);
+        wb_.platform.windows.PumpEvents();
+    }
+    ~UpkeepProgress() {
+        UpdateProgress(wb_, 0, steps_);
+        wb_.forms.Get<frmStatus>().Unload();
+    }
+    UpkeepProgress(const UpkeepProgress&) = delete;
+    UpkeepProgress& operator=(const UpkeepProgress&) = delete;
+
+    void Step() {
+        if (++step_ < steps_) UpdateProgress(wb_, 0, step_);
+        wb_.platform.windows.PumpEvents();
+    }
+
+private:
+    Workbench& wb_;
+    BusyPointer pointer_;
+    long steps_;
+    long step_ = 0;
+};
+
+/// The dense copy takes the file's place in one step: a crash leaves the old file or the new one.
+DaoError PutInPlace(const std::string& copy, const std::string& path) {
+    // A log beside the file would be read into the new one: somebody still has the file open.
+    const bool inUse = FileExists(path + "-wal");
+    if (!inUse && std::rename(copy.c_str(), path.c_str()) == 0) return {};
+    DeleteFile(copy);
+    return MakeDaoError(inUse ? dao_error::OpenedExclusively : dao_error::DiskError, path);
+}
+
+DaoError CompactFile(const std::string& path, UpkeepProgress& progress) {
+    const std::string backup = path + BackupEnding;
+    DeleteFile(backup);
+    progress.Step();
+    if (DaoError failed = DBEngine::CompactDatabase(path, backup); failed.Failed()) return failed;
+    progress.Step();
+    return PutInPlace(backup, path);
+}
+
+void CloseStore(Workbench& wb) {
+    if (auto* view = wb.forms.Find<frmViewEmail>()) view->DataEmail.Close();
+    CloseMessageStore(wb);
+}
+
+template <class F>
+void UnloadIfLoaded(Workbench& wb) {
+    if (F* form = wb.forms.Find<F>()) form->Unload();
+}
+
+}  // namespace
+
+DaoError CompactMessages(Workbench& wb) {
+    const std::string path = MessageStorePath(wb);
+    UpkeepProgress progress(wb, 3, "Compacting messages...");
+    CloseStore(wb);
+    const DaoError outcome = CompactFile(path, progress);
+    if (wb.state.ExitRequested) return outcome;
+    if (DaoError failed = OpenMessageStore(wb); failed.Failed()) return failed;
+    wb.forms.Get<frmViewEmail>().cmdRefresh.Press();
+    return outcome;
+}
+
+DaoError CompactDatabase(Workbench& wb) {
+    const std::string path = wb.forms.Get<frmSettings>().txtAccessDBPath.Text();
+    if (!FileExists(path)) return {};
+    UpkeepProgress progress(
+        wb, 4, "Compacting the " + FileNameFromPath(path, PathSeparator, false) + " database...");
+    UnloadIfLoaded<frmViewDatabase>(wb);
+    UnloadIfLoaded<frmViewMerge>(wb);
+    progress.Step();
+    if (DaoError failed = DBEngine::RepairDatabase(path); failed.Failed()) return failed;
+    return CompactFile(path, progress);
+}
+
+void CleanUpBackup(Workbench& wb) {
+    CloseStore(wb);
+    DeleteFile(MessageStorePath(wb) + BackupEnding);
+}
+
+}  // namespace mailvane
