@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "core/Paths.h"
-#include "core/RecordsetRows.h"
 
 namespace mailvane {
 
@@ -32,6 +31,27 @@ void FitWidths(std::vector<GridColumn>& columns,
     }
 }
 
+CellKind KindOf(const Field& field) {
+    switch (field.type) {
+        case FieldType::Boolean:
+            return CellKind::YesNo;
+        case FieldType::Date:
+            return CellKind::Date;
+        case FieldType::Text:
+        case FieldType::LongBinary:
+            return CellKind::Text;
+        case FieldType::Memo:
+            return CellKind::Memo;
+        default:
+            return CellKind::Number;
+    }
+}
+
+bool IsFixed(const Field& field) {
+    return (field.attributes & UpdatableFieldAttribute) == 0 || field.IsAutoNumber() ||
+           field.type == FieldType::LongBinary;
+}
+
 }  // namespace
 
 DaoError DataControl::Refresh() {
@@ -42,11 +62,23 @@ DaoError DataControl::Refresh() {
         if (opened.Failed()) return opened.Error();
         database_ = *opened;
     }
+    const bool sameTable = recordset_ && TableShown() == shownTable_;
+    const auto bookmark = sameTable ? recordset_->GetBookmark() : DaoResult<Bookmark>(Bookmark{-1});
+    // The keys of a large table are not held twice.
+    if (grid_) grid_->SetRows(nullptr);
+    recordset_ = nullptr;
     auto recordset = database_->OpenRecordset(RecordSource);
     recordset_ = recordset.Ok() ? *recordset : nullptr;
     ShowInGrid();
+    if (recordset_ && bookmark.Ok()) GoTo(*bookmark);
     refreshed.Tell();
     return recordset.Ok() ? DaoError{} : recordset.Error();
+}
+
+/// A row that has gone leaves the first one current.
+void DataControl::GoTo(Bookmark bookmark) {
+    if (recordset_->SetBookmark(bookmark).Failed() || !grid_) return;
+    if (const auto row = grid_->Rows()->RowOf(bookmark)) grid_->SetCurrentRow(*row);
 }
 
 void DataControl::Close() {
@@ -73,22 +105,41 @@ void DataControl::Bind(Grid& grid) {
     ShowInGrid();
 }
 
+std::string DataControl::TableShown() const {
+    return DatabaseName + PathSeparator + CurrentTable();
+}
+
 void DataControl::ShowInGrid() {
     if (!grid_) return;
-    std::vector<GridColumn> columns;
-    if (recordset_)
-        for (const Field& field : recordset_->Fields()) {
-            auto& column = columns.emplace_back();
-            column.name = column.caption = field.name;
-            column.position = static_cast<int>(columns.size()) - 1;
-        }
     grid_->SetRows(nullptr);
-    if (!recordset_) return grid_->SetColumns({});
+    if (!recordset_) {
+        shownTable_.clear();
+        return grid_->SetColumns({});
+    }
     auto rows = std::make_shared<RecordsetRows>(recordset_);
-    FitWidths(columns, rows->Read(0, SampleRows));
-    grid_->SetColumns(std::move(columns));
+    ShowColumns(*rows);
     grid_->SetRows(std::move(rows));
     if (recordset_->RecordCount() > 0) grid_->SetCurrentRow(0);
+}
+
+void DataControl::ShowColumns(const RecordsetRows& rows) {
+    std::vector<GridColumn> columns;
+    for (const Field& field : recordset_->Fields()) {
+        auto& column = columns.emplace_back();
+        column.name = column.caption = field.name;
+        column.position = static_cast<int>(columns.size()) - 1;
+        column.kind = KindOf(field);
+        column.fixed = IsFixed(field);
+    }
+    const auto& shown = grid_->Columns();
+    const bool same = std::equal(columns.begin(), columns.end(), shown.begin(), shown.end(),
+                                 [](const GridColumn& a, const GridColumn& b) {
+                                     return a.name == b.name && a.kind == b.kind;
+                                 });
+    if (same && shownTable_ == TableShown()) return;
+    shownTable_ = TableShown();
+    FitWidths(columns, rows.Read(0, SampleRows));
+    grid_->SetColumns(std::move(columns));
 }
 
 void FillWithUserTables(const Database& database, ItemsControl& list) {

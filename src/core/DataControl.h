@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "core/RecordsetRows.h"
 #include "core/Workbench.h"
 
 namespace mailvane {
@@ -17,8 +18,9 @@ public:
     /// A table name, or "SELECT * FROM [table] ORDER BY [column] ASC" or DESC.
     std::string RecordSource;
 
-    /// Opens the file when it is not open, or another one is, and the record source anew. On
-    /// failure there is no recordset.
+    /// Opens the file when it is not open, or another one is, and the record source anew. The
+    /// current row and, as long as the table and its columns are the same, the grid's columns stay.
+    /// On failure there is no recordset.
     DaoError Refresh();
     void Close();  ///< the database and its recordset; DatabaseName and RecordSource stay
 
@@ -36,10 +38,14 @@ public:
     Event<> refreshed;
 
 private:
+    void GoTo(Bookmark bookmark);
     void ShowInGrid();
+    void ShowColumns(const RecordsetRows& rows);
+    std::string TableShown() const;
     Workbench& wb_;
     std::shared_ptr<mailvane::Database> database_;
     std::shared_ptr<mailvane::Recordset> recordset_;
+    std::string shownTable_;  ///< file and table that the grid's columns are of
     Grid* grid_ = nullptr;
     Subscription gridChanges_;
 };

@@ -1,14 +1,12 @@
 #include "database/frmViewDatabase.h"
 
-#include <algorithm>
-
 #include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/Settings.h"
 #include "core/Text.h"
-#include "core/ToolTable.h"
 #include "core/frmSettings.h"
-#include "database/frmDataWizard.h"
+#include "database/ViewTools.h"
+#include "database/frmFind.h"
 #include "platform/os/Files.h"
 
 namespace mailvane {
@@ -17,57 +15,15 @@ namespace {
 
 constexpr const char* AccessingRecords = "Accessing records, please wait...";
 
-/// The view's commands. Those whose work is not built yet are shown and disabled.
-constexpr ToolRow ViewTools[] = {
-    {"New Database", "Ne&w Database...", "Make a new database", "document-new", "Alt+W"},
-    {"Import", "I&mport...", "Import a text file into a table", "document-import", "Alt+M"},
-    {"Export", "E&xport...", "Export the table to a text file", "document-export", "",
-     ToolState::Later},
-    {"Print", "&Print...", "Print the table", "document-print", "", ToolState::Later},
-    {"Refresh", "R&efresh", "Read the table again", "view-refresh", "Alt+E"},
-    {"First", "&First", "Go to the first record", "go-first", ""},
-    {"Previous", "P&revious", "Go to the previous record", "go-previous", ""},
-    {"Next", "&Next", "Go to the next record", "go-next", ""},
-    {"Last", "&Last", "Go to the last record", "go-last", ""},
-    {"Insert", "&Insert", "Add an empty record", "list-add", "", ToolState::Later},
-    {"Delete", "&Delete", "Delete the selected records", "list-remove", "", ToolState::Later},
-    {"Select All", "Select &All", "Select all records", "edit-select-all", "", ToolState::Later},
-    {"Sort Ascending", "Sort A&scending", "Sort by this column", "view-sort-ascending", "",
-     ToolState::Later},
-    {"Sort Descending", "Sort Des&cending", "Sort by this column, backwards",
-     "view-sort-descending", "", ToolState::Later},
-    {"Find", "Fin&d...", "Find a record", "edit-find", "", ToolState::Later},
-    {"Filter", "Fil&ter...", "Filter the records", "view-filter", "", ToolState::Later},
-    {"New Table", "New Ta&ble...", "Make a new table", "table", "", ToolState::Later},
-    {"Edit Table", "Edit Tab&le...", "Change the columns of the table", "document-edit", "",
-     ToolState::Later},
-};
-
-void BuildBars(ActiveBar& bar) {
-    AddTools(bar, ViewTools);
-    bar.AddBand(
-        {Band::Kind::ToolBar,
-         "Table",
-         "Table",
-         {"New Database", "Import", "-", "Refresh", "-", "First", "Previous", "Next", "Last", "-",
-          "Insert", "Delete", "-", "Sort Ascending", "Sort Descending", "Find", "Filter"}});
-    bar.AddBand({Band::Kind::Popup,
-                 "Edit",
-                 "Edit",
-                 {"Insert", "Delete", "Select All", "-", "Sort Ascending", "Sort Descending"}});
-}
-
 }  // namespace
 
 frmViewDatabase::frmViewDatabase(Workbench& wb)
     : WorkbenchForm(wb, "frmViewDatabase", "Database", FormStyle::Child), Data1(wb) {
-    BuildBars(ActiveBar1);
-    ActiveBar1.onTool = [this](const Tool& tool) { RunViewCommand(tool.name); };
-    cmdRefresh.onClick = [this] { Refresh(); };
+    AddViewTools(ActiveBar1);
+    AttachCommands();
     cmbTable.onClick = [this] {
         if (!filling_) SwitchTable();
     };
-    Grid1.onSelectionChange = [this] { ShowRecordCount(); };
     Timer1.onTimer = [this] { FollowState(); };
 }
 
@@ -80,31 +36,39 @@ void frmViewDatabase::OnLoad() {
     ConnectDatabase();
     FillTableLists();
     RestoreWindowPlace(wb_, *this, "DataMain", "DataWindowState");
-    LoadGridLayoutIn(Grid1, LayoutPath(), Data1.CurrentTable());
+    LoadLayout();
+    LoadBookmark(IniRead("Database", "LastTable", InProjectFolder("project.ini")));
+    ShowStates();
     Timer1.Start();
 }
 
 void frmViewDatabase::OnActivate() {
+    shownCount_.clear();  // another window may have written there
     ShowRecordCount();
+}
+
+bool frmViewDatabase::OnQueryUnload() {
+    return !running_;
 }
 
 void frmViewDatabase::OnUnload() {
     Timer1.Stop();
     if (connected_) {
-        IniWrite("Database", "LastTable", Data1.CurrentTable(), IniPath());
-        IniWrite("Database", "LastCell", std::to_string(Grid1.CurrentColumn()), IniPath());
-        SaveGridLayoutIn(Grid1, LayoutPath(), Data1.CurrentTable());
+        StorePlace();
+        SaveLayout();
     }
     StoreWindowPlace(wb_, *this, "DataMain", "DataWindowState");
+    if (auto* find = wb_.forms.Find<frmFind>()) find->CloseFor(*this);
     Data1.Close();
     if (wb_.shell) wb_.shell->SetRecordPanel("");
 }
 
-std::string frmViewDatabase::IniPath() const {
-    return wb_.state.ProjectFolder + "/project.ini";
+std::string frmViewDatabase::InProjectFolder(const std::string& name) const {
+    return wb_.state.ProjectFolder + PathSeparator + name;
 }
-std::string frmViewDatabase::LayoutPath() const {
-    return wb_.state.ProjectFolder + "/dbgd.lyt";
+
+void frmViewDatabase::SetPanel(const std::string& text) {
+    if (wb_.shell) wb_.shell->SetPanel(text);
 }
 
 void frmViewDatabase::ConnectDatabase() {
@@ -119,7 +83,7 @@ void frmViewDatabase::ConnectDatabase() {
         return;
     }
     Data1.DatabaseName = path;
-    const std::string lastTable = IniRead("Database", "LastTable", IniPath());
+    const std::string lastTable = IniRead("Database", "LastTable", InProjectFolder("project.ini"));
     if (!lastTable.empty() && ShowTable(lastTable).Ok()) return;
     const DaoError shown = ShowTable(settings.cmbAccessTable.Text());
     // A database without tables is connected all the same: its first table is still to come.
@@ -128,11 +92,17 @@ void frmViewDatabase::ConnectDatabase() {
 
 DaoError frmViewDatabase::ShowTable(const std::string& recordSource) {
     Data1.RecordSource = recordSource;
-    if (wb_.shell) wb_.shell->SetPanel(AccessingRecords);
+    if (suspended_ > 0) return {};  // shown when the connection is back
+    SetPanel(AccessingRecords);
     const DaoError outcome = Data1.Refresh();
-    if (wb_.shell) wb_.shell->SetPanel("");
+    SetPanel("");
     connected_ = Data1.Database() != nullptr;
     return outcome;
+}
+
+void frmViewDatabase::ShowFirstTable() {
+    const auto tables = Data1.Database()->UserTableNames().ValueOr({});
+    if (!tables.empty()) ShowTable(tables.front()).Ignore();
 }
 
 void frmViewDatabase::FillTableLists() {
@@ -146,48 +116,77 @@ void frmViewDatabase::FillTableLists() {
     }
     cmbTable.SetText(Data1.CurrentTable());
     filling_ = false;
-    lblEmpty.SetVisible(Data1.Recordset() == nullptr);
     ShowRecordCount();
 }
 
 void frmViewDatabase::SwitchTable() {
     const std::string table = cmbTable.Text();
-    if (table.empty()) return;
+    if (table.empty() || running_) return;
     if (!EqualText(table, Data1.CurrentTable())) {
-        SaveGridLayoutIn(Grid1, LayoutPath(), Data1.CurrentTable());
+        SaveLayout();
         const DaoError shown = ShowTable(table);
         if (shown.Failed()) Tell(wb_, shown.description, BoxIcon::Exclamation);
-        LoadGridLayoutIn(Grid1, LayoutPath(), table);
-        DeleteFile(wb_.state.ProjectFolder + "/tbkm.dat");
+        LoadLayout();
+        DeleteFile(InProjectFolder(BookmarkFile));
+        ShowStates();
         tableShown.Tell();
     }
     ShowRecordCount();
 }
 
 void frmViewDatabase::Refresh() {
+    if (suspended_ > 0) return;
+    SaveLayout();
     frmSettings& settings = wb_.forms.Get<frmSettings>();
     std::string source = Data1.RecordSource;
     if (Data1.CurrentTable().empty() && !settings.txtAccessDBPath.Text().empty())
         source = settings.cmbAccessTable.Text();
     if (Data1.DatabaseName.empty()) Data1.DatabaseName = settings.txtAccessDBPath.Text();
-    // A table that has gone leaves the view on the project's table.
-    if (ShowTable(source).Failed() && Data1.Database())
-        ShowTable(settings.cmbAccessTable.Text()).Ignore();
-    LoadGridLayoutIn(Grid1, LayoutPath(), Data1.CurrentTable());
+    // A table that has gone leaves the view on the project's table, or the first one.
+    DaoError shown = ShowTable(source);
+    if (shown.Failed() && Data1.Database()) shown = ShowTable(settings.cmbAccessTable.Text());
+    if (shown.Failed() && Data1.Database()) ShowFirstTable();
+    ShowTableAnew();
+}
+
+/// Brings everything that names the table or its rows in line with what Data1 shows now.
+void frmViewDatabase::ShowTableAnew() {
+    LoadLayout();
     FillTableLists();
+    ShowStates();
     tableShown.Tell();
 }
 
 void frmViewDatabase::Reconnect() {
     Data1.Close();
     connected_ = false;
-    DeleteFile(wb_.state.ProjectFolder + "/tbkm.dat");
+    DeleteFile(InProjectFolder(BookmarkFile));
     frmSettings& settings = wb_.forms.Get<frmSettings>();
     Data1.DatabaseName = settings.txtAccessDBPath.Text();
     Data1.RecordSource = settings.cmbAccessTable.Text();
     if (!Data1.DatabaseName.empty()) ShowTable(Data1.RecordSource).Ignore();
-    FillTableLists();
-    tableShown.Tell();
+    ShowTableAnew();
+}
+
+void frmViewDatabase::Suspend() {
+    if (suspended_++ > 0) return;
+    SaveLayout();
+    Data1.Close();
+}
+
+void frmViewDatabase::Resume() {
+    if (suspended_ == 0 || --suspended_ > 0 || Data1.DatabaseName.empty()) return;
+    const std::string table = Data1.CurrentTable();
+    DaoError shown = ShowTable(Data1.RecordSource);
+    // The order may have been by a column that has gone.
+    if (shown.Failed() && Data1.Database()) shown = ShowTable(table);
+    if (shown.Failed() && Data1.Database()) ShowFirstTable();
+    if (!Data1.Database()) Tell(wb_, shown.description, BoxIcon::Exclamation);
+    ShowTableAnew();
+}
+
+void frmViewDatabase::ForgetPlace() {
+    forgetPlace_ = true;
 }
 
 void frmViewDatabase::ShowRecordCount() {
@@ -211,23 +210,6 @@ void frmViewDatabase::FollowState() {
     filling_ = true;
     cmbTable.SetText(Data1.CurrentTable());
     filling_ = false;
-}
-
-void frmViewDatabase::RunViewCommand(const std::string& toolName) {
-    if (toolName == "Refresh") {
-        cmdRefresh.Press();
-    } else if (toolName == "New Database") {
-        StartDataWizard(wb_, DataWizardMode::NewDatabase);
-    } else if (toolName == "Import") {
-        StartDataWizard(wb_, DataWizardMode::Import);
-    } else if (Grid1.RowCount() > 0) {
-        const std::size_t last = Grid1.RowCount() - 1;
-        const std::size_t row = Grid1.CurrentRow().value_or(0);
-        if (toolName == "First") Grid1.SetCurrentRow(0);
-        if (toolName == "Last") Grid1.SetCurrentRow(last);
-        if (toolName == "Next") Grid1.SetCurrentRow(std::min(row + 1, last));
-        if (toolName == "Previous") Grid1.SetCurrentRow(row > 0 ? row - 1 : 0);
-    }
 }
 
 std::string CurrentDatabaseTable(const Workbench& wb) {

@@ -3,7 +3,6 @@
 #include "core/Settings.h"
 #include "core/frmSettings.h"
 #include "database/DatabaseService.h"
-#include "database/frmDataWizard.h"
 #include "database/frmViewDatabase.h"
 #include "support/TestBench.h"
 
@@ -120,75 +119,6 @@ TEST_F(ViewDatabase, FilesThatAreNoDatabaseAreTold) {
     Settings().txtAccessDBPath.SetText(text);
     EXPECT_EQ(bench.Prompts().Failure(), std::nullopt);
     EXPECT_EQ(Settings().cmbAccessTable.Count(), 0);
-}
-
-class DataWizard : public ViewDatabase {
-protected:
-    void SetUp() override {
-        ViewDatabase::SetUp();
-        list = bench.folder.Write("people.csv", "Email,Name\nx@example.com,\"Ana, B.\"\n");
-        // The wizard is modal: what the user does in it happens while it stands open.
-        whileOpen = bench.windows.idle.Observe([this] {
-            if (auto* wizard = bench.wb.forms.Find<frmDataWizard>(); wizard && act) {
-                const auto once = std::exchange(act, nullptr);
-                once(*wizard);
-            }
-        });
-    }
-    std::string list;
-    std::function<void(frmDataWizard&)> act;
-    Subscription whileOpen;
-};
-
-TEST_F(DataWizard, NewDatabaseBecomesTheProjects) {
-    const std::string made = bench.InProgramFolder("new.db");
-    bench.Prompts().QueueFile(made);
-    bench.Prompts().QueueBox(BoxAnswer::Ok, "1 records imported into the 'people' table.");
-    act = [this](frmDataWizard& wizard) {
-        wizard.txtFile.SetByUser(list);
-        wizard.cmdFinish.Press();
-    };
-    Settings().cmdCreateDatabase.Press();
-    EXPECT_EQ(bench.Prompts().Failure(), std::nullopt);
-    EXPECT_EQ(Settings().txtAccessDBPath.Text(), made);
-    EXPECT_EQ(Settings().cmbAccessTable.Text(), "people");
-    EXPECT_EQ(View().Grid1.RowCount(), 1u);
-    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDataWizard"));
-}
-
-TEST_F(DataWizard, AFailedImportLeavesNoNewDatabase) {
-    const std::string made = bench.InProgramFolder("new.db");
-    list = bench.folder.Write("bad.csv", "a\n1,2\n");
-    bench.Prompts().QueueFile(made);
-    bench.Prompts().QueueBox(BoxAnswer::Ok, "Line 2");
-    act = [this](frmDataWizard& wizard) {
-        wizard.txtFile.SetByUser(list);
-        wizard.cmdFinish.Press();
-        EXPECT_TRUE(wizard.Visible()) << "what was typed can be corrected";
-        wizard.cmdCancel.Press();
-    };
-    Settings().cmdCreateDatabase.Press();
-    EXPECT_FALSE(FileExists(made));
-    EXPECT_EQ(Settings().txtAccessDBPath.Text(), "");
-}
-
-TEST_F(DataWizard, ChecksItsFields) {
-    Settings().txtAccessDBPath.SetText(path);
-    bench.Prompts().QueueBox(BoxAnswer::Ok, "File not found.");
-    bench.Prompts().QueueBox(BoxAnswer::Ok, "Invalid Table name: 'a.b'");
-    bench.Prompts().QueueBox(BoxAnswer::Ok, "already exists");
-    act = [this](frmDataWizard& wizard) {
-        wizard.txtFile.SetByUser("/nowhere.csv");
-        wizard.cmdFinish.Press();
-        wizard.txtFile.SetByUser(list);
-        wizard.txtTable.SetByUser("a.b");
-        wizard.cmdFinish.Press();
-        wizard.txtTable.SetByUser("customers");
-        wizard.cmdFinish.Press();
-        wizard.cmdCancel.Press();
-    };
-    Settings().cmdImportData.Press();
-    EXPECT_EQ(bench.Prompts().Failure(), std::nullopt);
 }
 
 }  // namespace

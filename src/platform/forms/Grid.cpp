@@ -20,6 +20,51 @@ std::string GridTable::IconOf(std::size_t row) const {
     return row < icons.size() ? icons[row] : std::string();
 }
 
+namespace {
+
+constexpr int BlockBits = 6;
+
+std::int64_t BlockOf(std::int64_t bookmark) {
+    return bookmark >> BlockBits;
+}
+
+std::uint64_t BitOf(std::int64_t bookmark) {
+    constexpr std::int64_t Mask = (1 << BlockBits) - 1;
+    return std::uint64_t{1} << (bookmark & Mask);
+}
+
+}  // namespace
+
+bool SelectedBookmarks::Contains(std::int64_t bookmark) const {
+    const auto block = members_.find(BlockOf(bookmark));
+    return block != members_.end() && (block->second & BitOf(bookmark)) != 0;
+}
+
+bool SelectedBookmarks::Mark(std::int64_t bookmark) {
+    std::uint64_t& block = members_[BlockOf(bookmark)];
+    const bool isNew = (block & BitOf(bookmark)) == 0;
+    block |= BitOf(bookmark);
+    return isNew;
+}
+
+bool SelectedBookmarks::Add(std::int64_t bookmark) {
+    const bool isNew = Mark(bookmark);
+    if (isNew) order_.push_back(bookmark);
+    return isNew;
+}
+
+void SelectedBookmarks::Set(std::vector<std::int64_t> bookmarks) {
+    members_.clear();
+    order_ = std::move(bookmarks);
+    std::erase_if(order_, [this](std::int64_t bookmark) { return !Mark(bookmark); });
+}
+
+void SelectedBookmarks::Remove(const std::vector<std::int64_t>& bookmarks) {
+    for (const std::int64_t bookmark : bookmarks)
+        if (Contains(bookmark)) members_[BlockOf(bookmark)] &= ~BitOf(bookmark);
+    std::erase_if(order_, [this](std::int64_t bookmark) { return !Contains(bookmark); });
+}
+
 Grid::Grid(Form& form, std::string name) : Control(form, std::move(name), ControlKind::Grid) {}
 
 void Grid::SetRows(std::shared_ptr<GridRows> rows) {
@@ -95,9 +140,13 @@ std::string Grid::ShownText() const {
 }
 
 void Grid::AddSelected(std::int64_t bookmark) {
-    if (!selection_.members_.insert(bookmark).second) return;
-    selection_.order_.push_back(bookmark);
-    SelectionChanged();
+    if (selection_.Add(bookmark)) SelectionChanged();
+}
+
+void Grid::RemoveSelected(const std::vector<std::int64_t>& bookmarks) {
+    const std::size_t before = selection_.Count();
+    selection_.Remove(bookmarks);
+    if (selection_.Count() != before) SelectionChanged();
 }
 
 void Grid::RemoveAllSelected() {
@@ -105,11 +154,8 @@ void Grid::RemoveAllSelected() {
 }
 
 void Grid::SetSelected(std::vector<std::int64_t> bookmarks) {
-    SelectedBookmarks selection;
-    for (const std::int64_t bookmark : bookmarks)
-        if (selection.members_.insert(bookmark).second) selection.order_.push_back(bookmark);
-    if (selection.order_ == selection_.order_) return;
-    selection_ = std::move(selection);
+    if (bookmarks == selection_.order_) return;
+    selection_.Set(std::move(bookmarks));
     SelectionChanged();
 }
 

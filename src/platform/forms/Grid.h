@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/forms/Control.h"
@@ -42,6 +42,15 @@ public:
     std::vector<std::string> icons;  ///< by row; may be shorter
 };
 
+/// How a column's values are shown and edited.
+enum class CellKind {
+    Text,
+    Number,  ///< at the right
+    Date,
+    YesNo,  ///< a check box for the texts "True" and "False"
+    Memo    ///< texts of several lines, edited in a larger box
+};
+
 struct GridColumn {
     std::string name;
     std::string caption;
@@ -49,6 +58,8 @@ struct GridColumn {
     int position = 0;       ///< place on the screen, from 0
     std::string headStyle;  ///< "ASC", "DESC" or "": the sort mark in the head
     bool visible = true;
+    CellKind kind = CellKind::Text;
+    bool fixed = false;  ///< its values are not edited
 
     friend bool operator==(const GridColumn&, const GridColumn&) = default;
 };
@@ -58,13 +69,19 @@ class SelectedBookmarks {
 public:
     std::size_t Count() const { return order_.size(); }
     std::int64_t Item(std::size_t index) const { return order_.at(index); }
-    bool Contains(std::int64_t bookmark) const { return members_.contains(bookmark); }
+    bool Contains(std::int64_t bookmark) const;
     const std::vector<std::int64_t>& All() const { return order_; }
 
 private:
     friend class Grid;
+    bool Mark(std::int64_t bookmark);  ///< as a member; false when it is one already
+    bool Add(std::int64_t bookmark);   ///< false when it is there already
+    void Set(std::vector<std::int64_t> bookmarks);
+    void Remove(const std::vector<std::int64_t>& bookmarks);
     std::vector<std::int64_t> order_;
-    std::unordered_set<std::int64_t> members_;
+    /// A bit for each of 64 neighbours: bookmarks lie close together, and a selection of a million
+    /// rows takes little more than its list.
+    std::unordered_map<std::int64_t, std::uint64_t> members_;
 };
 
 /// A table of rows and columns. Rows count from 0 here.
@@ -102,6 +119,7 @@ public:
 
     const SelectedBookmarks& SelBookmarks() const { return selection_; }
     void AddSelected(std::int64_t bookmark);
+    void RemoveSelected(const std::vector<std::int64_t>& bookmarks);
     void RemoveAllSelected();
     void SetSelected(std::vector<std::int64_t> bookmarks);
 
@@ -113,8 +131,21 @@ public:
     std::function<void()> onDoubleClick;
     std::function<void()> onSelectionChange;
     std::function<void()> onContextMenu;  ///< right click; the row under it is selected by then
-    /// The user has edited a cell; false leaves it as it was. Without it nothing can be edited.
+    /// The user has edited a cell; false refuses the text, which the handler has explained: the
+    /// user goes on editing it. Without the handler nothing can be edited.
     std::function<bool(std::size_t row, std::size_t column, const std::string& text)> onCellEdit;
+    /// A key pressed while no cell is edited, written as a shortcut ("Ctrl+A", "Del"); true when it
+    /// was for the handler.
+    std::function<bool(const std::string& key)> onKey;
+    /// Ctrl+C and Ctrl+V: gives the text for the clipboard, takes the one that stands there.
+    std::function<std::string()> onCopy;
+    std::function<void(const std::string& text)> onPaste;
+
+    // The same as the keys. Nothing happens without a screen.
+    void CopyToClipboard() { clipboardCopy.Tell(); }
+    void PasteFromClipboard() { clipboardPaste.Tell(); }
+    Event<> clipboardCopy;
+    Event<> clipboardPaste;
 
 private:
     void ChangeColumn(std::size_t column, const std::function<void(GridColumn&)>& change);

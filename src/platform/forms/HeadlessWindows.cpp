@@ -41,6 +41,11 @@ void HeadlessWindows::StopTimer(Timer& timer) {
 
 void HeadlessWindows::PopupMenu(Form&, const std::string&) {}
 
+PrintOutcome HeadlessWindows::PrintTable(const PrintJob& job) {
+    lastPrinted = job;
+    return printAnswer;
+}
+
 HeadlessWindows::RunningTimer* HeadlessWindows::Find(const Timer* timer) {
     const auto found =
         std::find_if(timers_.begin(), timers_.end(),

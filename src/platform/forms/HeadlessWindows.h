@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <vector>
 
 #include "platform/forms/WindowSystem.h"
@@ -14,6 +15,8 @@ public:
     explicit HeadlessWindows(Clock& clock);
 
     PromptScript prompts;
+    std::optional<PrintJob> lastPrinted;
+    PrintOutcome printAnswer{PrintOutcome::Result::Failed, "Without a screen nothing is printed."};
 
     void ShowForm(Form& form) override;
     void HideForm(Form& form) override;
@@ -26,6 +29,8 @@ public:
     void StartTimer(Timer& timer) override;
     void StopTimer(Timer& timer) override;
     void PopupMenu(Form& form, const std::string& band) override;
+    /// Prints nothing: keeps the job in `lastPrinted` and answers `printAnswer`.
+    PrintOutcome PrintTable(const PrintJob& job) override;
     void PumpEvents() override;
 
     MousePointer Pointer() const { return pointer_; }

@@ -44,6 +44,9 @@ public:
     Event<EditCommand> commanded;
 
     std::function<void()> onEnter;  ///< the Enter key
+    /// A key was let go. Letters and digits have the code of their capital in ASCII, backspace 8,
+    /// keys that write nothing and the blank codes below 48, all others codes above the letters.
+    std::function<void(int keyCode)> onKeyUp;
 
 protected:
     using TextControl::TextControl;
@@ -66,6 +69,9 @@ class RichTextBox final : public EditControl {
 public:
     RichTextBox(Form& form, std::string name, std::string text = {})
         : EditControl(form, std::move(name), ControlKind::RichTextBox, std::move(text)) {}
+
+    void SetFontSize(int points) { fontSized.Tell(points); }  ///< of what is selected
+    Event<int> fontSized;
 };
 
 class Label final : public TextControl {

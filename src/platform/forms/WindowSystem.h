@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/forms/Event.h"
+#include "platform/forms/Printing.h"
 #include "platform/forms/Prompts.h"
 #include "platform/os/Clock.h"
 
@@ -37,6 +38,9 @@ public:
     virtual void FocusControl(Control& control) = 0;
     virtual void ArrangeChildren(Arrangement arrangement) = 0;
     virtual void SetPointer(MousePointer pointer) = 0;
+    /// How long the tip of a control stays while the mouse rests on it; empty: until it leaves.
+    void SetTipTime(std::optional<std::chrono::seconds> time) { tipTime_ = time; }
+    std::optional<std::chrono::seconds> TipTime() const { return tipTime_; }
     virtual void StartTimer(Timer& timer) = 0;
     virtual void StopTimer(Timer& timer) = 0;
     virtual void PopupMenu(Form& form, const std::string& band) = 0;
@@ -51,6 +55,8 @@ public:
     std::optional<std::string> InputBox(const InputRequest& request);  ///< empty when cancelled
     /// An absolute path; empty when cancelled.
     std::optional<std::string> FileDialog(const FileRequest& request);
+    /// Prints a table, with the dialogs that the job asks for; returns when that is done.
+    virtual PrintOutcome PrintTable(const PrintJob& job) = 0;
     void PlayPrompts(PromptScript* script) { script_ = script; }  ///< not owned; null ends it
 
     // The event loop.
@@ -95,6 +101,7 @@ private:
     PromptScript* script_ = nullptr;
     std::vector<std::function<void()>> posted_;
     std::chrono::milliseconds lastPump_{0};
+    std::optional<std::chrono::seconds> tipTime_;
     int modalDepth_ = 0;
     bool wake_ = false;
     bool quitting_ = false;

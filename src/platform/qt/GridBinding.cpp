@@ -1,6 +1,10 @@
+#include <QClipboard>
 #include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
 #include <QStyle>
 #include <QTableView>
 #include <QTimer>
@@ -8,7 +12,9 @@
 #include <numeric>
 
 #include "platform/qt/ControlBinding.h"
+#include "platform/qt/GridDelegate.h"
 #include "platform/qt/GridModel.h"
+#include "platform/qt/GridSelectionModel.h"
 #include "platform/qt/QtText.h"
 
 namespace mailvane {
@@ -16,6 +22,10 @@ namespace mailvane {
 namespace {
 
 constexpr double TwipsPerPixel = 15;
+/// Of a larger selection only the rows about the screen are shown as selected: a widget is slow
+/// with many pieces.
+constexpr std::size_t MostSelectedShown = 5000;
+constexpr int RowsAboutTheScreen = 100;
 
 /// Rows in one piece, both ends included.
 struct RowRange {
@@ -32,13 +42,21 @@ std::vector<RowRange> RangesOf(const QItemSelection& selection) {
     return ranges;
 }
 
+std::size_t RowsIn(const QItemSelection& selection) {
+    std::size_t rows = 0;
+    for (const RowRange& range : RangesOf(selection))
+        rows += static_cast<std::size_t>(range.last - range.first + 1);
+    return rows;
+}
+
 class GridBinding final : public ControlBinding {
 public:
     GridBinding(Grid& control, QTableView& view)
         : ControlBinding(control, view),
           grid_(control),
           view_(view),
-          model_(*new GridModel(control, &view)) {
+          model_(*new GridModel(control, &view)),
+          selection_(*new GridSelectionModel(&model_, &view)) {
         SetUpView();
         ListenToHead();
         ListenToCells();
@@ -51,6 +69,8 @@ public:
         });
         later_.setSingleShot(true);
         later_.setInterval(0);
+        copy_ = control.clipboardCopy.Observe([this] { Copy(); });
+        paste_ = control.clipboardPaste.Observe([this] { Paste(); });
         connect(&later_, &QTimer::timeout, this,
                 [this] { Guarded([this] { ShowSelectionNow(); }); });
     }
@@ -60,6 +80,8 @@ public:
 private:
     void SetUpView() {
         view_.setModel(&model_);
+        view_.setSelectionModel(&selection_);
+        view_.setItemDelegate(new GridDelegate(grid_, view_));
         view_.setSelectionBehavior(QAbstractItemView::SelectRows);
         view_.setSelectionMode(QAbstractItemView::ExtendedSelection);
         view_.setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed |
@@ -104,10 +126,12 @@ private:
     }
 
     void ListenToCells() {
-        QItemSelectionModel* selection = view_.selectionModel();
-        connect(selection, &QItemSelectionModel::currentChanged, this,
+        connect(view_.verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+            if (ShowsPartOfSelection()) ShowSelectionLater();
+        });
+        connect(&selection_, &QItemSelectionModel::currentChanged, this,
                 [this](const QModelIndex& current) { ReadCurrent(current); });
-        connect(selection, &QItemSelectionModel::selectionChanged, this,
+        connect(&selection_, &QItemSelectionModel::selectionChanged, this,
                 [this](const QItemSelection& added, const QItemSelection& removed) {
                     ReadSelection(added, removed);
                 });
@@ -135,21 +159,33 @@ private:
 
     void ReadSelection(const QItemSelection& added, const QItemSelection& removed) {
         if (Showing() || !grid_.Rows() || later_.isActive()) return;
-        std::vector<std::int64_t> bookmarks;
-        const bool onlyMore = removed.isEmpty();
-        if (onlyMore) bookmarks = grid_.SelBookmarks().All();
-        const auto ranges = RangesOf(onlyMore ? added : view_.selectionModel()->selection());
-        const auto count = static_cast<int>(grid_.RowCount());
-        for (const RowRange& range : ranges)
-            for (int row = range.first; row <= range.last && row < count; ++row)
-                bookmarks.push_back(grid_.Rows()->BookmarkAt(static_cast<std::size_t>(row)));
         reading_ = true;
         const QPointer<ControlBinding> self(this);
-        const std::size_t selected = bookmarks.size();
-        grid_.SetSelected(std::move(bookmarks));
+        const QItemSelection whole = selection_.selection();
+        if (selection_.Replacing()) {
+            grid_.SetSelected(BookmarksOf(whole));
+        } else {
+            const auto gone = BookmarksOf(removed);
+            if (!gone.empty()) grid_.RemoveSelected(gone);
+            auto bookmarks = self ? grid_.SelBookmarks().All() : std::vector<std::int64_t>();
+            const auto more = self ? BookmarksOf(added) : std::vector<std::int64_t>();
+            bookmarks.insert(bookmarks.end(), more.begin(), more.end());
+            if (!more.empty()) grid_.SetSelected(std::move(bookmarks));
+        }
         if (!self) return;
         reading_ = false;
-        if (grid_.SelBookmarks().Count() != selected) ShowSelectionLater();
+        // A handler may have selected something else.
+        if (!ShowsPartOfSelection() && RowsIn(whole) != grid_.SelBookmarks().Count())
+            ShowSelectionLater();
+    }
+
+    std::vector<std::int64_t> BookmarksOf(const QItemSelection& selection) const {
+        std::vector<std::int64_t> bookmarks;
+        const auto count = static_cast<int>(grid_.RowCount());
+        for (const RowRange& range : RangesOf(selection))
+            for (int row = range.first; row <= range.last && row < count; ++row)
+                bookmarks.push_back(grid_.Rows()->BookmarkAt(static_cast<std::size_t>(row)));
+        return bookmarks;
     }
 
     void Show(Property property) override {
@@ -243,17 +279,16 @@ private:
     }
 
     void ShowCurrent() {
-        QItemSelectionModel& selection = *view_.selectionModel();
         if (!grid_.CurrentRow()) {
-            if (selection.currentIndex().isValid()) selection.clearCurrentIndex();
+            if (selection_.currentIndex().isValid()) selection_.clearCurrentIndex();
             return;
         }
         const QModelIndex index = model_.index(static_cast<int>(*grid_.CurrentRow()),
                                                static_cast<int>(grid_.CurrentColumn()));
         const QModelIndex shown =
             index.isValid() ? index : model_.index(static_cast<int>(*grid_.CurrentRow()), 0);
-        if (shown == selection.currentIndex()) return;
-        selection.setCurrentIndex(shown, QItemSelectionModel::NoUpdate);
+        if (shown == selection_.currentIndex()) return;
+        selection_.setCurrentIndex(shown, QItemSelectionModel::NoUpdate);
         view_.scrollTo(shown);
     }
 
@@ -272,24 +307,23 @@ private:
 
     void ShowSelectionNow() {
         later_.stop();
-        view_.selectionModel()->select(SelectedRows(), QItemSelectionModel::ClearAndSelect);
+        selection_.select(SelectedRows(), QItemSelectionModel::ClearAndSelect);
+    }
+
+    bool ShowsPartOfSelection() const {
+        const std::size_t count = grid_.SelBookmarks().Count();
+        return count > MostSelectedShown && count != grid_.RowCount();
     }
 
     QItemSelection SelectedRows() const {
         QItemSelection selection;
         const int lastColumn = model_.columnCount() - 1;
-        const SelectedBookmarks& selected = grid_.SelBookmarks();
-        if (!grid_.Rows() || lastColumn < 0 || selected.Count() == 0) return selection;
-        if (selected.Count() == grid_.RowCount()) {
+        if (!grid_.Rows() || lastColumn < 0 || grid_.SelBookmarks().Count() == 0) return selection;
+        if (grid_.SelBookmarks().Count() == grid_.RowCount()) {
             selection.select(model_.index(0, 0), model_.index(model_.rowCount() - 1, lastColumn));
             return selection;
         }
-        std::vector<int> rows;
-        for (const std::int64_t bookmark : selected.All())
-            if (const auto row = grid_.Rows()->RowOf(bookmark))
-                if (*row < static_cast<std::size_t>(model_.rowCount()))
-                    rows.push_back(static_cast<int>(*row));
-        std::sort(rows.begin(), rows.end());
+        const std::vector<int> rows = SelectedRowNumbers();
         for (std::size_t i = 0; i < rows.size();) {
             std::size_t end = i + 1;
             while (end < rows.size() && rows[end] == rows[end - 1] + 1)
@@ -300,17 +334,79 @@ private:
         return selection;
     }
 
+    /// Ascending.
+    std::vector<int> SelectedRowNumbers() const {
+        std::vector<int> rows;
+        const SelectedBookmarks& selected = grid_.SelBookmarks();
+        if (ShowsPartOfSelection()) {
+            const int top = std::max(0, view_.rowAt(0)) - RowsAboutTheScreen;
+            const int shown =
+                view_.viewport()->height() / view_.verticalHeader()->defaultSectionSize();
+            const int end = std::min(top + shown + 2 * RowsAboutTheScreen, model_.rowCount());
+            for (int row = std::max(0, top); row < end; ++row)
+                if (selected.Contains(grid_.Rows()->BookmarkAt(static_cast<std::size_t>(row))))
+                    rows.push_back(row);
+            return rows;
+        }
+        for (const std::int64_t bookmark : selected.All())
+            if (const auto row = grid_.Rows()->RowOf(bookmark))
+                if (*row < static_cast<std::size_t>(model_.rowCount()))
+                    rows.push_back(static_cast<int>(*row));
+        std::sort(rows.begin(), rows.end());
+        return rows;
+    }
+
     bool Filter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::ContextMenu) return ContextMenu(*event);
+        if (event->type() == QEvent::MouseButtonPress && watched != &view_)
+            return RightPress(*static_cast<QMouseEvent*>(event));
         if (event->type() != QEvent::KeyPress || watched != &view_) return false;
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
-        if (!enter || !grid_.onDoubleClick || !grid_.CurrentRow()) return false;
-        RunHandler(grid_.onDoubleClick);
+        if (view_.isPersistentEditorOpen(view_.currentIndex())) return false;
+        return KeyOfGrid(*static_cast<QKeyEvent*>(event));
+    }
+
+    bool KeyOfGrid(const QKeyEvent& key) {
+        const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+        if (enter && grid_.onDoubleClick && grid_.CurrentRow()) {
+            RunHandler(grid_.onDoubleClick);
+            return true;
+        }
+        if (key.matches(QKeySequence::Copy) && grid_.onCopy) {
+            Copy();
+            return true;
+        }
+        if (key.matches(QKeySequence::Paste) && grid_.onPaste) {
+            Paste();
+            return true;
+        }
+        const auto take = grid_.onKey;
+        return take &&
+               take(
+                   FromQt(QKeySequence(key.keyCombination()).toString(QKeySequence::PortableText)));
+    }
+
+    void Copy() {
+        const auto copy = grid_.onCopy;
+        const QString text = copy ? ToQt(copy()) : QString();
+        if (!text.isEmpty()) QGuiApplication::clipboard()->setText(text);
+    }
+
+    void Paste() {
+        if (grid_.onPaste) RunHandler(grid_.onPaste, FromQt(QGuiApplication::clipboard()->text()));
+    }
+
+    /// The right button adds the row under it to the selection.
+    bool RightPress(const QMouseEvent& event) {
+        if (event.button() != Qt::RightButton || !grid_.onContextMenu) return false;
+        const QModelIndex cell = view_.indexAt(event.position().toPoint());
+        if (!cell.isValid()) return true;
+        const QPointer<ControlBinding> self(this);
+        selection_.setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
+        if (self && grid_.Rows())
+            grid_.AddSelected(grid_.Rows()->BookmarkAt(static_cast<std::size_t>(cell.row())));
         return true;
     }
 
-    /// The press of the button has already selected the row under the pointer.
     bool ContextMenu(QEvent& event) {
         if (!grid_.onContextMenu) return false;
         event.accept();
@@ -321,9 +417,12 @@ private:
     Grid& grid_;
     QTableView& view_;
     GridModel& model_;  ///< the view's own: both may be at work when the binding goes
+    GridSelectionModel& selection_;
     std::vector<std::string> captions_;
     QTimer later_;
     Subscription rowChanged_;
+    Subscription copy_;
+    Subscription paste_;
     bool dragging_ = false;
     bool reading_ = false;
     bool columnsWait_ = false;

@@ -14,6 +14,9 @@ namespace {
 constexpr std::size_t PageRows = 128;
 constexpr std::size_t KeptPages = 8;
 constexpr qsizetype LongestCell = 300;  ///< more is never seen in one line
+constexpr int NumberPlace = static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
+constexpr const char* TrueText = "True";
+constexpr const char* FalseText = "False";
 
 }  // namespace
 
@@ -75,28 +78,46 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
         const std::string icon = grid_->Rows()->IconOf(row);
         return icon.empty() ? QVariant() : QVariant(ThemeIcon(icon));
     }
-    if (role != Qt::DisplayRole && role != Qt::EditRole) return {};
-    const std::string* cell = Cell(index);
+    const GridColumn* column = Column(index.column());
+    const bool yesNo = column && column->kind == CellKind::YesNo;
+    if (role == Qt::TextAlignmentRole && column && column->kind == CellKind::Number)
+        return NumberPlace;
+    const bool wanted =
+        role == Qt::EditRole || role == Qt::DisplayRole || (yesNo && role == Qt::CheckStateRole);
+    const std::string* cell = wanted ? Cell(index) : nullptr;
     if (!cell) return {};
+    if (role == Qt::CheckStateRole)
+        return static_cast<int>(*cell == TrueText ? Qt::Checked : Qt::Unchecked);
+    if (yesNo && role == Qt::DisplayRole)
+        return *cell == TrueText ? QStringLiteral("Yes") : QStringLiteral("No");
     const QString text = ToQt(*cell);
     return role == Qt::EditRole ? text : text.left(LongestCell).simplified();
 }
 
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    const GridColumn* column = Column(section);
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || !column) return {};
-    return ToQt(column->caption);
+    const GridColumn* column = orientation == Qt::Horizontal ? Column(section) : nullptr;
+    if (!column) return {};
+    if (role == Qt::DisplayRole) return ToQt(column->caption);
+    if (role == Qt::ToolTipRole) return PlainToolTip(column->caption);
+    if (role == Qt::TextAlignmentRole && column->kind == CellKind::Number) return NumberPlace;
+    return {};
 }
 
 Qt::ItemFlags GridModel::flags(const QModelIndex& index) const {
     const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
-    return grid_ && grid_->onCellEdit ? flags | Qt::ItemIsEditable : flags;
+    const GridColumn* column = Column(index.column());
+    if (!column || !grid_->onCellEdit || column->fixed) return flags;
+    return flags | (column->kind == CellKind::YesNo ? Qt::ItemIsUserCheckable : Qt::ItemIsEditable);
 }
 
 bool GridModel::setData(const QModelIndex& index, const QVariant& value, int role) {
     const std::string* cell = Cell(index);
-    const std::string text = FromQt(value.toString());
-    if (role != Qt::EditRole || !cell || !grid_->onCellEdit || *cell == text) return false;
+    if ((role != Qt::EditRole && role != Qt::CheckStateRole) || !cell || !grid_->onCellEdit)
+        return false;
+    const std::string text = role == Qt::EditRole           ? FromQt(value.toString())
+                             : value.toInt() == Qt::Checked ? TrueText
+                                                            : FalseText;
+    if (*cell == text) return false;
     const auto row = static_cast<std::size_t>(index.row());
     const auto edit = grid_->onCellEdit;
     return edit(row, static_cast<std::size_t>(index.column()), text);

@@ -13,6 +13,7 @@
 #include "platform/forms/Form.h"
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/Icons.h"
+#include "platform/qt/QtPrinting.h"
 #include "platform/qt/QtPrompts.h"
 
 /// The designs are part of a static library, whose resources nobody registers by itself. The macro
@@ -49,18 +50,31 @@ private:
     int& counter_;
 };
 
-/// Tells when the desktop turns dark or light.
-class PaletteWatch final : public QObject {
+/// Sees when the desktop turns dark or light, and when a tip is about to be shown.
+class DesktopWatch final : public QObject {
+public:
+    explicit DesktopWatch(const WindowSystem& windows) : windows_(windows) {}
+
+private:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::ApplicationPaletteChange && watched == qApp) UseIconThemes();
+        if (event->type() == QEvent::ToolTip && watched->isWidgetType())
+            static_cast<QWidget*>(watched)->setToolTipDuration(TipMilliseconds());
         return false;
     }
+    int TipMilliseconds() const {
+        constexpr std::chrono::seconds UntilTheMouseLeaves = std::chrono::hours(24);
+        const std::chrono::milliseconds time = windows_.TipTime().value_or(UntilTheMouseLeaves);
+        return static_cast<int>(time.count());
+    }
+    const WindowSystem& windows_;
 };
 
 }  // namespace
 
 struct QtWindows::Desktop {
-    Desktop(int& argumentCount, char** arguments) : application(argumentCount, arguments) {}
+    Desktop(int& argumentCount, char** arguments, const WindowSystem& system)
+        : application(argumentCount, arguments), watch(system) {}
     ~Desktop() {
         windows.clear();
         graveyard.clear();
@@ -84,7 +98,7 @@ struct QtWindows::Desktop {
     QWidget* PromptParent() const;
 
     QApplication application;
-    PaletteWatch paletteWatch;
+    DesktopWatch watch;
     std::map<const Form*, std::unique_ptr<FormWindow>> windows;
     std::set<std::string> withoutDesign;
     std::vector<const Form*> modals;  ///< the innermost last
@@ -149,7 +163,7 @@ QWidget* QtWindows::Desktop::PromptParent() const {
 }
 
 QtWindows::QtWindows(int& argumentCount, char** arguments, Clock& clock)
-    : WindowSystem(clock), desktop_(std::make_unique<Desktop>(argumentCount, arguments)) {
+    : WindowSystem(clock), desktop_(std::make_unique<Desktop>(argumentCount, arguments, *this)) {
     KeepPlainLocale();
     RegisterDesigns();
     QDir::setSearchPaths(QStringLiteral("forms"), {QStringLiteral(":/forms")});
@@ -157,7 +171,7 @@ QtWindows::QtWindows(int& argumentCount, char** arguments, Clock& clock)
     QApplication::setQuitOnLastWindowClosed(false);
     UseIconThemes();
     QApplication::setWindowIcon(ThemeIcon("internet-mail"));
-    desktop_->application.installEventFilter(&desktop_->paletteWatch);
+    desktop_->application.installEventFilter(&desktop_->watch);
     desktop_->wake.setSingleShot(true);
 }
 
@@ -229,6 +243,21 @@ void QtWindows::StopTimer(Timer& timer) {
 void QtWindows::PopupMenu(Form& form, const std::string& band) {
     const FormWindow* window = desktop_->Find(form);
     if (window && window->Bar()) window->Bar()->Popup(band);
+}
+
+PrintOutcome QtWindows::PrintTable(const PrintJob& job) {
+    PrintDesk desk;
+    desk.loop = [this](QDialog& dialog) { RunDialog(dialog); };
+    desk.parent = desktop_->PromptParent();
+    desk.askPdfFile = [this] {
+        FileRequest request;
+        request.save = true;
+        request.title = "Print to a PDF file";
+        request.filters = {{"PDF files", "*.pdf"}};
+        request.defaultExtension = "pdf";
+        return FileDialog(request).value_or("");
+    };
+    return PrintTableWith(desk, job);
 }
 
 QWidget* QtWindows::WindowOf(Form& form) {

@@ -28,6 +28,7 @@ public:
     void StartTimer(Timer& timer) override;
     void StopTimer(Timer& timer) override;
     void PopupMenu(Form& form, const std::string& band) override;
+    PrintOutcome PrintTable(const PrintJob& job) override;
     void PumpEvents() override;
 
     /// The window of the form, made when there is none yet; null for a form without a design. Owned

@@ -1,8 +1,11 @@
+#include <QDropEvent>
 #include <QFontDialog>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTextDocument>
 #include <QTextEdit>
@@ -21,6 +24,38 @@ bool IsEnterKey(const QEvent& event) {
     if (event.type() != QEvent::KeyPress) return false;
     const int key = static_cast<const QKeyEvent&>(event).key();
     return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
+int KeyCode(const QKeyEvent& event) {
+    constexpr int NoCharacter = 0;
+    constexpr int BackspaceCode = 8;
+    constexpr int OtherCharacter = 0xFF;
+    const int key = event.key();
+    if (key == Qt::Key_Backspace) return BackspaceCode;
+    if (key >= Qt::Key_Escape) return NoCharacter;  // from there on no key writes
+    const bool hasCode = key == Qt::Key_Space || (key >= Qt::Key_0 && key <= Qt::Key_9) ||
+                         (key >= Qt::Key_A && key <= Qt::Key_Z);
+    return hasCode ? key : OtherCharacter;
+}
+
+/// Tells the control of a key let go. The binding may be gone afterwards.
+void TellKeyUp(const EditControl& control, const QEvent& event) {
+    if (event.type() != QEvent::KeyRelease || !control.onKeyUp) return;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    if (!key.isAutoRepeat()) RunHandler(control.onKeyUp, KeyCode(key));
+}
+
+/// An entry dragged from a list takes the place of what is selected. Where nothing is, the widget
+/// itself inserts it under the mouse, and all other drags are its own business too.
+bool DropEntry(EditControl& control, QEvent& event) {
+    const auto type = event.type();
+    if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return false;
+    auto& drop = static_cast<QDropEvent&>(event);
+    if (!qobject_cast<QListWidget*>(drop.source()) || control.SelectionLength() == 0) return false;
+    drop.setDropAction(Qt::CopyAction);
+    drop.accept();
+    if (type == QEvent::Drop) control.ReplaceSelection(FromWidgetText(drop.mimeData()->text()));
+    return true;
 }
 
 /// What all editing widgets can do by themselves; false for the formats.
@@ -99,9 +134,14 @@ private:
     }
 
     bool Filter(QObject* watched, QEvent* event) override {
-        if (watched != &edit_ || !control_.onEnter || !IsEnterKey(*event)) return false;
-        RunHandler(control_.onEnter);
-        return true;
+        if (watched != &edit_) return false;
+        if (DropEntry(control_, *event)) return true;
+        if (control_.onEnter && IsEnterKey(*event)) {
+            RunHandler(control_.onEnter);
+            return true;
+        }
+        TellKeyUp(control_, *event);
+        return false;
     }
 
     EditControl& control_;
@@ -139,7 +179,7 @@ QString DocumentText(const QTextDocument& document) {
 
 /// Several lines; `Edit` is QPlainTextEdit or QTextEdit.
 template <class Edit>
-class DocumentBinding final : public ControlBinding {
+class DocumentBinding : public ControlBinding {
 public:
     DocumentBinding(EditControl& control, Edit& edit)
         : ControlBinding(control, edit), control_(control), edit_(edit) {
@@ -154,6 +194,7 @@ public:
         connect(&edit, &Edit::selectionChanged, this, [this] { ReadSelection(); });
         connect(&edit, &Edit::cursorPositionChanged, this, [this] { ReadSelection(); });
         commands_ = control.commanded.Observe([this](EditCommand command) { Do(command); });
+        edit.viewport()->installEventFilter(this);
     }
 
 private:
@@ -180,6 +221,8 @@ private:
                old.at(old.size() - 1 - tail) == text.at(text.size() - 1 - tail))
             ++tail;
         if (head == 0 && tail == 0) {
+            // Another text does not take over the looks of the one before.
+            if (!old.isEmpty()) edit_.setCurrentCharFormat(QTextCharFormat());
             edit_.setPlainText(text);
             return;
         }
@@ -217,7 +260,12 @@ private:
     }
 
     bool Filter(QObject* watched, QEvent* event) override {
-        if (watched == &edit_ && IsEnterKey(*event)) RunHandler(control_.onEnter);
+        if (watched == edit_.viewport()) return DropEntry(control_, *event);
+        if (watched != &edit_) return false;
+        if (IsEnterKey(*event))
+            RunHandler(control_.onEnter);
+        else
+            TellKeyUp(control_, *event);
         return false;
     }
 
@@ -225,6 +273,20 @@ private:
     Edit& edit_;
     bool reading_ = false;
     Subscription commands_;
+};
+
+class RichBinding final : public DocumentBinding<QTextEdit> {
+public:
+    RichBinding(RichTextBox& control, QTextEdit& edit) : DocumentBinding(control, edit) {
+        sizes_ = control.fontSized.Observe([&edit](int points) {
+            QTextCharFormat format;
+            format.setFontPointSize(points);
+            edit.mergeCurrentCharFormat(format);
+        });
+    }
+
+private:
+    Subscription sizes_;
 };
 
 class CaptionBinding final : public ControlBinding {
@@ -261,7 +323,7 @@ BindingPointer BindText(EditControl& control, QWidget& widget) {
         return std::make_unique<DocumentBinding<QPlainTextEdit>>(control, *plain);
     auto& rich = *qobject_cast<QTextEdit*>(&widget);
     rich.setAcceptRichText(false);
-    return std::make_unique<DocumentBinding<QTextEdit>>(control, rich);
+    return std::make_unique<RichBinding>(static_cast<RichTextBox&>(control), rich);
 }
 
 BindingPointer BindCaption(TextControl& control, QWidget& widget) {

@@ -1,0 +1,348 @@
+#include "core/ToolTable.h"
+#include "core/frmStatus.h"
+#include "database/SuspendedConnection.h"
+#include "database/TableToolsTest.h"
+#include "database/frmFind.h"
+#include "database/frmMSGDeleteDatabase.h"
+#include "database/frmMSGMemo.h"
+
+namespace mailvane {
+namespace {
+
+class ViewCommands : public test::TableToolsTest {
+protected:
+    std::string Names() {
+        std::string names;
+        for (const auto& row : view->Grid1.Rows()->Read(0, 100))
+            names += row[1] + " ";
+        return names;
+    }
+    std::string Marks() {
+        std::string marks;
+        for (const GridColumn& column : view->Grid1.Columns())
+            marks += column.headStyle + ",";
+        return marks;
+    }
+    std::string ProjectFile(const std::string& name) {
+        return bench.wb.state.ProjectFolder + "/" + name;
+    }
+    void Reopen() {
+        view->Unload();
+        bench.Settle();
+        view = &bench.wb.forms.Get<frmViewDatabase>();
+    }
+    void Fill(int rows) {
+        auto database = view->Data1.Database();
+        for (int i = 0; i < rows; ++i)
+            ASSERT_TRUE(database->Execute("INSERT INTO Archive (Age) VALUES (1)").Ok());
+        Show("Archive");
+    }
+};
+
+TEST_F(ViewCommands, TheHeadTogglesAndNamesTheOtherDirection) {
+    view->Grid1.SetCurrentRow(2);
+    view->Grid1.onHeadClick(1);
+    EXPECT_EQ(Names(), "Ann Bob Cid ");
+    EXPECT_EQ(Marks(), ",DESC,,");
+    EXPECT_EQ(view->Data1.RecordSource, "SELECT * FROM [People] ORDER BY [Name] ASC");
+    view->Grid1.onHeadClick(1);
+    EXPECT_EQ(Names(), "Cid Bob Ann ");
+    EXPECT_EQ(Marks(), ",ASC,,");
+    EXPECT_EQ(view->Grid1.CurrentRow(), 0u) << "the row stays current";
+    EXPECT_EQ(*view->Data1.Recordset()->Get("Name"), DaoValue("Cid"));
+    view->Grid1.onHeadClick(2);
+    EXPECT_EQ(Marks(), ",,DESC,");
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "People");
+    view->cmdRefresh.Press();
+    EXPECT_EQ(Marks(), ",,DESC,") << "the order is the same after a refresh";
+}
+
+TEST_F(ViewCommands, ToolsForceTheDirection) {
+    view->Grid1.SetCurrentColumn(1);
+    for (int i = 0; i < 2; ++i) {
+        view->ActiveBar1.Press("Sort Descending");
+        EXPECT_EQ(Names(), "Cid Bob Ann ");
+    }
+    view->ActiveBar1.Press("Sort Ascending");
+    EXPECT_EQ(Names(), "Ann Bob Cid ");
+}
+
+TEST_F(ViewCommands, MemoColumnsAreNotSorted) {
+    ASSERT_TRUE(view->Data1.Database()->AppendField("People", {"Notes", FieldType::Memo}).Ok());
+    view->cmdRefresh.Press();
+    view->Grid1.onHeadClick(1);
+    const std::string before = view->Data1.RecordSource;
+    Act([this] {
+        auto& box = Form<frmMSGMemo>();
+        EXPECT_EQ(box.Caption(), "Can't sort Memo data");
+        EXPECT_TRUE(box.Visible());
+        box.Check1.SetByUser("1");
+        box.cmdOk.Press();
+    });
+    for (int i = 0; i < 2; ++i)
+        view->Grid1.onHeadClick(3);
+    EXPECT_EQ(GetUserSetting(bench.wb, "Messages", "MemoSort"), "1");
+    EXPECT_EQ(view->Data1.RecordSource, before);
+    EXPECT_EQ(Marks(), ",DESC,,,");
+}
+
+TEST_F(ViewCommands, TablesWithOddNamesAreSorted) {
+    ASSERT_TRUE(view->Data1.Database()->RenameTable("People", "List ORDER BY me").Ok());
+    view->Data1.RecordSource = "List ORDER BY me";
+    view->cmdRefresh.Press();
+    view->Grid1.onHeadClick(1);
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "List ORDER BY me");
+    EXPECT_EQ(Names(), "Ann Bob Cid ");
+}
+
+TEST_F(ViewCommands, SelectAllCountsAndCanBeCancelled) {
+    view->Show();
+    EXPECT_TRUE(view->Grid1.onKey("Ctrl+A"));
+    EXPECT_EQ(view->Grid1.SelBookmarks().Count(), 3u);
+    EXPECT_EQ(bench.shell.recordPanel, " Selected 3/3 records  ");
+    const Subscription yields = bench.windows.yielded.Observe([this] {
+        auto& status = bench.wb.forms.Get<frmStatus>();
+        if (status.Progress1.Value() == 2) status.cmdCancel.Press();
+        EXPECT_FALSE(view->Grid1.Redraw());
+        view->ActiveBar1.Press("Delete");  // nothing starts meanwhile
+    });
+    view->ActiveBar1.Press("Select All");
+    EXPECT_EQ(view->Grid1.SelBookmarks().Count(), 2u);
+    EXPECT_FALSE(bench.wb.state.CancelRequested);
+    EXPECT_TRUE(view->Grid1.Redraw());
+    Show("Archive");
+    view->ActiveBar1.Press("Select All");
+    EXPECT_EQ(view->Grid1.SelBookmarks().Count(), 0u);
+}
+
+TEST_F(ViewCommands, DeletingAsksAndTells) {
+    view->Grid1.onKey("Del");  // nothing is selected
+    Select({1});
+    Act([this] {
+        auto& box = Form<frmMSGDeleteDatabase>();
+        EXPECT_EQ(box.Caption(), "Delete record");
+        EXPECT_EQ(box.lblText.Text(),
+                  "You are about to delete 1 record. \r\nAre you sure you want to do this?");
+        box.cmdNo.Press();
+    });
+    view->Grid1.onKey("Del");
+    EXPECT_EQ(Rows("People"), test::PeopleRows);
+    Select({0});
+    Act([this] {
+        auto& box = Form<frmMSGDeleteDatabase>();
+        EXPECT_EQ(box.Caption(), "Delete records");
+        EXPECT_EQ(box.lblText.Text(),
+                  "You are about to delete 2 records. \r\nAre you sure you want to do this?");
+        box.Check1.SetByUser("1");
+        box.cmdYes.Press();
+    });
+    AnswerBox(BoxAnswer::Ok, "2 records are");
+    AnswerBox(BoxAnswer::Ok, "1 record is");
+    view->ActiveBar1.Press("Delete");
+    ExpectBox("2 records are successfully deleted from the 'People' table.");
+    EXPECT_EQ(Rows("People"), "c@x.com Cid 33\n");
+    EXPECT_EQ(view->Grid1.SelBookmarks().Count(), 0u);
+    EXPECT_EQ(*view->Data1.Recordset()->Get("Name"), DaoValue("Cid")) << "a row is current";
+    Select({0});
+    view->cmdDeleteSelected.Press();  // the box need not come again
+    ExpectBox("1 record is successfully deleted from the 'People' table.");
+    EXPECT_EQ(view->Grid1.RowCount(), 0u);
+}
+
+TEST_F(ViewCommands, AllRowsOfASortedTableGoByOneStatement) {
+    view->Show();
+    view->Grid1.onHeadClick(1);
+    view->ActiveBar1.Press("Select All");
+    std::vector<long> steps;
+    const Subscription yields = bench.windows.yielded.Observe([&] { steps.push_back(1); });
+    view->cmdDeleteSelectedNoStatus.Press();
+    EXPECT_TRUE(steps.empty());
+    EXPECT_EQ(Rows("People"), "");
+    EXPECT_EQ(view->Grid1.RowCount(), 0u);
+    EXPECT_EQ(bench.shell.recordPanel, "0 records.");
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "People");
+}
+
+TEST_F(ViewCommands, ACancelledDeletionKeepsTheRest) {
+    Fill(10);
+    view->Grid1.onHeadClick(1);
+    Select({9, 8, 7, 6, 5, 4});
+    const Subscription yields = bench.windows.yielded.Observe([this] {
+        auto& status = bench.wb.forms.Get<frmStatus>();
+        if (status.Progress1.Value() == 4) status.cmdCancel.Press();
+    });
+    view->cmdDeleteSelectedNoStatus.Press();
+    EXPECT_EQ(view->Grid1.RowCount(), 6u);
+    EXPECT_EQ(view->Grid1.SelBookmarks().Count(), 2u);
+    EXPECT_EQ(view->Data1.Database()->OpenRecordset("Archive").ValueOr(nullptr)->RecordCount(), 6);
+}
+
+TEST_F(ViewCommands, ClosingTheViewInTheMiddleOfADeletion) {
+    Fill(10);
+    Select({9, 8, 7, 6});
+    const Subscription yields = bench.windows.yielded.Observe([this] {
+        EXPECT_FALSE(view->Unload()) << "not by its user";
+        if (bench.wb.forms.Get<frmStatus>().Progress1.Value() == 2)
+            bench.wb.forms.UnloadAllExcept({"frmMain", "frmSettings"});
+    });
+    view->cmdDeleteSelectedNoStatus.Press();
+    bench.Settle();
+    view = &bench.wb.forms.Get<frmViewDatabase>();
+    EXPECT_EQ(view->Grid1.RowCount(), 8u);
+}
+
+TEST_F(ViewCommands, FindSelectsTheNextRowThatHoldsTheText) {
+    view->ActiveBar1.Press("Alt+D");
+    auto& find = Form<frmFind>();
+    EXPECT_FALSE(find.cmdFind.Enabled());
+    find.txtFind.SetByUser("X.COM");
+    std::vector<std::size_t> rows;
+    for (int i = 0; i < 3; ++i) {
+        find.cmdFind.Press();
+        rows.push_back(view->Grid1.CurrentRow().value());
+        EXPECT_EQ(view->Grid1.SelBookmarks().All(),
+                  std::vector<std::int64_t>{view->Grid1.Rows()->BookmarkAt(rows.back())});
+    }
+    EXPECT_EQ(rows, (std::vector<std::size_t>{1, 2, 0}));
+    AnswerBox(BoxAnswer::Ok, "Not Found");
+    find.chkMatchCase.SetByUser("1");
+    find.cmdFind.Press();
+    ExpectBox("'X.COM' Not Found.");
+    Reopen();
+    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmFind"));
+}
+
+TEST_F(ViewCommands, KeysStepThroughTheTables) {
+    EXPECT_EQ(view->cmbTable.Text(), "People");
+    view->ActiveBar1.Press("Alt+Left");
+    EXPECT_EQ(view->cmbTable.Text(), "People") << "nothing before the first";
+    view->ActiveBar1.Press("Alt+Down");
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "Archive");
+    view->ActiveBar1.Press("Alt+Right");
+    view->ActiveBar1.Press("Alt+Up");
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "People");
+}
+
+TEST_F(ViewCommands, ToolsWithoutWorkAreDisabledAndSaySo) {
+    const Tool* later = view->ActiveBar1.FindTool("Compare tables");
+    ASSERT_NE(later, nullptr);
+    EXPECT_EQ(later->enabled, static_cast<bool>(view->cmdCompare.onClick));
+    EXPECT_EQ(later->enabled, later->tip.find(LaterTip) == std::string::npos);
+    EXPECT_TRUE(view->ActiveBar1.FindTool("Delete")->enabled);
+    for (const Tool& tool : view->ActiveBar1.Tools())
+        EXPECT_FALSE(tool.caption.empty());
+}
+
+TEST_F(ViewCommands, RowColumnAndLayoutComeBack) {
+    view->Grid1.SetCurrentColumn(2);
+    view->Grid1.SetCurrentRow(1);
+    view->Grid1.SetColumnWidth(0, 4321);
+    Reopen();
+    EXPECT_EQ(view->Grid1.CurrentRow(), 1u);
+    EXPECT_EQ(view->Grid1.CurrentColumn(), 2u);
+    EXPECT_EQ(view->Grid1.Columns()[0].width, 4321);
+    DeleteFile(ProjectFile("dbgd.lyt"));
+    Reopen();
+    EXPECT_EQ(view->Grid1.CurrentRow(), 1u);
+    Show("Archive");
+    EXPECT_FALSE(FileExists(ProjectFile("tbkm.dat"))) << "the place was another table's";
+    Reopen();
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "Archive");
+    Show("People");
+    view->Grid1.SetCurrentRow(2);
+    view->ForgetPlace();
+    Reopen();
+    EXPECT_EQ(view->Grid1.CurrentRow(), 0u);
+}
+
+TEST_F(ViewCommands, AStaleBookmarkIsIgnored) {
+    for (const char* content : {"", "x", "\xff\xff\xff\xff\xff\xff\xff\x7f"}) {
+        view->Unload();
+        bench.Settle();
+        WriteFileText(ProjectFile("tbkm.dat"), content);
+        IniWrite("Database", "LastCell", "99", ProjectFile("project.ini"));
+        view = &bench.wb.forms.Get<frmViewDatabase>();
+        EXPECT_EQ(view->Grid1.CurrentRow(), 0u);
+        EXPECT_EQ(view->Grid1.CurrentColumn(), 0u);
+    }
+}
+
+class Suspension : public ViewCommands {
+protected:
+    DaoResult<std::shared_ptr<Database>> OpenExclusive(const SuspendedConnection& suspended) {
+        return bench.wb.state.MainWorkspace->OpenDatabase(suspended.Path(), OpenMode::Exclusive);
+    }
+};
+
+TEST_F(Suspension, GivesTheFileAndBringsTheTableBack) {
+    view->Grid1.onHeadClick(1);
+    view->Grid1.onHeadClick(1);
+    DataControl other(bench.wb);  // as a form of an upper layer has it
+    other.DatabaseName = path;
+    other.RecordSource = "People";
+    ASSERT_TRUE(other.Refresh().Ok());
+    const Subscription closes = view->Data1.aboutToClose.Observe([&] { other.Close(); });
+    int shown = 0;
+    const Subscription shows = view->tableShown.Observe([&] { ++shown; });
+    {
+        const SuspendedConnection suspended(bench.wb);
+        const SuspendedConnection inner(bench.wb);
+        auto own = OpenExclusive(inner);
+        ASSERT_TRUE(own.Ok()) << own.Error().description;
+        view->cmdRefresh.Press();
+        view->ActiveBar1.Press("Insert");
+        view->Grid1.onHeadClick(0);
+        view->Grid1.onKey("Del");
+        bench.clock.Advance(std::chrono::seconds(2));
+        bench.Settle();
+        EXPECT_EQ(view->Data1.Database(), nullptr) << "nothing opens the file meanwhile";
+        (*own)->Close();
+    }
+    EXPECT_EQ(Names(), "Cid Bob Ann ");
+    EXPECT_EQ(shown, 1);
+}
+
+TEST_F(Suspension, ATableThatHasGoneGivesWayToTheFirst) {
+    Show("Archive");
+    {
+        const SuspendedConnection suspended(bench.wb);
+        auto own = OpenExclusive(suspended);
+        ASSERT_TRUE((*own)->DeleteTable("Archive").Ok());
+        (*own)->Close();
+    }
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "People");
+    EXPECT_EQ(view->cmbTable.Items(), std::vector<std::string>{"People"});
+    {
+        SuspendedConnection suspended(bench.wb);
+        auto own = OpenExclusive(suspended);
+        ASSERT_TRUE((*own)->AppendTable({"New", 0, {{.name = "Email"}}, {}}).Ok());
+        (*own)->Close();
+        suspended.ShowTable("New");
+    }
+    EXPECT_EQ(CurrentDatabaseTable(bench.wb), "New");
+    EXPECT_EQ(view->cmbTable.Text(), "New");
+}
+
+TEST_F(Suspension, WorksWithoutAView) {
+    view->Unload();
+    bench.Settle();
+    const SuspendedConnection suspended(bench.wb);
+    EXPECT_EQ(suspended.Path(), path);
+    EXPECT_TRUE(OpenExclusive(suspended).Ok());
+}
+
+TEST_F(Suspension, AnOrderByAColumnThatHasGoneIsDropped) {
+    view->Grid1.onHeadClick(1);
+    {
+        const SuspendedConnection suspended(bench.wb);
+        auto own = OpenExclusive(suspended);
+        ASSERT_TRUE((*own)->DeleteField("People", "Name").Ok());
+        (*own)->Close();
+    }
+    EXPECT_EQ(view->Data1.RecordSource, "People");
+    EXPECT_EQ(view->Grid1.RowCount(), 3u);
+    EXPECT_EQ(Marks(), ",,");
+}
+
+}  // namespace
+}  // namespace mailvane
