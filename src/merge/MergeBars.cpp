@@ -1,6 +1,7 @@
 #include "merge/MergeBars.h"
 
 #include "core/ToolTable.h"
+#include "merge/BodyCommands.h"
 
 namespace mailvane {
 
@@ -13,8 +14,9 @@ constexpr ToolRow MergeTools[] = {
     {"Send Message", "Sen&d Message...", "Make the messages and send them", "mail-send", "Alt+D"},
     {"Send Later", "Send &Later...", "Make the messages and leave them in the Outbox", "mail-queue",
      ""},
-    {"Test", "T&est...", "Send the message to yourself first", "mail-forward", "Alt+E",
-     ToolState::Later},
+    {"Test", "T&est...", "Send the message to yourself first", "mail-forward", "Alt+E"},
+    {"Check", "Chec&k...", "Look for what would go wrong before anything is sent",
+     "document-preview", ""},
     {"Refresh", "&Refresh", "Read the table again", "view-refresh", "Alt+R"},
     {"Close", "&Close", "Close this window", "window-close", ""},
     {"Cut", "Cu&t", "Move the selected text to the clipboard", "edit-cut"},
@@ -22,17 +24,16 @@ constexpr ToolRow MergeTools[] = {
     {"Paste", "&Paste", "Insert the text of the clipboard", "edit-paste"},
     {"Clear", "C&lear", "Remove the selected text", "edit-clear", ""},
     {"Select All", "Select &All", "Select the whole text", "edit-select-all", ""},
-    {"Find", "&Find...", "Find a text in the message", "edit-find", "", ToolState::Later},
-    {"Spelling", "Spellin&g...", "Check the spelling", "tools-check-spelling", "Alt+G",
-     ToolState::Later},
+    {"Find", "&Find...", "Find a text in the message", "edit-find", ""},
+    {"Spelling", "Spellin&g...", "Check the spelling", "tools-check-spelling", "Alt+G"},
     {"File Attachment", "&File Attachment...", "Attach a file", "mail-attachment", ""},
     {"HTML", "&HTML File...", "Send an HTML file as the message", "text-html", ""},
     {"Text from File", "&Text from File...", "Insert the text of a file", "text-plain", ""},
     {"Signature", "&Signature", "Insert your signature", "document-sign", ""},
-    {"Execute Program", "Execute &Program...", "Insert a tag that runs a program", "system-run", "",
-     ToolState::Later},
-    {"Execute CGI", "Execute &CGI...", "Insert a tag that calls a web script", "network-server", "",
-     ToolState::Later},
+    {"Execute Program", "Execute &Program...", "Insert a tag that runs a program", "system-run",
+     ""},
+    {"Execute CGI", "Execute &CGI...", "Insert a tag that calls a web script", "network-server",
+     ""},
     {"attAdd", "&Add Attachment...", "Choose the file to attach", "list-add", ""},
     {"attDelete", "&Remove Attachment", "Attach no file", "list-remove", ""},
     {"attAddHTML", "Add &HTML File...", "Choose the HTML file", "list-add", ""},
@@ -42,7 +43,7 @@ constexpr ToolRow MergeTools[] = {
     {"miUnderline", "&Underline", "Underline the selected text", "format-text-underline"},
     {"miFont", "&Font...", "Choose the font of the selected text", "preferences-desktop-font"},
     {"miFontSize", "Font &Size...", "Choose the size of the selected text", "format-font-size-more",
-     "", ToolState::Later},
+     ""},
 };
 
 struct PriorityTool {
@@ -65,6 +66,7 @@ void AddMergeTools(ActiveBar& bar) {
                      .tip = tool.tip,
                      .checkable = true,
                      .checked = std::string(tool.name) == "Normal"});
+    AddFontSizes(bar);
     for (int i = 1; i <= 5; ++i)
         bar.AddTool({.name = "RecentFile" + std::to_string(i),
                      .tip = "Open this message file",
@@ -78,9 +80,9 @@ void BuildMergeBars(ActiveBar& bar) {
     bar.AddBand({Band::Kind::Menu,
                  "File",
                  "&File",
-                 {"New", "Open", "Save", "-", "Send Message", "Send Later", "Test", "-", "Refresh",
-                  "-", "RecentFile1", "RecentFile2", "RecentFile3", "RecentFile4", "RecentFile5",
-                  "-", "Close"}});
+                 {"New", "Open", "Save", "-", "Send Message", "Send Later", "Test", "Check", "-",
+                  "Refresh", "-", "RecentFile1", "RecentFile2", "RecentFile3", "RecentFile4",
+                  "RecentFile5", "-", "Close"}});
     bar.AddBand({Band::Kind::Menu,
                  "Edit",
                  "Ed&it",
@@ -90,16 +92,38 @@ void BuildMergeBars(ActiveBar& bar) {
                  "Inser&t",
                  {"File Attachment", "attDelete", "HTML", "attDeleteHTML", "-", "Text from File",
                   "Signature", "-", "Execute Program", "Execute CGI"}});
-    bar.AddBand({Band::Kind::Menu,
-                 "Format",
-                 "Form&at",
-                 {"miBold", "miItalic", "miUnderline", "-", "miFont", "miFontSize"}});
+    bar.AddBand(
+        {Band::Kind::Menu,
+         "Format",
+         "Form&at",
+         {"miBold", "miItalic", "miUnderline", "-", "miFont", std::string(">") + FontSizeBand}});
     bar.AddBand({Band::Kind::Menu, "Priority", "&Priority", {"High", "Normal", "Low"}});
     bar.AddBand({Band::Kind::ToolBar,
                  "Message",
                  "Message",
-                 {"New", "Open", "Save", "-", "Send Message", "Send Later", "-", "File Attachment",
-                  "HTML", "Text from File", "Signature", "-", "Refresh"}});
+                 {"New",
+                  "Open",
+                  "Save",
+                  "-",
+                  "Send Message",
+                  "Send Later",
+                  "Test",
+                  "Check",
+                  "-",
+                  "File Attachment",
+                  "HTML",
+                  "Text from File",
+                  "Signature",
+                  "-",
+                  "Spelling",
+                  "-",
+                  "miBold",
+                  "miItalic",
+                  "miUnderline",
+                  "miFont",
+                  "miFontSize",
+                  "-",
+                  "Refresh"}});
 }
 
 }  // namespace mailvane

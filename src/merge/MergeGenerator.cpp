@@ -2,7 +2,7 @@
 
 #include "core/Paths.h"
 #include "core/Progress.h"
-#include "core/Text.h"
+#include "merge/ExecuteTag.h"
 #include "store/MessageStore.h"
 
 namespace mailvane {
@@ -38,19 +38,6 @@ void FillInSystemTags(const Workbench& wb, std::string& text) {
     });
 }
 
-void RemoveDeadProgramTag(std::string& text) {
-    static const std::string keyword = "##execute program ";
-    constexpr std::string_view TagEnd = "##";
-    if (text.find(TagEnd) == std::string::npos) return;
-    const std::size_t start = ToLower(text).find(keyword);
-    if (start == std::string::npos) return;
-    const std::size_t number = start + keyword.size();
-    const std::size_t end = text.find(TagEnd, number);
-    if (end == std::string::npos) return;
-    const std::string tag = text.substr(start, end + TagEnd.size() - start);
-    text = ReplaceText(text, tag, "");
-}
-
 MergeGenerator::MergeGenerator(Workbench& wb, const frmViewMerge& message,
                                std::shared_ptr<Recordset> recipients, MergeAddressing addressing)
     : wb_(wb),
@@ -61,21 +48,39 @@ MergeGenerator::MergeGenerator(Workbench& wb, const frmViewMerge& message,
       row_(std::move(recipients), fieldTags_.Names()) {}
 
 DaoError MergeGenerator::GenerateMergeMessage() {
+    BuildMessage();
+    RunTags();
+    return StoreMessage();
+}
+
+/// All that is read of the row and of the forms is read here, before anything waits.
+void MergeGenerator::BuildMessage() {
     row_.Renew();
     ReadMessageParts();
     if (addressing_.personal) {
         FindFiles();
-        RemoveDeadProgramTag(record_.Body);
-        RemoveDeadProgramTag(record_.HTMLCode);
+        FindTags();
         FillInFields();
     }
     FillInSystemValues();
     RemoveFieldTags();
     Address();
+    record_.Priority = message_.PriorityValue();
+}
+
+void MergeGenerator::RunTags() {
+    const auto keepWaiting = [this] {
+        YieldBriefly(wb_);
+        return !wb_.platform.windows.Quitting() && (!KeepWaiting || KeepWaiting());
+    };
+    if (programFound_) program_.Run(wb_, keepWaiting);
+    if (scriptFound_) script_.Call(wb_, keepWaiting);
+}
+
+DaoError MergeGenerator::StoreMessage() {
     record_.Date = wb_.platform.clock.Now();
     record_.Size = static_cast<std::int32_t>(record_.Body.size() + record_.Subject.size() +
                                              record_.AllHeaders.size());
-    record_.Priority = message_.PriorityValue();
     return TrySaveMessageRecord(wb_, record_, "", OutboxFolder, false, 0, "Unread", false);
 }
 
@@ -104,10 +109,17 @@ void MergeGenerator::FindFiles() {
     }
 }
 
+void MergeGenerator::FindTags() {
+    if (program_.FindProgramTag(wb_, record_) != NoExecuteTag) programFound_ = true;
+    if (script_.FindCgiTag(wb_, record_) != NoExecuteTag) scriptFound_ = true;
+}
+
 void MergeGenerator::FillInFields() {
     const auto value = [this](std::size_t field) { return row_.Text(field); };
     for (std::string* text : {&record_.Body, &record_.Subject, &record_.From, &record_.HTMLCode})
         fieldTags_.Replace(*text, value);
+    if (programFound_) program_.FillIn(fieldTags_, value);
+    if (scriptFound_) script_.FillIn(fieldTags_, value);
 }
 
 void MergeGenerator::FillInSystemValues() {

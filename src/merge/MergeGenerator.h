@@ -5,6 +5,8 @@
 
 #include "core/Workbench.h"
 #include "core/frmSettings.h"
+#include "merge/CgiTag.h"
+#include "merge/ProgramTag.h"
 #include "merge/RecipientRow.h"
 #include "merge/TagList.h"
 #include "merge/frmViewMerge.h"
@@ -27,16 +29,27 @@ public:
     MergeGenerator(Workbench& wb, const frmViewMerge& message,
                    std::shared_ptr<Recordset> recipients, MergeAddressing addressing);
 
-    /// Makes one message and stores it; failures on the way to it leave the part concerned as it
-    /// was. Tells when it could not be stored.
+    /// Makes one message, runs its tags and stores it; failures on the way to it leave the part
+    /// concerned as it was. Tells when it could not be stored.
     DaoError GenerateMergeMessage();
 
+    // The same in steps. RunTags waits and lets the program go on meanwhile: no transaction may be
+    // open.
+    void BuildMessage();
+    /// From the first message on that had a program or script to run.
+    bool HasTagsToRun() const { return programFound_ || scriptFound_; }
+    void RunTags();
+    DaoError StoreMessage();
+
     std::string PacketText;  ///< bulk: the addresses of the blind copy
+    /// Called while a program or script is waited for; false ends the wait.
+    std::function<bool()> KeepWaiting;
 
 private:
     void ReadMessageParts();
     void FillInFields();
     void FindFiles();
+    void FindTags();
     void FillInSystemValues();
     void RemoveFieldTags();
     void Address();
@@ -48,11 +61,14 @@ private:
     TagList fieldTags_;
     RecipientRow row_;
     MessageRecord record_;
+    // Once found they run for every message, with the record that was read last.
+    bool programFound_ = false;
+    bool scriptFound_ = false;
+    ProgramTag program_;
+    CgiTag script_;
 };
 
 /// Replaces the tags of the machine's time, date, address and resources.
 void FillInSystemTags(const Workbench& wb, std::string& text);
-/// Takes the first program tag of a text out of it when the program it names is not there.
-void RemoveDeadProgramTag(std::string& text);
 
 }  // namespace mailvane

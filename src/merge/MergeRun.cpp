@@ -17,12 +17,6 @@ constexpr const char* AccessingRecords = "Accessing records, please wait...";
 constexpr const char* FilteringRecords = "Filtering records, please wait...";
 constexpr std::size_t MailingTableNameLength = 58;
 
-/// The text as a number of rows; what is beyond 32 bits is as good as without end.
-std::int64_t RowNumber(const std::string& text) {
-    constexpr double Most = 2147483647;
-    return std::llrint(std::clamp(NumberOf(text), -Most, Most));
-}
-
 std::string MailingTableName(const std::string& table, DateTime now) {
     std::string name = table + " " + now.Stamp();
     std::size_t length = std::min(name.size(), MailingTableNameLength);
@@ -63,13 +57,6 @@ bool MergeRun::AskToProceed(const std::string& text, BoxIcon icon) {
 
 bool MergeRun::IsBelowOneOrNoNumber(const std::string& text) {
     return !IsNumeric(text) || NumberOf(text) < 1;
-}
-
-/// A bracket in the name itself would end it early; without it, no table has that name.
-std::string MergeRun::Bracketed(const std::string& name) {
-    std::string inner = name;
-    std::erase(inner, ']');
-    return "[" + inner + "]";
 }
 
 bool MergeRun::CheckOptions() {
@@ -140,12 +127,7 @@ void MergeRun::OpenRecipients() {
     ShowPanel(AccessingRecords);
     database_ = view_.Data1.Database();
     if (database_) {
-        const std::string all = Bracketed(table_);
-        const auto opened = database_->OpenRecordset(
-            dialog_.chkMax.Checked()
-                ? "SELECT TOP " + std::to_string(RowNumber(dialog_.txtMax.Text())) + " " + all +
-                      ".* FROM " + all + ";"
-                : table_);
+        const auto opened = database_->OpenRecordset(dialog_.RecipientsSource(table_));
         if (opened.Ok()) recipients_ = *opened;
     }
     if (recipients_) total_ = recipients_->RecordCount();
@@ -165,9 +147,7 @@ bool MergeRun::Narrow() {
 /// Dates that cannot be compared select nobody, rather than everybody.
 bool MergeRun::NarrowByDate() {
     ShowPanel(FilteringRecords);
-    recipients_->SetFilter(Bracketed(dialog_.cmbField.Text()) + " BETWEEN #" +
-                           dialog_.Date1.Value().GeneralDate() + "# And #" +
-                           dialog_.Date2.Value().GeneralDate() + "#");
+    recipients_->SetFilter(dialog_.DateFilter());
     const auto filtered = recipients_->OpenFiltered();
     recipients_ = filtered.Ok() ? *filtered : nullptr;
     total_ = recipients_ ? recipients_->RecordCount() : 0;
@@ -178,8 +158,8 @@ bool MergeRun::NarrowByDate() {
 
 bool MergeRun::NarrowByRows() {
     ShowPanel(FilteringRecords);
-    firstRow_ = RowNumber(dialog_.txtFractional1.Text());
-    total_ = RowNumber(dialog_.txtFractional2.Text()) - firstRow_ + 1;
+    firstRow_ = dialog_.FirstRow();
+    total_ = dialog_.LastRow() - firstRow_ + 1;
     SkipRows(firstRow_ - 1);
     if (total_ >= 1) return true;
     return RefuseStart(

@@ -45,6 +45,7 @@ private:
     Outcome GenerateMessages();
     Outcome GeneratePersonal(MergeGenerator& generator);
     DaoError MakeGroup(MergeGenerator& generator);
+    DaoError MakeWithTags(MergeGenerator& generator);
     Outcome GenerateBulk(MergeGenerator& generator);
     bool CheckPacketSize();
     UnfinishedMerge Intent(bool personal) const;
@@ -66,7 +67,6 @@ private:
     std::string RangeText() const;
     bool AskToProceed(const std::string& text, BoxIcon icon = BoxIcon::Question);
     static bool IsBelowOneOrNoNumber(const std::string& text);
-    static std::string Bracketed(const std::string& name);
 
     Workbench& wb_;
     frmMerge& dialog_;

@@ -40,8 +40,8 @@ void MergeRun::FinishMergeRun() {
 
 void MergeRun::CreateMailingTable() {
     ShowPanel(CreatingMailingTable);
-    const std::string source = Bracketed(table_);
-    const std::string target = Bracketed(mailingTable_);
+    const std::string source = frmMerge::Bracketed(table_);
+    const std::string target = frmMerge::Bracketed(mailingTable_);
     // A second run in the same second finds the table made and adds to it.
     const auto made =
         database_->Execute("SELECT TOP 1 " + source + ".* INTO " + target + " FROM " + source);

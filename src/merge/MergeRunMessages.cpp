@@ -18,6 +18,7 @@ MergeRun::Outcome MergeRun::GenerateMessages() {
         return StopForStore(failed);
     MergeGenerator generator(wb_, message_, recipients_,
                              {personal, message_.txtTo.Text(), dialog_.txtTo.Text()});
+    generator.KeepWaiting = [this] { return !wb_.state.CancelRequested && dialog_.IsLoaded(); };
     UpdateProgress(wb_, static_cast<long>(total_), 0, "Generating messages...");
     const Outcome outcome = personal ? GeneratePersonal(generator) : GenerateBulk(generator);
     // A mark that cannot be taken away tells the next start of the program how far this run came.
@@ -44,7 +45,8 @@ MergeRun::Outcome MergeRun::GeneratePersonal(MergeGenerator& generator) {
     while (done_ < total_ && outcome == Outcome::Complete) {
         // A handler that the last yield let run may have closed it.
         DaoError failed = OpenMessageStore(wb_);
-        if (failed.Ok()) failed = MakeGroup(generator);
+        if (failed.Ok() && !generator.HasTagsToRun()) failed = MakeGroup(generator);
+        if (failed.Ok() && generator.HasTagsToRun()) failed = MakeWithTags(generator);
         outcome = StepOn(failed);
     }
     noMailingTable_ = outcome == Outcome::Cancelled;
@@ -52,7 +54,8 @@ MergeRun::Outcome MergeRun::GeneratePersonal(MergeGenerator& generator) {
 }
 
 /// The messages from one yield to the next are stored as one unit: a commit for each of them would
-/// cost more than all the rest. Ends early at a failure, with what was made before it stored.
+/// cost more than all the rest. Ends early at a failure, with what was made before it stored, and
+/// before the first message that has tags to run.
 DaoError MergeRun::MakeGroup(MergeGenerator& generator) {
     const std::shared_ptr<Database> store = wb_.state.MessageStore;
     const std::int64_t before = done_;
@@ -60,7 +63,9 @@ DaoError MergeRun::MakeGroup(MergeGenerator& generator) {
     DaoError failed;
     const auto makeMessages = [&]() -> DaoError {
         do {
-            failed = generator.GenerateMergeMessage();
+            generator.BuildMessage();
+            if (generator.HasTagsToRun()) return {};
+            failed = generator.StoreMessage();
             if (IsStorageFailure(failed)) return failed;
             ++done_;
             const DaoError moved = recipients_->MoveNext();
@@ -75,6 +80,15 @@ DaoError MergeRun::MakeGroup(MergeGenerator& generator) {
     if (position.Ok()) recipients_->SetBookmark(*position).Ignore();
     wb_.state.CurrentFolderRecordset = nullptr;  // it lists rows that have been undone
     return stored;
+}
+
+/// A single message: handlers run while its program or script is waited for.
+DaoError MergeRun::MakeWithTags(MergeGenerator& generator) {
+    const DaoError failed = generator.GenerateMergeMessage();
+    if (IsStorageFailure(failed)) return failed;
+    ++done_;
+    const DaoError moved = recipients_->MoveNext();
+    return failed.Ok() ? moved : failed;
 }
 
 /// The packet text goes on growing from one packet to the next, and only a full packet, or one that

@@ -26,6 +26,17 @@ void TagList::Remove(std::string& text) const {
     Replace(text, [&nothing](std::size_t) { return &nothing; });
 }
 
+std::size_t TagList::TagLengthAt(std::string_view text, std::size_t position) const {
+    if (text[position] != '[') return 0;
+    std::size_t end = text.find_first_of("[]", position + 1);
+    while (end != std::string_view::npos) {
+        if (text[end] == ']' && Find(text.substr(position + 1, end - position - 1)))
+            return end + 1 - position;
+        end = namesHoldBrackets_ ? text.find_first_of("[]", end + 1) : std::string_view::npos;
+    }
+    return 0;
+}
+
 std::optional<std::size_t> TagList::Find(std::string_view name) const {
     const auto found = positions_.find(ToLower(name));
     return found == positions_.end() ? std::nullopt : std::optional(found->second);

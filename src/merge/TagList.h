@@ -26,6 +26,8 @@ public:
     void Replace(std::string& text, const ValueOf& valueOf) const;
     /// The same with nothing in place of every tag.
     void Remove(std::string& text) const;
+    /// How long the tag is that begins at a position of `text`; 0 when none does.
+    std::size_t TagLengthAt(std::string_view text, std::size_t position) const;
 
 private:
     std::optional<std::size_t> Find(std::string_view name) const;

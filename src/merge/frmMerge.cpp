@@ -1,5 +1,8 @@
 #include "merge/frmMerge.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "core/Progress.h"
 #include "core/Running.h"
 #include "core/Text.h"
@@ -8,8 +11,20 @@
 #include "core/frmStatus.h"
 #include "database/frmViewDatabase.h"
 #include "merge/MergeRun.h"
+#include "merge/frmMergeCheck.h"
+#include "merge/frmViewMerge.h"
 
 namespace mailvane {
+
+namespace {
+
+/// The text as a number of rows; what is beyond 32 bits is as good as without end.
+std::int64_t RowNumber(const std::string& text) {
+    constexpr double Most = 2147483647;
+    return std::llrint(std::clamp(NumberOf(text), -Most, Most));
+}
+
+}  // namespace
 
 frmMerge::frmMerge(Workbench& wb) : WorkbenchForm(wb, "frmMerge", "E-mail Merge") {
     WireControls();
@@ -110,6 +125,62 @@ void frmMerge::CheckRowNumber(TextBox& field) {
     if (NumberOf(field.Text()) != 0) return;
     Tell(wb_, "Invalid value. ");
     field.SetText("1");
+}
+
+/// A bracket in the name itself would end it early; without it, no table has that name.
+std::string frmMerge::Bracketed(const std::string& name) {
+    std::string inner = name;
+    std::erase(inner, ']');
+    return "[" + inner + "]";
+}
+
+std::string frmMerge::RecipientsSource(const std::string& table) const {
+    if (!chkMax.Checked()) return table;
+    const std::string all = Bracketed(table);
+    return "SELECT TOP " + std::to_string(RowNumber(txtMax.Text())) + " " + all + ".* FROM " + all +
+           ";";
+}
+
+std::string frmMerge::DateFilter() const {
+    return Bracketed(cmbField.Text()) + " BETWEEN #" + Date1.Value().GeneralDate() + "# And #" +
+           Date2.Value().GeneralDate() + "#";
+}
+
+std::int64_t frmMerge::FirstRow() const {
+    return RowNumber(txtFractional1.Text());
+}
+
+std::int64_t frmMerge::LastRow() const {
+    return RowNumber(txtFractional2.Text());
+}
+
+/// The rows of the run as the options stand now; options that the run would ask about count as far
+/// as they make sense.
+MergeRows frmMerge::NarrowedRows() const {
+    const DataControl& shown = wb_.forms.Get<frmViewDatabase>().Data1;
+    MergeRows rows;
+    if (!shown.Database()) return rows;
+    rows.recipients =
+        shown.Database()->OpenRecordset(RecipientsSource(shown.CurrentTable())).ValueOr(nullptr);
+    if (rows.recipients && chkDate.Checked() && DateColumnChosen()) {
+        rows.recipients->SetFilter(DateFilter());
+        rows.recipients = rows.recipients->OpenFiltered().ValueOr(nullptr);
+    }
+    if (!rows.recipients) return rows;
+    const std::int64_t all = rows.recipients->RecordCount();
+    const std::int64_t first =
+        chkFractional.Checked() ? std::clamp<std::int64_t>(FirstRow() - 1, 0, all) : 0;
+    const std::int64_t end =
+        chkFractional.Checked() ? std::clamp<std::int64_t>(LastRow(), first, all) : all;
+    rows.first = static_cast<std::size_t>(first);
+    rows.count = static_cast<std::size_t>(end - first);
+    return rows;
+}
+
+void frmMerge::Check() {
+    MergeParts parts = PartsOf(wb_.forms.Get<frmViewMerge>());
+    if (optBulk.IsSet()) parts.addressColumn = cmbEmail.Text();
+    ShowMergeCheck(wb_, parts, NarrowedRows());
 }
 
 void frmMerge::Start() {

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "core/Workbench.h"
+#include "merge/MergeCheck.h"
 
 namespace mailvane {
 
@@ -38,9 +42,18 @@ public:
     Button cmdText{*this, "cmdText"};
     Button cmdClean{*this, "cmdClean"};
     Button cmdStart{*this, "cmdStart"};
+    Button cmdCheck{*this, "cmdCheck", [this] { Check(); }};
     Button cmdCancel{*this, "cmdCancel"};
     Button SSCommand2{*this, "SSCommand2"};
 
+    /// What the run opens of a table: its name, or a query of its first rows by chkMax.
+    std::string RecipientsSource(const std::string& table) const;
+    /// A name in the brackets that statements want.
+    static std::string Bracketed(const std::string& name);
+    std::string DateFilter() const;  ///< the condition on those rows by chkDate
+    // The rows of chkFractional, counted from 1.
+    std::int64_t FirstRow() const;
+    std::int64_t LastRow() const;
     /// The column chosen in cmbField holds dates.
     bool DateColumnChosen() const;
     void OnCloseBox() override { Cancel(); }
@@ -59,6 +72,8 @@ private:
     void LeaveDateColumn();
     void CheckRowNumber(TextBox& field);
     void Start();
+    void Check();
+    MergeRows NarrowedRows() const;
     void Cancel();
     bool running_ = false;
 };

@@ -3,23 +3,19 @@
 #include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/Settings.h"
-#include "core/Sifrant.h"
 #include "core/Text.h"
+#include "core/frmMSGResources.h"
 #include "core/frmSettings.h"
-#include "core/frmStatus.h"
+#include "database/frmFind.h"
+#include "merge/AddressBook.h"
 #include "merge/MergeBars.h"
 #include "merge/frmMerge.h"
-#include "store/frmViewEmail.h"
 
 namespace mailvane {
 
 namespace {
 
-constexpr const char* AccessingRecords = "Accessing records, please wait...";
-
-std::string AddressListPath(const Workbench& wb) {
-    return wb.platform.programFolder + "/addr.dat";
-}
+constexpr int MostScarceResources = 15;  // per cent free
 
 std::string TagOf(const std::string& column) {
     return "[" + column + "]";
@@ -45,6 +41,8 @@ frmViewMerge::frmViewMerge(Workbench& wb)
         if (!filling_) SwitchTable();
     };
     cmdRefresh.onClick = [this] { Refresh(); };
+    cmdSCHSend.onClick = [this] { SendScheduled(); };
+    txtFrom.onLeave = [this] { LearnAddress(txtFrom.Text()); };
     Timer1.onTimer = [this] { KeepInLine(); };
     RecentFile1.onChange = [this](const auto& paths) { ShowRecentFiles(paths); };
 }
@@ -61,7 +59,11 @@ void frmViewMerge::WireLists() {
 }
 
 void frmViewMerge::OnLoad() {
-    addressList_ = UnscrambleText(ReadFileText(AddressListPath(wb_)));
+    WarnOfScarceResources();
+    addressList_ = ReadAddressList(wb_);
+    completion_.SearchList = addressList_;
+    completion_.Delimeter = AddressDelimiter;
+    completion_.SetCompleteTextbox(txtFrom);
     RestoreWindowPlace(wb_, *this, "MergeMain", "MergeWindowState");
     Data1.Bind(Grid1);
     viewMade_ = wb_.forms.created.Observe([this](Form& form) {
@@ -89,10 +91,21 @@ void frmViewMerge::OnUnload() {
     tableShown_.End();
     viewCloses_.End();
     StoreWindowPlace(wb_, *this, "MergeMain", "MergeWindowState");
-    WriteFileText(AddressListPath(wb_), ScrambleText(addressList_));
+    WriteAddressList(wb_, addressList_);
     Data1.Close();
+    if (auto* find = wb_.forms.Find<frmFind>()) find->CloseFor(*this);
     // The dialog works on this form's message.
     if (auto* dialog = wb_.forms.Find<frmMerge>()) dialog->Unload();
+}
+
+void frmViewMerge::WarnOfScarceResources() {
+    const int free = FreeResourcesPercent();
+    if (free >= 1 && free <= MostScarceResources)
+        ShowModalDialog(wb_, wb_.forms.Get<frmMSGResources>());
+}
+
+void frmViewMerge::LearnAddress(const std::string& text) {
+    if (AppendAddress(addressList_, text)) completion_.SearchList = addressList_;
 }
 
 /// True when the project names a database file that is there. The user may choose to name one
@@ -239,49 +252,6 @@ void frmViewMerge::PresetSender() {
 void frmViewMerge::SetRunning(bool running) {
     ActiveBar1.SetEnabled(!running);
     cmbTable.SetEnabled(!running);
-}
-
-void frmViewMerge::CheckAndStartMerge(bool sendNow) {
-    if (txtFrom.Text().empty()) {
-        Tell(wb_, "Enter your e-mail address in the 'From' field.", BoxIcon::Exclamation);
-        return;
-    }
-    constexpr const char* Proceed = "\r\nDo you want to proceed anyway?";
-    if (txtBody.Text().empty() && lstHTML.Count() == 0 && lstAttach.Count() == 0 &&
-        !AskYesNo(wb_, std::string("This e-mail message has no body.") + Proceed))
-        return;
-    if (txtSubject.Text().empty() &&
-        !AskYesNo(wb_, std::string("This e-mail message has no subject.") + Proceed))
-        return;
-    RequeryRecipients();
-    const frmViewDatabase& view = wb_.forms.Get<frmViewDatabase>();
-    if (!view.Data1.Recordset() || view.Data1.Recordset()->RecordCount() == 0) {
-        Tell(wb_,
-             "This message cannot be sent. You don't have any records in your '" +
-                 CurrentDatabaseTable(wb_) + "' table.",
-             BoxIcon::Exclamation);
-        return;
-    }
-    wb_.state.SendNowFlag = sendNow;
-    if (auto* dialog = wb_.forms.Find<frmMerge>()) dialog->Unload();
-    wb_.forms.Get<frmMerge>().Show();
-}
-
-void frmViewMerge::RequeryRecipients() {
-    const BusyPointer busy(wb_);
-    ShowPreparing(wb_, AccessingRecords);
-    wb_.forms.Get<frmViewEmail>();
-    frmViewDatabase& view = wb_.forms.Get<frmViewDatabase>();
-    view.Grid1.SetRedraw(false);
-    if (const auto records = view.Data1.Recordset()) {
-        // A table that cannot be read is one without records, and the caller says so.
-        records->Requery().Ignore();
-        records->MoveFirst().Ignore();
-        view.Grid1.RowsChanged();
-        view.Grid1.SetCurrentRow(0);
-    }
-    view.Grid1.SetRedraw(true);
-    EndPreparing(wb_);
 }
 
 std::string SenderLine(Workbench& wb) {

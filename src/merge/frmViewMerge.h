@@ -7,6 +7,7 @@
 #include "core/Project.h"
 #include "core/Workbench.h"
 #include "database/frmViewDatabase.h"
+#include "merge/clsAutoComplete.h"
 
 namespace mailvane {
 
@@ -30,6 +31,7 @@ public:
     Panel pnlTable{*this, "pnlTable"};
     Grid Grid1{*this, "Grid1"};
     Button cmdRefresh{*this, "cmdRefresh", Button::HiddenButton};
+    Button cmdSCHSend{*this, "cmdSCHSend", Button::HiddenButton};  ///< sends ScheduledMessage
     Timer Timer1{*this, "Timer1", std::chrono::milliseconds(500)};
 
     DataControl Data1;
@@ -49,6 +51,13 @@ public:
     void FillTableList();
     /// The checks before a run; opens frmMerge when they hold.
     void CheckAndStartMerge(bool sendNow);
+    /// Sends the message made for the row under the cursor to an address that the user types.
+    void TestMergeMessage();
+    /// Makes a text known to the completion of addresses.
+    void LearnAddress(const std::string& text);
+
+    /// The file of the message that a scheduled task sends.
+    std::string ScheduledMessage;
 
     /// "1" high, "3" normal, "5" low.
     const std::string& PriorityValue() const { return priority_; }
@@ -60,6 +69,8 @@ protected:
     void OnUnload() override;
 
 private:
+    static constexpr const char* AccessingRecords = "Accessing records, please wait...";
+
     void WireLists();
     bool DatabaseNamed();
     void ObserveView(frmViewDatabase& view);
@@ -76,22 +87,31 @@ private:
     void RememberFile(const std::string& path);
     void FindTableOfDocument(int pendingToIndex);
     void TellWrongTable();
-    void RequeryRecipients();
+    void WarnOfScarceResources();
 
+    // Sending: frmViewMergeSending.cpp
+    bool CheckMessage();
+    void RequeryRecipients();
+    bool HasRecipients() const;
+    void TellNoRecords();
+    std::string AskTestAddress();
+    DaoError StoreTestMessage(const std::string& address);
+    void SendScheduled();
+
+    // Commands: frmViewMergeCommands.cpp
     void RunCommand(const std::string& toolName);
     bool RunFileCommand(const std::string& toolName);
-    bool RunEditCommand(const std::string& toolName);
+    bool RunFileListCommand(const std::string& toolName);
     void NewMessage();
     void SaveMessage();
     void OpenExisting(const std::string& path);
     void ChooseFile(ListBox& list);
-    void InsertTextFile();
-    void InsertSignature();
     void SetPriority(const std::string& toolName);
     void ShowRecentFiles(const std::vector<std::string>& paths);
 
     std::string currentFile_;
     std::string addressList_;
+    clsAutoComplete completion_;
     std::string priority_ = "3";
     bool loading_ = false;
     bool filling_ = false;

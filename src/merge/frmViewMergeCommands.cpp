@@ -1,26 +1,15 @@
 #include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/Text.h"
-#include "core/frmSettings.h"
+#include "merge/BodyCommands.h"
+#include "merge/InsertTag.h"
 #include "merge/MergeDocument.h"
+#include "merge/frmMergeCheck.h"
 #include "merge/frmViewMerge.h"
 
 namespace mailvane {
 
 namespace {
-
-/// The commands of the body that only its widget can carry out.
-std::optional<EditCommand> BodyCommand(const std::string& toolName) {
-    constexpr std::pair<const char*, EditCommand> Commands[] = {
-        {"Cut", EditCommand::Cut},           {"Copy", EditCommand::Copy},
-        {"Paste", EditCommand::Paste},       {"miBold", EditCommand::Bold},
-        {"miItalic", EditCommand::Italic},   {"miUnderline", EditCommand::Underline},
-        {"miFont", EditCommand::ChooseFont},
-    };
-    for (const auto& [name, command] : Commands)
-        if (toolName == name) return command;
-    return std::nullopt;
-}
 
 constexpr const char* Title = "E-mail Merge";
 constexpr std::size_t ShortestPath = 3;
@@ -32,9 +21,15 @@ std::string TemplateMessagePath(const Workbench& wb) {
 }  // namespace
 
 void frmViewMerge::RunCommand(const std::string& toolName) {
-    if (RunFileCommand(toolName) || RunEditCommand(toolName)) return;
+    if (RunFileCommand(toolName) || RunFileListCommand(toolName) ||
+        RunBodyCommand(wb_, txtBody, toolName) || InsertExecuteTag(wb_, txtBody, toolName))
+        return;
     if (toolName == "Send Message" || toolName == "Send Later")
         CheckAndStartMerge(toolName == "Send Message");
+    else if (toolName == "Test")
+        TestMergeMessage();
+    else if (toolName == "Check")
+        CheckWholeTable(wb_);
     else if (toolName == "Refresh")
         cmdRefresh.Press();
     else if (toolName == "High" || toolName == "Normal" || toolName == "Low")
@@ -61,7 +56,7 @@ bool frmViewMerge::RunFileCommand(const std::string& toolName) {
     return true;
 }
 
-bool frmViewMerge::RunEditCommand(const std::string& toolName) {
+bool frmViewMerge::RunFileListCommand(const std::string& toolName) {
     if (toolName == "File Attachment" || toolName == "attAdd")
         ChooseFile(lstAttach);
     else if (toolName == "HTML" || toolName == "attAddHTML")
@@ -70,16 +65,6 @@ bool frmViewMerge::RunEditCommand(const std::string& toolName) {
         lstAttach.Clear();
     else if (toolName == "attDeleteHTML")
         lstHTML.Clear();
-    else if (toolName == "Text from File")
-        InsertTextFile();
-    else if (toolName == "Signature")
-        InsertSignature();
-    else if (const auto command = BodyCommand(toolName))
-        txtBody.Do(*command);
-    else if (toolName == "Clear")
-        txtBody.ReplaceSelection("");
-    else if (toolName == "Select All")
-        txtBody.Select(0, txtBody.Text().size());
     else
         return false;
     return true;
@@ -166,7 +151,7 @@ void frmViewMerge::FindTableOfDocument(int pendingToIndex) {
 
 void frmViewMerge::TellWrongTable() {
     wb_.platform.windows.SetPointer(MousePointer::Normal);
-    if (!Visible()) return;
+    if (!Visible() || wb_.state.UnattendedRun) return;
     Tell(wb_,
          "Your table '" + lblTable.Text() +
              "' cannot be found in the current database. \r\n\r\n"
@@ -179,21 +164,6 @@ void frmViewMerge::TellWrongTable() {
 void frmViewMerge::ChooseFile(ListBox& list) {
     const std::string path = BrowseFile(wb_, false, "", "");
     if (FileExists(path)) list.SetItems({path});
-}
-
-void frmViewMerge::InsertTextFile() {
-    const std::string path = BrowseFile(wb_, false, "", "");
-    if (FileExists(path)) txtBody.ReplaceSelection(ReadFileText(path));
-}
-
-void frmViewMerge::InsertSignature() {
-    frmSettings& settings = wb_.forms.Get<frmSettings>();
-    const std::string file = settings.txtSigFile.Text();
-    const bool fromFile = settings.optFile.IsSet();
-    if (fromFile ? FileExists(file) : !settings.txtSignature.Text().empty())
-        txtBody.ReplaceSelection(fromFile ? ReadFileText(file) : settings.txtSignature.Text());
-    else if (AskYesNo(wb_, "Do you want to create signature for your outgoing messages?"))
-        settings.ShowPage(frmSettings::SignaturePage, settings.txtSignature);
 }
 
 void frmViewMerge::SetPriority(const std::string& toolName) {

@@ -1,5 +1,6 @@
 #include "core/Paths.h"
 #include "core/Sifrant.h"
+#include "database/frmFind.h"
 #include "merge/MergeBench.h"
 #include "merge/MergeDocument.h"
 #include "merge/frmViewMerge.h"
@@ -185,12 +186,101 @@ TEST_F(ViewMergeTest, WithoutADatabaseItOffersTheSettings) {
     EXPECT_TRUE(wb.forms.Get<frmViewMerge>().IsLoaded());
 }
 
-TEST_F(ViewMergeTest, KeepsTheAddressList) {
+TEST_F(ViewMergeTest, LearnsAndOffersSenders) {
     MakeRecipients(1);
-    const std::string list = "a@x\",\"b@x\",\"";
+    const std::string list = "a@x\",\"bob@x\",\"";
     WriteFileText(InProgramFolder("addr.dat"), ScrambleText(list));
-    Message().Unload();
-    EXPECT_EQ(UnscrambleText(ReadFileText(InProgramFolder("addr.dat"))), list);
+    frmViewMerge& view = Message();
+    view.txtFrom.SetText("b");
+    view.txtFrom.onKeyUp('B');
+    EXPECT_EQ(view.txtFrom.Text(), "bob@x");
+    EXPECT_EQ(view.txtFrom.SelectionStart(), 1u);
+    view.txtFrom.SetByUser("Carol <c@x>");
+    view.txtFrom.SetText("ca");
+    view.txtFrom.onKeyUp('A');
+    EXPECT_EQ(view.txtFrom.Text(), "carol <c@x>");
+    view.txtFrom.onLeave();
+    view.Unload();
+    EXPECT_EQ(UnscrambleText(ReadFileText(InProgramFolder("addr.dat"))), list + "Carol <c@x>\",\"");
+}
+
+TEST_F(ViewMergeTest, FindsInTheBody) {
+    MakeRecipients(1);
+    frmViewMerge& view = Message("one two ONE");
+    view.ActiveBar1.Press("Find");
+    auto* find = wb.forms.Find<frmFind>();
+    ASSERT_TRUE(find && find->Visible());
+    struct Row {
+        const char* text;
+        const char* matchCase;
+        std::size_t start;
+        std::size_t length;
+    };
+    const Row rows[] = {{"one", "0", 0, 3}, {"one", "0", 8, 3}, {"one", "0", 0, 3},
+                        {"ONE", "1", 8, 3}, {"ONE", "1", 8, 3}, {"two", "0", 4, 3},
+                        {"TWO", "1", 4, 3}, {"gone", "0", 4, 3}};
+    Prompts().QueueBox(BoxAnswer::Ok, "'TWO' Not Found.");
+    Prompts().QueueBox(BoxAnswer::Ok, "'gone' Not Found.");
+    for (const Row& row : rows) {
+        find->chkMatchCase.SetByUser(row.matchCase);
+        find->txtFind.SetByUser(row.text);
+        find->cmdFind.Press();
+        EXPECT_EQ(view.txtBody.SelectionStart(), row.start) << row.text;
+        EXPECT_EQ(view.txtBody.SelectionLength(), row.length) << row.text;
+    }
+    EXPECT_EQ(Prompts().Shown().back().title, "Find");
+    EXPECT_FALSE(Prompts().Failure());
+    view.Unload();
+    EXPECT_FALSE(find->Visible());
+}
+
+TEST_F(ViewMergeTest, EveryKeyHasItsEffect) {
+    MakeRecipients(1);
+    frmViewMerge& view = Message("some text");
+    std::vector<EditCommand> commands;
+    std::vector<int> sizes;
+    const auto command =
+        view.txtBody.commanded.Observe([&](EditCommand given) { commands.push_back(given); });
+    const auto size = view.txtBody.fontSized.Observe([&](int points) { sizes.push_back(points); });
+    for (const char* key : {"Cut", "Copy", "Paste", "miBold", "miItalic", "miUnderline", "miFont",
+                            "miFontSize", "miFontSize 8", "miFontSize 72"})
+        EXPECT_EQ(view.ActiveBar1.Press(key), ControlAnswer::Done) << key;
+    EXPECT_EQ(commands,
+              (std::vector<EditCommand>{EditCommand::Cut, EditCommand::Copy, EditCommand::Paste,
+                                        EditCommand::Bold, EditCommand::Italic,
+                                        EditCommand::Underline, EditCommand::ChooseFont}));
+    EXPECT_EQ(sizes, (std::vector<int>{8, 72}));
+    view.ActiveBar1.Press("Select All");
+    EXPECT_EQ(view.txtBody.SelectionLength(), 9u);
+    view.ActiveBar1.Press("Clear");
+    EXPECT_EQ(view.txtBody.Text(), "");
+
+    const std::string file = folder.Write("file.txt", "");
+    const std::pair<const char*, ListBox*> adds[] = {{"File Attachment", &view.lstAttach},
+                                                     {"attAdd", &view.lstAttach},
+                                                     {"HTML", &view.lstHTML},
+                                                     {"attAddHTML", &view.lstHTML}};
+    for (const auto& [key, list] : adds) {
+        list->SetItems({"old"});
+        Prompts().QueueFile(file);
+        view.ActiveBar1.Press(key);
+        EXPECT_EQ(list->Items(), std::vector<std::string>{file}) << key;
+    }
+    view.ActiveBar1.Press("attDelete");
+    view.ActiveBar1.Press("attDeleteHTML");
+    EXPECT_EQ(view.lstAttach.Count() + view.lstHTML.Count(), 0);
+
+    const std::pair<const char*, const char*> priorities[] = {
+        {"High", "1"}, {"Low", "5"}, {"Normal", "3"}};
+    for (const auto& [key, value] : priorities) {
+        view.ActiveBar1.Press(key);
+        EXPECT_EQ(view.PriorityValue(), value);
+        for (const auto& other : priorities)
+            EXPECT_EQ(view.ActiveBar1.FindTool(other.first)->checked, other.first == key);
+    }
+    view.ActiveBar1.Press("Close");
+    EXPECT_FALSE(view.IsLoaded());
+    EXPECT_FALSE(Prompts().Failure());
 }
 
 TEST_F(ViewMergeTest, ChecksTheMessageBeforeTheDialog) {

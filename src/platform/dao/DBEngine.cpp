@@ -19,7 +19,8 @@ void RemoveFile(const std::string& path) {
 /// place.
 class FreshFile {
 public:
-    explicit FreshFile(std::string target) : target_(std::move(target)), path_(target_ + ".new") {
+    explicit FreshFile(std::string target)
+        : target_(std::move(target)), path_(target_ + ".mailvane-new") {
         RemoveAll();
     }
     ~FreshFile() { RemoveAll(); }
@@ -29,8 +30,11 @@ public:
     const std::string& Path() const { return path_; }
 
     DaoError PutInPlace() {
-        if (!FlushToDisk(path_)) return MakeDaoError(dao_error::DiskError, path_);
         std::error_code failure;
+        const auto replaced = std::filesystem::status(target_, failure);
+        if (std::filesystem::is_regular_file(replaced))
+            std::filesystem::permissions(path_, replaced.permissions(), failure);
+        if (!FlushToDisk(path_)) return MakeDaoError(dao_error::DiskError, path_);
         std::filesystem::rename(path_, target_, failure);
         if (failure) return MakeDaoError(dao_error::DiskError, failure.message());
         const std::filesystem::path folder = std::filesystem::path(target_).parent_path();
@@ -41,7 +45,7 @@ public:
 
 private:
     void RemoveAll() {
-        for (const char* part : {"", "-wal", "-shm", "-journal"})
+        for (const char* part : {"", "-wal", "-shm", "-journal", ".lock"})
             RemoveFile(path_ + part);
     }
 
@@ -71,6 +75,26 @@ DaoError SetWriteAheadLog(Connection& connection) {
     return set.Failed() ? set.Error() : DaoError();
 }
 
+DaoError WriteDenseCopy(Connection& connection, const std::string& path) {
+    if (DaoError failed = connection.Run("VACUUM INTO " + QuoteText(path)); failed.Failed())
+        return failed;
+    if (!connection.UsesWriteAheadLog()) return {};
+    DaoResult<std::shared_ptr<Connection>> copy = Connection::Open(path, OpenMode::Exclusive);
+    return copy.Failed() ? copy.Error() : SetWriteAheadLog(**copy);
+}
+
+/// The file takes the place of the open one, which is closed. The lock stays with the path until
+/// the new file is there; SQLite's side of the old one goes first, because its log would be taken
+/// for the new file's.
+DaoError PutInPlaceOf(Connection& old, FreshFile& file) {
+    const std::string target = old.Path();
+    const FileLock lock = old.CloseKeepingLock();
+    RemoveFile(target + "-wal");
+    RemoveFile(target + "-shm");
+    RemoveFile(target + "-journal");
+    return file.PutInPlace();
+}
+
 }  // namespace
 
 DaoError DBEngine::RepairDatabase(const std::string& path) {
@@ -83,20 +107,13 @@ DaoError DBEngine::RepairDatabase(const std::string& path) {
     if (whole.Failed()) return whole.Error();
     if (*whole) return {};
 
-    const std::string target = (*damaged)->Path();
-    FreshFile file(target);
+    FreshFile file((*damaged)->Path());
     {
         DaoResult<std::shared_ptr<Connection>> fresh = Connection::Create(file.Path());
         if (fresh.Failed()) return fresh.Error();
         if (DaoError failed = SalvageInto(**damaged, **fresh); failed.Failed()) return failed;
     }
-    // The lock stays with the path until the new file is there; SQLite's side of the old one goes
-    // first, because its log would be taken for the new file's.
-    FileLock lock = (*damaged)->CloseKeepingLock();
-    RemoveFile(target + "-wal");
-    RemoveFile(target + "-shm");
-    RemoveFile(target + "-journal");
-    return file.PutInPlace();
+    return PutInPlaceOf(**damaged, file);
 }
 
 DaoError DBEngine::CompactDatabase(const std::string& source, const std::string& target) {
@@ -106,16 +123,29 @@ DaoError DBEngine::CompactDatabase(const std::string& source, const std::string&
     if (std::filesystem::exists(std::filesystem::symlink_status(target)))
         return MakeDaoError(dao_error::DatabaseExists);
     FreshFile file(target);
-    if (DaoError failed = (*connection)->Run("VACUUM INTO " + QuoteText(file.Path()));
-        failed.Failed())
-        return failed;
-    if ((*connection)->UsesWriteAheadLog()) {
-        DaoResult<std::shared_ptr<Connection>> copy =
-            Connection::Open(file.Path(), OpenMode::Exclusive);
-        if (copy.Failed()) return copy.Error();
-        if (DaoError failed = SetWriteAheadLog(**copy); failed.Failed()) return failed;
-    }
+    if (DaoError failed = WriteDenseCopy(**connection, file.Path()); failed.Failed()) return failed;
     return file.PutInPlace();
+}
+
+DaoError DBEngine::CompactInPlace(const std::string& path, const std::string& backup) {
+    DaoResult<std::shared_ptr<Connection>> connection = Connection::Open(path, OpenMode::Exclusive);
+    if (connection.Failed()) return connection.Error();
+    FreshFile copy(backup);
+    if (DaoError failed = WriteDenseCopy(**connection, copy.Path()); failed.Failed()) return failed;
+    if (DaoError failed = copy.PutInPlace(); failed.Failed()) return failed;
+    FreshFile file((*connection)->Path());
+    std::error_code failure;
+    if (!std::filesystem::copy_file(backup, file.Path(), failure))
+        return MakeDaoError(dao_error::DiskError, failure.message());
+    return PutInPlaceOf(**connection, file);
+}
+
+void DBEngine::RemoveLeftovers(const std::string& path, const std::string& backup) {
+    // Whoever is at work on the file holds it exclusively.
+    const DaoResult<FileLock> lock = FileLock::Take(path, false);
+    if (lock.Failed()) return;
+    for (const std::string& target : {path, backup})
+        const FreshFile leftover(target);
 }
 
 }  // namespace mailvane

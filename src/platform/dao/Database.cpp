@@ -191,6 +191,15 @@ DaoResult<std::shared_ptr<Recordset>> Database::OpenRecordset(const std::string&
     return OpenQuery(connection_, source);
 }
 
+DaoResult<std::unique_ptr<TableAppender>> Database::OpenAppender(
+    const std::string& table, const std::vector<std::string>& columns) {
+    return TableAppender::Open(connection_, table, columns);
+}
+
+DaoResult<std::unique_ptr<TableScan>> Database::OpenScan(const std::string& table) {
+    return TableScan::Open(connection_, table);
+}
+
 DaoError Database::OneRead(const std::function<DaoError()>& work) {
     return connection_->InOneRead(work);
 }

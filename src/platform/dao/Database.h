@@ -9,6 +9,7 @@
 #include "platform/dao/DaoError.h"
 #include "platform/dao/Recordset.h"
 #include "platform/dao/TableDef.h"
+#include "platform/dao/TableRows.h"
 
 namespace mailvane {
 
@@ -52,6 +53,13 @@ public:
     /// A table name or a SELECT. A table-type recordset walks the table in row order.
     DaoResult<std::shared_ptr<Recordset>> OpenRecordset(
         const std::string& source, RecordsetType type = RecordsetType::Dynaset);
+
+    /// To add many rows to these columns of a table; the others take their defaults. 3078 for an
+    /// unknown table, 3265 for an unknown column, 3164 for a computed one.
+    DaoResult<std::unique_ptr<TableAppender>> OpenAppender(const std::string& table,
+                                                           const std::vector<std::string>& columns);
+    /// To read all rows of a table once, in row order; 3078 for an unknown table.
+    DaoResult<std::unique_ptr<TableScan>> OpenScan(const std::string& table);
 
     /// Runs `work` in one transaction; a failure that `work` returns undoes it all. With
     /// `durable`, the commit is on the disk when the call returns, even if power fails then.

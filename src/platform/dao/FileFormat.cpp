@@ -43,8 +43,7 @@ DaoError ForeignFormatError(const std::string& path) {
     DaoError error = MakeDaoError(dao_error::UnrecognizedFormat, path);
     if (HoldsAt(header, 4, "Standard Jet DB"sv) || HoldsAt(header, 4, "Standard ACE DB"sv))
         error.description +=
-            " It is a Microsoft Access file. Export its tables to text files and import these into "
-            "a new database.";
+            " It is a Microsoft Access file. Import its tables into a database of your own.";
     return error;
 }
 

@@ -60,6 +60,16 @@ void Statement::Bind(int parameter, const std::string& text) {
                         SQLITE_UTF8);
 }
 
+void Statement::BindView(int parameter, std::string_view text) {
+    // A null pointer would bind Null.
+    sqlite3_bind_text64(handle_, parameter, text.data() == nullptr ? "" : text.data(), text.size(),
+                        SQLITE_STATIC, SQLITE_UTF8);
+}
+
+void Statement::Unbind() {
+    sqlite3_clear_bindings(handle_);
+}
+
 void Statement::Bind(int parameter, const DaoValue& value, FieldType type) {
     const auto& raw = value.Raw();
     if (const auto* truth = std::get_if<bool>(&raw)) {
@@ -121,11 +131,29 @@ std::int64_t Statement::Whole(int column) const {
     return sqlite3_column_int64(handle_, column);
 }
 
-std::string Statement::Text(int column) const {
+std::string_view Statement::View(int column) const {
     const void* bytes = sqlite3_column_blob(handle_, column);
     const int length = sqlite3_column_bytes(handle_, column);
     if (bytes == nullptr || length <= 0) return {};
-    return std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(length));
+    return {static_cast<const char*>(bytes), static_cast<std::size_t>(length)};
+}
+
+std::string Statement::Text(int column) const {
+    return std::string(View(column));
+}
+
+StoredKind Statement::KindOf(int column) const {
+    switch (sqlite3_column_type(handle_, column)) {
+        case SQLITE_NULL:
+            return StoredKind::Null;
+        case SQLITE_INTEGER:
+        case SQLITE_FLOAT:
+            return StoredKind::Number;
+        case SQLITE_BLOB:
+            return StoredKind::Bytes;
+        default:
+            return StoredKind::Text;
+    }
 }
 
 DaoValue Statement::Value(int column, FieldType type) const {

@@ -20,6 +20,8 @@ public:
     /// Takes the outcome of a statement. True: go on with the next one. Once it said false it
     /// says so for every later statement, without asking again.
     bool GoOn(const DaoError& outcome);
+    /// Success, or a silent number: GoOn would not ask.
+    bool Passes(const DaoError& outcome) const;
     bool Ended() const { return ended_; }
     bool HadError() const { return hadError_; }  ///< an error that was not silent
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/dao/TableBuild.h"
+
 namespace mailvane {
 
 const Field* TableDef::FindField(const std::string& fieldName) const {
@@ -9,6 +11,14 @@ const Field* TableDef::FindField(const std::string& fieldName) const {
         return SameName(field.name, fieldName);
     });
     return found == fields.end() ? nullptr : &*found;
+}
+
+DaoError TableDef::AppendField(const Field& field) {
+    if (DaoError bad = CheckName(field.name); bad.Failed()) return bad;
+    if (FindField(field.name) != nullptr)
+        return MakeDaoError(dao_error::FieldDefinedTwice, field.name);
+    fields.push_back(field);
+    return {};
 }
 
 }  // namespace mailvane

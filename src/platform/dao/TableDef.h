@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/dao/DaoError.h"
 #include "platform/dao/DaoValue.h"
 #include "platform/os/TextCase.h"
 
@@ -56,6 +57,9 @@ struct TableDef {
 
     bool IsUserTable() const { return (attributes & SystemObjectMask) == 0; }
     const Field* FindField(const std::string& fieldName) const;  ///< case ignored; null when absent
+    /// Adds a column to a definition that is no table yet; 3125 for a name that the engine refuses,
+    /// 3191 for one that is there.
+    DaoError AppendField(const Field& field);
 };
 
 }  // namespace mailvane

@@ -37,6 +37,13 @@ namespace DBEngine {
 DaoError RepairDatabase(const std::string& path);
 /// Writes a fresh, dense copy of `source` to `target` (whole or not at all).
 DaoError CompactDatabase(const std::string& source, const std::string& target);
+/// Writes a dense copy to `backup`, over what is there, and puts another such copy in the place of
+/// the file. Each file is the old one or the new one at any moment, whole. 3356 while anyone has it
+/// open.
+DaoError CompactInPlace(const std::string& path, const std::string& backup);
+/// Removes the unfinished files of a repair or compaction of `path` that was killed; does nothing
+/// while one is under way.
+void RemoveLeftovers(const std::string& path, const std::string& backup);
 }  // namespace DBEngine
 
 }  // namespace mailvane

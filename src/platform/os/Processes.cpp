@@ -1,6 +1,8 @@
 #include "platform/os/Processes.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -78,12 +80,26 @@ bool Started(int report) {
     return count == 0;
 }
 
-enum class Start { AndWait, Detached };
+/// Until the program has ended, which is true, or `keepWaiting` says no.
+bool WaitFor(pid_t child, const std::function<bool()>& keepWaiting) {
+    constexpr int StepMilliseconds = 20;
+    pollfd ended{static_cast<int>(::syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
+    bool gone = ::waitpid(child, nullptr, WNOHANG) == child;
+    while (!gone && keepWaiting()) {
+        ::poll(&ended, 1, StepMilliseconds);
+        gone = ::waitpid(child, nullptr, WNOHANG) == child;
+    }
+    if (ended.fd >= 0) ::close(ended.fd);
+    return gone;
+}
 
-bool StartProgram(const std::vector<std::string>& commandLine, Start how) {
-    if (commandLine.empty()) return false;
+enum class Way { Attached, Detached };
+
+/// The child that is or starts the program, to be waited for; 0 when it could not be started.
+pid_t StartChild(const std::vector<std::string>& commandLine, Way how) {
+    if (commandLine.empty()) return 0;
     const std::string program = FindProgram(commandLine.front());
-    if (program.empty()) return false;
+    if (program.empty()) return 0;
     std::vector<std::string> words = commandLine;
     std::vector<char*> arguments;
     for (std::string& word : words)
@@ -91,10 +107,10 @@ bool StartProgram(const std::vector<std::string>& commandLine, Start how) {
     arguments.push_back(nullptr);
 
     int report[2];
-    if (::pipe2(report, O_CLOEXEC) != 0) return false;
+    if (::pipe2(report, O_CLOEXEC) != 0) return 0;
     const pid_t child = ::fork();
     if (child == 0) {
-        if (how == Start::Detached) {
+        if (how == Way::Detached) {
             // A grandchild in a session of its own: init takes it over, and it outlives us.
             ::setsid();
             const pid_t grandchild = ::fork();
@@ -106,8 +122,9 @@ bool StartProgram(const std::vector<std::string>& commandLine, Start how) {
     ::close(report[1]);
     const bool started = child > 0 && Started(report[0]);
     ::close(report[0]);
+    if (started) return child;
     if (child > 0) WaitFor(child);
-    return started;
+    return 0;
 }
 
 }  // namespace
@@ -121,20 +138,41 @@ bool SystemProcesses::OpenDocument(const std::string& path,
         commandLine = {path};
         commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
     }
-    return StartProgram(commandLine, Start::Detached);
+    return Start(commandLine);
 }
 
-bool SystemProcesses::RunAndWait(const std::vector<std::string>& commandLine) {
-    return StartProgram(commandLine, Start::AndWait);
+bool SystemProcesses::Start(const std::vector<std::string>& commandLine) {
+    const pid_t child = StartChild(commandLine, Way::Detached);
+    if (child > 0) WaitFor(child);  // it has only started the program
+    return child > 0;
 }
 
-std::vector<std::string> SplitCommandLine(const std::string& line) {
+bool SystemProcesses::RunAndWait(const std::vector<std::string>& commandLine,
+                                 const std::function<bool()>& keepWaiting) {
+    std::erase_if(leftAlone_, [](pid_t left) { return ::waitpid(left, nullptr, WNOHANG) != 0; });
+    const pid_t child = StartChild(commandLine, Way::Attached);
+    if (child <= 0) return false;
+    if (!keepWaiting)
+        WaitFor(child);
+    else if (!WaitFor(child, keepWaiting))
+        leftAlone_.push_back(child);
+    return true;
+}
+
+std::vector<std::string> SplitCommandLine(const std::string& line,
+                                          const std::function<std::size_t(std::size_t)>& pieceAt) {
     std::vector<std::string> arguments;
     std::string word;
     bool inWord = false;
     bool inQuotes = false;
     for (std::size_t i = 0; i < line.size(); ++i) {
         const char c = line[i];
+        if (const std::size_t piece = pieceAt ? pieceAt(i) : 0; piece > 0) {
+            word.append(line, i, piece);
+            inWord = true;
+            i += piece - 1;
+            continue;
+        }
         if (!inQuotes && (c == ' ' || c == '\t')) {
             if (inWord) arguments.push_back(std::move(word));
             word.clear();

@@ -152,6 +152,8 @@ TEST(StatementHandler, PassesAsksAndEnds) {
     EXPECT_TRUE(handler.GoOn({}));
     EXPECT_TRUE(handler.GoOn(MakeDaoError(dao_error::TableDoesNotExist, "x")));
     EXPECT_FALSE(handler.HadError());
+    EXPECT_TRUE(handler.Passes(MakeDaoError(dao_error::TableDoesNotExist, "x")));
+    EXPECT_FALSE(handler.Passes(MakeDaoError(dao_error::TooFewParameters)));
     EXPECT_TRUE(handler.GoOn(MakeDaoError(dao_error::TooFewParameters)));
     EXPECT_TRUE(handler.HadError());
     EXPECT_FALSE(handler.GoOn(MakeDaoError(dao_error::DuplicateKey)));

@@ -162,6 +162,38 @@ TEST_F(FileTest, CompactMakesADenseCopy) {
     EXPECT_TRUE(std::filesystem::exists(path_ + "-wal"));  // still logs ahead
 }
 
+TEST_F(FileTest, CompactInPlaceLeavesACopyBeside) {
+    MakePeople({"Ann", std::string(60'000, 'x')});
+    Execute("DELETE FROM People WHERE Name <> 'Ann'");
+    const std::string backup = folder_.Write("test.db.bak", "an older one");
+    EXPECT_FAILS(DBEngine::CompactInPlace(path_, backup), dao_error::OpenedExclusively);
+    database_->Close();
+    std::filesystem::permissions(path_, std::filesystem::perms(0600));
+    EXPECT_DONE(DBEngine::CompactInPlace(path_, backup));
+    EXPECT_LT(std::filesystem::file_size(path_), 50'000u);
+    EXPECT_EQ(std::filesystem::status(path_).permissions(), std::filesystem::perms(0600));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.Path()), {}), 2);
+    Reopen();
+    Execute("DELETE FROM People");
+    database_->Close();
+    path_ = backup;
+    Reopen();
+    EXPECT_EQ(Walk("People"), "Ann");
+}
+
+TEST_F(FileTest, LeftoversGoUnlessAnybodyIsAtWork) {
+    const std::string half = folder_.Write("test.db.mailvane-new", "half");
+    database_->Close();
+    {
+        const auto working = workspace_->OpenDatabase(path_, OpenMode::Exclusive);
+        ASSERT_TRUE(working.Ok());
+        DBEngine::RemoveLeftovers(path_, path_ + ".bak");
+        EXPECT_TRUE(std::filesystem::exists(half));
+    }
+    DBEngine::RemoveLeftovers(path_, path_ + ".bak");
+    EXPECT_FALSE(std::filesystem::exists(half));
+}
+
 TEST_F(FileTest, RepairSavesTheRowsAroundTheDamage) {
     TableDef table;
     table.name = "Mail";

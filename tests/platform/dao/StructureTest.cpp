@@ -68,6 +68,14 @@ TEST_F(StructureTest, MailFolderTableComesBackAsItWasGiven) {
     EXPECT_FAILS(database_->AppendTable(folder), dao_error::TableExists);
 }
 
+TEST_F(StructureTest, DefinitionsRefuseWhatTheEngineRefuses) {
+    TableDef table;
+    EXPECT_DONE(table.AppendField(Column("Email")));
+    EXPECT_FAILS(table.AppendField(Column("EMAIL")), dao_error::FieldDefinedTwice);
+    EXPECT_FAILS(table.AppendField(Column("a.b")), dao_error::InvalidName);
+    EXPECT_EQ(table.fields.size(), 1u);
+}
+
 TEST_F(StructureTest, TheSameIndexNameServesManyTables) {
     for (const char* name : {"One", "Two", "Three"}) {
         TableDef table;

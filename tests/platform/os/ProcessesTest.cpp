@@ -52,6 +52,22 @@ TEST_F(Programs, AreFoundInThePathAndMayFail) {
     EXPECT_FALSE(processes.RunAndWait({folder.Path()}));
 }
 
+TEST_F(Programs, AreLeftAloneWhenNobodyWaits) {
+    const std::string program =
+        Program("long", "sleep 0.3; echo \"$1 end\" >'" + folder.File("out") + "'");
+    int calls = 0;
+    EXPECT_TRUE(processes.RunAndWait({program, "one"}, [&calls] { return ++calls < 3; }));
+    EXPECT_EQ(calls, 3);
+    EXPECT_EQ(folder.Read("out"), "");
+    EXPECT_EQ(WaitForFile("out"), "one end\n");
+    // The next one finds its end, and is waited for by itself.
+    EXPECT_TRUE(processes.RunAndWait({program, "two"}, [] { return true; }));
+    EXPECT_EQ(folder.Read("out"), "two end\n");
+    errno = 0;
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
 TEST_F(Programs, InheritNoFilesAndNoSignalSettings) {
     const int leaked = ::fcntl(STDERR_FILENO, F_DUPFD, 77);  // without close-on-exec
     const auto before = std::signal(SIGPIPE, SIG_IGN);

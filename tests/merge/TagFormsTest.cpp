@@ -1,0 +1,224 @@
+#include "core/Paths.h"
+#include "merge/MergeBench.h"
+#include "merge/frmTagCGI.h"
+#include "merge/frmTagCGIAdd.h"
+#include "merge/frmTagProgram.h"
+#include "merge/frmTagProgramAdd.h"
+
+namespace mailvane::test {
+namespace {
+
+struct TagFormsTest : testing::Test, MergeBench {
+    std::string InProject(const std::string& name) const {
+        return wb.state.ProjectFolder + "/" + name;
+    }
+    /// Carries this out in the next dialog, once it stands open.
+    void Then(std::function<void()> work) { windows.Post(std::move(work)); }
+    template <class F>
+    F& Editor() {
+        return wb.forms.Get<F>();
+    }
+    /// Adds a tag; `fill` fills the editor, then OK is pressed.
+    void AddProgram(const std::function<void(frmTagProgramAdd&)>& fill) {
+        Then([this, fill] {
+            auto& editor = Editor<frmTagProgramAdd>();
+            EXPECT_EQ(editor.Caption(), "Add Message Tag");
+            editor.txtProgram.SetByUser(program);
+            fill(editor);
+            editor.cmdOk.Press();
+            editor.Unload();
+        });
+        wb.forms.Get<frmTagProgram>().lbxTags.PressAdd();
+    }
+    void AddScript(const std::function<void(frmTagCGIAdd&)>& fill) {
+        Then([this, fill] {
+            auto& editor = Editor<frmTagCGIAdd>();
+            EXPECT_EQ(editor.txtCGI.Text(), "http://");
+            fill(editor);
+            editor.cmdOk.Press();
+            editor.Unload();
+        });
+        wb.forms.Get<frmTagCGI>().lbxTags.PressAdd();
+    }
+
+    std::string program = folder.Write("look up.sh", "");
+};
+
+TEST_F(TagFormsTest, ProgramsAreAddedEditedAndRemoved) {
+    auto& list = wb.forms.Get<frmTagProgram>();
+    AddProgram([](auto& editor) { editor.txtCommand.SetByUser(" a [Email] "); });
+    AddProgram([&](auto& editor) {
+        editor.txtProgram.SetByUser("  " + program + " ");
+        editor.chkInclude.SetByUser("1");
+        editor.txtResult.SetByUser(" /r ");
+        editor.chkDelete.SetByUser("1");
+        editor.optWaitSec.SetByUser("1");
+        editor.UpDown1.SetByUser("600");
+    });
+    EXPECT_EQ(ReadFileText(InProject("pTags.dat")),
+              "1. execute look up.sh and do not include results.\r\n"
+              "2. execute look up.sh and include results.\r\n");
+    EXPECT_EQ(LoadProgramTag(wb, "1").CommandLine, "a [Email]");
+    const auto tag = LoadProgramTag(wb, "2");
+    EXPECT_EQ(tag, (ProgramTagRecord{.TagNumber = 2,
+                                     .ProgramPath = program,
+                                     .IncludeResult = true,
+                                     .ResultFile = "/r",
+                                     .DeleteResult = true,
+                                     .SecondsToWait = 600,
+                                     .EditMode = "Add"}));
+
+    list.lbxTags.SetByUser("#1");
+    Then([this] {
+        auto& editor = Editor<frmTagProgramAdd>();
+        EXPECT_EQ(editor.Caption(), "Edit Message Tag");
+        EXPECT_TRUE(editor.optWaitSec.IsSet());
+        EXPECT_EQ(editor.txtSeconds.Text(), "600");
+        EXPECT_EQ(editor.UpDown1.Value(), 600);
+        editor.chkInclude.SetByUser("0");
+        editor.txtSeconds.SetByUser("");
+        editor.cmdOk.Press();
+    });
+    list.lbxTags.PressEdit();
+    EXPECT_EQ(list.lbxTags.Items()[1], "2. execute look up.sh and do not include results.");
+    EXPECT_EQ(LoadProgramTag(wb, "2").SecondsToWait, 0);
+    EXPECT_EQ(LoadProgramTag(wb, "2").TagListIndex, 1);
+    EXPECT_EQ(LoadProgramTag(wb, "2").EditMode, "Edit");
+
+    list.lbxTags.PressDelete();
+    EXPECT_TRUE(FileExists(InProject("pTags/2.ptg"))) << "a message may still name it";
+    AddProgram([](auto&) {});
+    EXPECT_EQ(list.lbxTags.Items()[1].substr(0, 3), "2. ") << "the number is given out again";
+    EXPECT_FALSE(LoadProgramTag(wb, "2").IncludeResult);
+}
+
+TEST_F(TagFormsTest, EnablesWhatCountsOnly) {
+    auto& editor = wb.forms.Get<frmTagProgramAdd>();
+    EXPECT_TRUE(editor.optWaitExit.IsSet());
+    for (const bool on : {true, false}) {
+        (on ? editor.optWaitSec : editor.optWaitExit).SetValue(true);
+        editor.chkInclude.SetChecked(on);
+        for (const Control* control :
+             {static_cast<Control*>(&editor.txtSeconds), static_cast<Control*>(&editor.UpDown1),
+              static_cast<Control*>(&editor.txtResult), static_cast<Control*>(&editor.chkDelete),
+              static_cast<Control*>(&editor.cmdBrowse)})
+            EXPECT_EQ(control->Enabled(), on) << control->Name();
+    }
+    auto& script = wb.forms.Get<frmTagCGIAdd>();
+    EXPECT_FALSE(script.txtResult.Enabled());
+    script.chkSave.SetChecked(true);
+    EXPECT_TRUE(script.txtResult.Enabled());
+}
+
+TEST_F(TagFormsTest, RefusesWhatCannotBe) {
+    const std::string notSaved = "You need to save your project before you can add this tag. ";
+    const std::string project = wb.state.ProjectFolder;
+    struct Row {
+        const char* name;
+        std::function<void(frmTagProgramAdd&)> fill;
+        std::string box;
+    };
+    const Row rows[] = {
+        {"no program", [](auto& editor) { editor.txtProgram.SetText(" "); },
+         "You need to enter valid file location of the program."},
+        {"a folder", [this](auto& editor) { editor.txtProgram.SetText(folder.Path()); },
+         "You need to enter valid file location of the program."},
+        {"no result file", [](auto& editor) { editor.chkInclude.SetChecked(true); },
+         "Invalid location of the result file."},
+        {"too long", [](auto& editor) { editor.txtSeconds.SetText("601"); },
+         "You need to enter correct value in the seconds text box (between 1 and 600)."},
+        {"no project", [this](auto&) { wb.state.ProjectFolder += "/gone"; }, notSaved},
+    };
+    for (const Row& row : rows) {
+        Prompts().QueueBox(BoxAnswer::Ok, row.box);
+        AddProgram(row.fill);
+        EXPECT_FALSE(Prompts().Failure()) << row.name;
+        EXPECT_TRUE(Prompts().ExpectBox(row.box)) << row.name;
+        wb.state.ProjectFolder = project;
+    }
+    EXPECT_EQ(wb.forms.Get<frmTagProgram>().lbxTags.Count(), 0);
+    EXPECT_FALSE(FileExists(InProject("pTags"), true));
+    auto& editor = wb.forms.Get<frmTagProgramAdd>();
+    editor.txtProgram.SetText(program);
+    editor.chkInclude.SetChecked(true);
+    Prompts().QueueBox(BoxAnswer::Ok);
+    editor.cmdOk.Press();
+    EXPECT_FALSE(editor.chkInclude.Checked());
+
+    Prompts().QueueBox(BoxAnswer::Ok, "You need to enter valid location of the CGI script.");
+    AddScript([](auto& script) { script.txtCGI.SetText("  "); });
+    Prompts().QueueBox(BoxAnswer::Ok, "Invalid location of the result file.");
+    AddScript([](auto& script) { script.chkSave.SetChecked(true); });
+    wb.state.ProjectFolder += "/gone";
+    Prompts().QueueBox(BoxAnswer::Ok, notSaved);
+    AddScript([](auto&) {});
+    EXPECT_FALSE(Prompts().Failure());
+}
+
+TEST_F(TagFormsTest, ScriptsKeepTheirRequest) {
+    AddScript([](auto& editor) {
+        editor.txtCGI.SetByUser(" http://x/cgi/count.pl ");
+        editor.txtQuery.SetByUser(" ??n=[Name] ");
+        editor.txtReferer.SetByUser(" r ");
+        editor.optHEAD.SetByUser("1");
+        editor.chkInclude.SetByUser("1");
+    });
+    EXPECT_EQ(LoadCgiTag(wb, "1"), (CgiTagRecord{.TagNumber = 1,
+                                                 .ScriptUrl = "http://x/cgi/count.pl",
+                                                 .QueryString = "?n=[Name]",
+                                                 .IncludeResult = true,
+                                                 .Referer = "r",
+                                                 .RequestMethod = "Head",
+                                                 .EditMode = "Add"}));
+    auto& list = wb.forms.Get<frmTagCGI>();
+    EXPECT_EQ(list.lbxTags.Items()[0], "1. execute count.pl CGI script and include results.");
+    auto tag = LoadCgiTag(wb, "1");
+    tag.RequestMethod = "POST";
+    SaveCgiTag(wb, tag);
+    list.lbxTags.SetByUser("#0");
+    Then([this] {
+        auto& editor = Editor<frmTagCGIAdd>();
+        EXPECT_TRUE(editor.optPOST.IsSet());
+        editor.chkInclude.SetByUser("0");
+        editor.cmdOk.Press();
+    });
+    list.lbxTags.PressEdit();
+    EXPECT_EQ(list.lbxTags.Items()[0],
+              "1. execute count.pl CGI script and do not include results.");
+    EXPECT_EQ(LoadCgiTag(wb, "1").RequestMethod, "Post");
+}
+
+TEST_F(TagFormsTest, ATagGoesInAtTheCaret) {
+    MakeRecipients(1);
+    WriteFileText(InProject("pTags.dat"), "3. execute a and include results.\r\n12. execute b\r\n");
+    WriteFileText(InProject("cTags.dat"), "5. execute c CGI script and include results.\r\n");
+    frmViewMerge& view = Message("before after");
+    view.txtBody.Select(7, 0);
+    Then([this] {
+        auto& list = wb.forms.Get<frmTagProgram>();
+        EXPECT_EQ(list.lblInfo.Text(),
+                  "Please select the tag you want to insert in your message and click OK button "
+                  "below.");
+        list.lbxTags.SetByUser("#1");
+        list.cmdOk.Press();
+    });
+    view.ActiveBar1.Press("Execute Program");
+    EXPECT_EQ(view.txtBody.Text(), "before ##Execute Program 12##after");
+    Then([this] {
+        wb.forms.Get<frmTagCGI>().lbxTags.SetByUser("#0");
+        wb.forms.Get<frmTagCGI>().cmdOk.Press();
+    });
+    view.ActiveBar1.Press("Execute CGI");
+    EXPECT_EQ(view.txtBody.Text(), "before ##Execute Program 12####Execute CGI 5##after");
+    Then([this] {
+        wb.forms.Get<frmTagCGI>().lbxTags.SetByUser("#0");
+        wb.forms.Get<frmTagCGI>().cmdCancel.Press();
+    });
+    view.ActiveBar1.Press("Execute CGI");
+    Then([this] { wb.forms.Get<frmTagProgram>().cmdOk.Press(); });
+    view.ActiveBar1.Press("Execute Program");
+    EXPECT_EQ(view.txtBody.Text(), "before ##Execute Program 12####Execute CGI 5##after");
+}
+
+}  // namespace
+}  // namespace mailvane::test

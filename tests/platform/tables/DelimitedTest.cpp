@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include "platform/tables/DelimitedSource.h"
+#include "platform/tables/DelimitedWriter.h"
+#include "platform/tables/FormatGuess.h"
+#include "support/TempFolder.h"
+
+namespace mailvane {
+namespace {
+
+/// The records as text: fields in brackets, Nulls as a bar, records by line, then the error.
+std::string ReadAll(const std::string& path, const DelimitedFormat& format, std::size_t block) {
+    DelimitedReader reader(path, format, block);
+    std::vector<Cell> record;
+    std::string shown;
+    while (reader.Next(record)) {
+        shown += std::to_string(reader.Line()) + ":";
+        for (const Cell& cell : record)
+            shown += cell.kind == ValueKind::Null ? "|" : "[" + std::string(cell.text) + "]";
+        shown += reader.IsValid() ? "\n" : "?\n";
+    }
+    return shown + reader.Error();
+}
+
+struct Case {
+    const char* name;
+    std::string text;
+    std::string expected;
+    DelimitedFormat format{};
+};
+
+const DelimitedFormat Apostrophes{.delimiter = ';', .quote = '\''};
+const DelimitedFormat NoQuotes{.delimiter = '\t', .quote = '\0'};
+
+class DelimitedTexts : public testing::TestWithParam<Case> {};
+
+/// Small blocks cut records, quotes, line ends and characters in two.
+TEST_P(DelimitedTexts, ReadTheSameInAnyBlocks) {
+    const test::TempFolder folder;
+    const std::string path = folder.Write("text", GetParam().text);
+    for (const std::size_t block : {8u, 9u, 11u, 13u, 4096u})
+        EXPECT_EQ(ReadAll(path, GetParam().format, block), GetParam().expected) << block;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, DelimitedTexts,
+    testing::Values(
+        Case{"Nothing", "", ""}, Case{"OnlyAMark", "\xEF\xBB\xBF", ""},
+        Case{"MarkBeforeAName",
+             "\xEF\xBB\xBF"
+             "Email,Name\n",
+             "1:[Email][Name]\n"},
+        Case{"AllLineEnds", "a,b\r\nc,d\ne,f\rg,h", "1:[a][b]\n2:[c][d]\n3:[e][f]\n4:[g][h]\n"},
+        Case{"EmptyLinesPassedOver", "a\n\r\n\nb\r", "1:[a]\n4:[b]\n"},
+        Case{"NullIsNotEmpty", ",\"\",a,\n", "1:|[][a]|\n"},
+        Case{"DelimiterInQuotes", "\"Müller, Sons & Co\",x\n", "1:[Müller, Sons & Co][x]\n"},
+        Case{"DoubledQuotes", "\"say \"\"hi\"\"\",\"\"\"\"\n", "1:[say \"hi\"][\"]\n"},
+        Case{"LineEndsInQuotes", "\"a\r\nb\",\"c\rd\"\ne\n", "1:[a\r\nb][c\rd]\n4:[e]\n"},
+        Case{"QuoteInsideAPlainField", "O'Brien,5\" nails\n", "1:[O'Brien][5\" nails]\n"},
+        Case{"TextBehindAClosingQuote", "\"a\"b,c\n", "1:[ab][c]\n"},
+        Case{"Apostrophes", "'O''Brien';\"x\"\n", "1:[O'Brien][\"x\"]\n", Apostrophes},
+        Case{"WithoutQuotes", "\"a\tb\"\n", "1:[\"a][b\"]\n", NoQuotes},
+        Case{"BytesThatAreNoUtf8", "\xFF\x80,\xC3\xA9\nb\n", "1:[\xFF\x80][\xC3\xA9]?\n2:[b]\n"},
+        Case{"OpenQuote", "a\nb,\"open\nstill", "1:[a]\nLine 2: a quotation mark is never closed."},
+        Case{"Windows1252",
+             "Caf\xE9,\x80 5\n",
+             "1:[Café][€ 5]\n",
+             {.set = CharacterSet::Windows1252}},
+        Case{"Utf16",
+             std::string("\xFF\xFE\x7D\x01,\0\xAC\x20\n\0", 10),
+             "1:[Ž][€]\n",
+             {.set = CharacterSet::Utf16LittleEndian}}),
+    [](const auto& row) { return row.param.name; });
+
+struct Guess {
+    const char* name;
+    std::string text;
+    DelimitedFormat format;
+    bool header;
+};
+
+class Guesses : public testing::TestWithParam<Guess> {};
+
+TEST_P(Guesses, FitTheText) {
+    const test::TempFolder folder;
+    const std::string path = folder.Write("text", GetParam().text);
+    const DelimitedFormat format = GuessFormat(path);
+    EXPECT_EQ(format.delimiter, GetParam().format.delimiter);
+    EXPECT_EQ(format.quote, GetParam().format.quote);
+    EXPECT_EQ(static_cast<int>(format.set), static_cast<int>(GetParam().format.set));
+    DelimitedSource source(path, format);
+    EXPECT_EQ(FirstRowIsHeader(source, 0), GetParam().header);
+}
+
+std::string Utf16(const std::string& ascii, bool bigEndian) {
+    std::string wide;
+    for (const char c : ascii)
+        wide += bigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+    return wide;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, Guesses,
+    testing::Values(
+        Guess{"Commas", "Email,Name\na@x.com,\"B; C; D\"\n", {}, true},
+        Guess{"Semicolons", "Name;Sum\nAna;1,5\nBob;2,5\n", {.delimiter = ';'}, true},
+        Guess{"Tabs", "Name\tNote\nAna\ta, b, c\n", {.delimiter = '\t'}, true},
+        Guess{"Bars", "Name|City\nAna|Cork\n", {.delimiter = '|'}, true},
+        Guess{"OneColumn", "Email\na@x.com\n", {}, true},
+        Guess{"OneColumnWithoutHeader", "a@x.com\nb@x.com\n", {}, false},
+        Guess{"NumberInTheFirstRow", "Ana,12\nBob,13\n", {}, false},
+        Guess{"DateInTheFirstRow", "Ana,2024-01-31\n", {}, false},
+        Guess{"ValueThatComesAgain", "Ana,yes\nBob,no\nCy,yes\n", {}, false},
+        Guess{"Apostrophes", "'Name','City'\n'Ana','Cork, IE'\n", {.quote = '\''}, true},
+        Guess{"Utf8", "Ime\nŽiga\n", {}, true},
+        Guess{"Windows1252", "Nom\nCaf\xE9\n", {.set = CharacterSet::Windows1252}, true},
+        Guess{"Utf16LittleEndian",
+              Utf16("Name,City\nAna,Cork\n", false),
+              {.set = CharacterSet::Utf16LittleEndian},
+              true},
+        Guess{"Utf16BigEndian",
+              Utf16("Name,City\nAna,Cork\n", true),
+              {.set = CharacterSet::Utf16BigEndian},
+              true},
+        Guess{"Nothing", "", {}, true}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(DelimitedWriter, WritesWhatItsReaderReads) {
+    const test::TempFolder folder;
+    const std::vector<std::vector<Cell>> rows{
+        {{ValueKind::Text, "a,b"}, {ValueKind::Text, "say \"hi\""}, {ValueKind::Text, ""}},
+        {{ValueKind::Text, "two\r\nlines"}, {}, {ValueKind::Number, "1.5"}},
+        {{}, {}, {ValueKind::Text, "Ž"}}};
+    DelimitedWriter writer(folder.File("out.csv"), {});
+    EXPECT_TRUE(writer.WriteColumns({"A", "B", "C"}));
+    for (const auto& row : rows)
+        EXPECT_TRUE(writer.WriteRow(row));
+    EXPECT_FALSE(std::filesystem::exists(folder.File("out.csv"))) << "only the whole file is there";
+    ASSERT_TRUE(writer.Finish()) << writer.Error();
+    EXPECT_EQ(folder.Read("out.csv"),
+              "A,B,C\r\n\"a,b\",\"say \"\"hi\"\"\",\"\"\r\n\"two\r\nlines\",,1.5\r\n,,Ž\r\n");
+    EXPECT_EQ(ReadAll(folder.File("out.csv"), {}, 16),
+              "1:[A][B][C]\n2:[a,b][say \"hi\"][]\n3:[two\r\nlines]|[1.5]\n5:||[Ž]\n");
+}
+
+TEST(DelimitedWriter, LeavesNothingWhenItCannotWrite) {
+    const test::TempFolder folder;
+    DelimitedWriter nowhere(folder.File("no folder/out.csv"), {});
+    EXPECT_FALSE(nowhere.WriteRow({{ValueKind::Text, "a"}}));
+    EXPECT_NE(nowhere.Error().find("cannot be written"), std::string::npos);
+    { DelimitedWriter unfinished(folder.File("out.csv"), {}); }
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+}  // namespace
+}  // namespace mailvane
