@@ -141,6 +141,11 @@ void frmOptions::ShowProxy(const ProxySettings& proxy) {
     txtPort.SetText(proxy.port);
 }
 
+void frmOptions::ApplyTipTime() {
+    const auto seconds = std::chrono::seconds(static_cast<int>(NumberOf(txtHide.Text())));
+    Windows().SetTipTime(chkHide.Checked() ? std::optional(seconds) : std::nullopt);
+}
+
 void frmOptions::Store() {
     for (const OptionRow& row : Options)
         SaveUserSetting(wb_, Section, row.key, (this->*row.box).ShownText());
@@ -152,6 +157,7 @@ void frmOptions::Store() {
     SaveProxySettings(wb_, {optDial.IsSet(), chkProxy.Checked(), txtProxy.Text(), txtPort.Text()});
     for (int i = 0; i < List1.Count(); ++i)
         SaveUserSetting(wb_, MessagesSection, Messages[i].key, List1.IsSelected(i) ? "0" : "1");
+    ApplyTipTime();
     open_ = false;
     Hide();
 }

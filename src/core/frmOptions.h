@@ -39,6 +39,7 @@ public:
     Button cmdCancel{*this, "cmdCancel", [this] { Cancel(); }};
 
     void ShowProxy(const ProxySettings& proxy);
+    void ApplyTipTime();  ///< to all windows
     void OnCloseBox() override { Cancel(); }
 
 protected:

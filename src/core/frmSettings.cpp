@@ -7,6 +7,7 @@
 #include "core/Project.h"
 #include "core/Text.h"
 #include "core/ToolTable.h"
+#include "core/frmOptions.h"
 
 namespace mailvane {
 
@@ -54,6 +55,7 @@ void frmSettings::WireFields() {
     txtDeleteUndeliverables.onLeave = [this] {
         CheckNumberField(txtDeleteUndeliverables, 1, 132, DefaultRetries);
     };
+    cmdSigBrowse.onClick = [this] { BrowseSignature(); };
     cmdOk.onClick = [this] { Hide(); };
 }
 
@@ -74,6 +76,7 @@ void frmSettings::OnLoad() {
         LoadProject(wb_, wb_.state.CurrentProjectFile);
         wb_.state.LoadingProject = false;
     }
+    wb_.forms.Get<frmOptions>().ApplyTipTime();
     SetTips();
     MarkButtonsWithoutWork();
     optIdentityDefault.SetCaption(std::string("Identify as &") + ProgramTitle + ".");
@@ -88,7 +91,7 @@ void frmSettings::OnLoad() {
 
 void frmSettings::MarkButtonsWithoutWork() {
     for (Button* button : {&SSCommand1, &cmdSMTPAuth, &cmdTestSMTP, &cmdTestPOP, &cmdDataImport,
-                           &cmdCreateDatabase, &cmdImportData, &cmdExportData}) {
+                           &cmdCreateDatabase, &cmdNewTable, &cmdImportData, &cmdExportData}) {
         if (button->onClick) continue;
         button->SetEnabled(false);
         button->SetTip(LaterTip);
@@ -116,6 +119,7 @@ void frmSettings::FillEmptyNumbers() {
 void frmSettings::ApplyDependentStates() {
     txtIdentityCustom.SetEnabled(optIdentityCustom.IsSet());
     txtSigFile.SetEnabled(optFile.IsSet());
+    cmdSigBrowse.SetEnabled(optFile.IsSet());
     txtSignature.SetEnabled(optText.IsSet());
     txtSMTPServer.SetEnabled(!chkServer.Checked());
     txtSMTPPort.SetEnabled(!chkServer.Checked());
@@ -146,6 +150,11 @@ void frmSettings::PutUsualPort() {
 void frmSettings::BrowseDatabase() {
     const std::string path = BrowseFile(wb_, false, "", "");
     if (!path.empty()) txtAccessDBPath.SetText(path);
+}
+
+void frmSettings::BrowseSignature() {
+    const std::string path = BrowseFile(wb_, false, "Text files", ".txt");
+    if (!path.empty()) txtSigFile.SetText(path);
 }
 
 void frmSettings::OpenDatabaseFile() {
@@ -218,6 +227,10 @@ void frmSettings::SetTips() {
         {&txtAccessDBPath, "File with the recipients' tables"},
         {&cmdAccessBrowse, "Choose the database file"},
         {&cmbAccessTable, "Table whose rows are the recipients"},
+        {&cmdCreateDatabase, "Make a database file, empty or out of a file that you have"},
+        {&cmdNewTable, "Design a table of the database"},
+        {&cmdImportData, "Bring text, a spreadsheet or another database into this one"},
+        {&cmdExportData, "Write a table to a text file or a spreadsheet"},
         {&chkWrap, "Break long lines of outgoing text"},
         {&txtWrap, "Characters a line, 30 to 132"},
         {&chkIndent, "Mark the quoted text of replies and forwards"},
@@ -227,6 +240,7 @@ void frmSettings::SetTips() {
         {&chkAddSignature, "Put a signature below outgoing messages"},
         {&txtSignature, "Text of the signature"},
         {&txtSigFile, "Text file with the signature"},
+        {&cmdSigBrowse, "Choose the text file"},
     };
     for (const auto& [control, tip] : tips)
         control->SetTip(tip);

@@ -65,7 +65,9 @@ public:
     Button cmdTestSMTP{*this, "cmdTestSMTP"};
     Button cmdTestPOP{*this, "cmdTestPOP"};
     Button cmdAccessBrowse{*this, "cmdAccessBrowse"};
+    Button cmdSigBrowse{*this, "cmdSigBrowse"};
     Button cmdCreateDatabase{*this, "cmdCreateDatabase"};
+    Button cmdNewTable{*this, "cmdNewTable"};
     Button cmdImportData{*this, "cmdImportData"};
     Button cmdExportData{*this, "cmdExportData"};
     Button cmdOk{*this, "cmdOk"};
@@ -110,6 +112,7 @@ private:
     void CheckNumberField(TextBox& field, int minimum, int maximum, const std::string& fallback);
     void PutUsualPort();
     void BrowseDatabase();
+    void BrowseSignature();
     void OpenDatabaseFile();
     void FillTables(const std::string& path);
     std::string openedDatabase_;

@@ -4,7 +4,7 @@
 #include "core/Progress.h"
 #include "core/Project.h"
 #include "core/Settings.h"
-#include "core/frmOptions.h"
+#include "core/frmAbout.h"
 #include "core/frmProjectDialog.h"
 #include "core/frmProjectWizard.h"
 #include "core/frmSettings.h"
@@ -75,7 +75,7 @@ TEST_F(ProjectWizard, BareNamesStandInTheUsualFolder) {
 TEST_F(ProjectWizard, FinishMakesTheProject) {
     Settings().txtName.SetText("Ann");
     Settings().txtReplyTo.SetText("old@example.com");
-    bench.wb.forms.Get<frmOptions>();
+    bench.wb.forms.Get<frmAbout>();
     Wizard().Show();
     EXPECT_EQ(Wizard().txtName.Text(), "Ann") << "from the open project";
     EXPECT_EQ(Wizard().txtProject.Text(), "");
@@ -91,7 +91,7 @@ TEST_F(ProjectWizard, FinishMakesTheProject) {
     Wizard().cmdFinish.Press();
 
     EXPECT_EQ(bench.wb.forms.Find<frmProjectWizard>(), nullptr);
-    EXPECT_EQ(bench.wb.forms.Find<frmOptions>(), nullptr) << "a project switch unloads the rest";
+    EXPECT_EQ(bench.wb.forms.Find<frmAbout>(), nullptr) << "a project switch unloads the rest";
     EXPECT_FALSE(bench.wb.state.NewProjectInProgress);
     EXPECT_EQ(bench.shell.panel, "");
     EXPECT_EQ(saved, std::vector<std::string>{file});

@@ -59,6 +59,7 @@ TEST_F(FormOptions, EveryKeyGoesThereAndBack) {
     Form().List1.SetSelected(3, false);
     Form().cmdOk.Press();
     EXPECT_EQ(bench.wb.forms.Find<frmOptions>(), &Form()) << "stays loaded";
+    EXPECT_EQ(bench.windows.TipTime(), std::chrono::seconds(std::stoi(Form().txtHide.Text())));
     for (const auto& row : rows)
         EXPECT_EQ(Stored(row.section, row.key), row.stored) << row.key;
     for (const char* key : MessageKeys)
@@ -73,6 +74,7 @@ TEST_F(FormOptions, EveryKeyGoesThereAndBack) {
     again.optDirect.SetByUser("1");
     again.cmdOk.Press();
     EXPECT_EQ(Stored("Settings", "Load"), "0");
+    EXPECT_EQ(bench.windows.TipTime(), std::nullopt) << "tips stay";
     EXPECT_EQ(Stored("Proxy", "UseProxy"), "no");
     EXPECT_EQ(Stored("Proxy", "Connection"), "direct");
 }

@@ -6,12 +6,13 @@ import re
 import sys
 
 # What each folder may include, besides itself. core/shell stands above all others.
-PLATFORM = ["platform/forms", "platform/dao", "platform/net", "platform/os"]
+PLATFORM = ["platform/forms", "platform/dao", "platform/net", "platform/tables", "platform/os"]
 CORE = ["core", *PLATFORM]
 ALLOWED = {
     "platform/os": [],
     "platform/dao": ["platform/os"],
     "platform/net": ["platform/os"],
+    "platform/tables": ["platform/os"],
     "platform/forms": ["platform/os"],
     "platform/qt": ["platform/forms", "platform/os"],
     "core": PLATFORM,
@@ -25,7 +26,7 @@ ALLOWED = {
 }
 FOLDERS = sorted(ALLOWED, key=len, reverse=True)
 QT = re.compile(r"<Q[A-Z]\w*|<Qt\w*/|<ui_")
-ENGINES = re.compile(r"<(sqlite3|curl/|ares|unicode/)")
+ENGINES = re.compile(r"<(sqlite3|curl/|ares|unicode/|mdbtools|orcus/|xlsxwriter)")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"][^>"]+[>"])')
 
 

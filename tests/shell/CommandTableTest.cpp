@@ -63,6 +63,14 @@ protected:
     Row Arranges(const std::string& tool) {
         return {tool, [this, tool] { Command(tool); }};
     }
+    Row PressesOfView(const std::string& tool, Button frmViewDatabase::*button) {
+        return {tool, [this, tool, button] {
+                    int pressed = 0;
+                    (wb.forms.Get<frmViewDatabase>().*button).onClick = [&] { ++pressed; };
+                    Command(tool);
+                    EXPECT_EQ(pressed, 1) << tool;
+                }};
+    }
     Row Later(const std::string& tool) {
         return {tool, [this, tool] {
                     EXPECT_EQ(wb.shell->ExecuteCommand(tool, ""), ControlAnswer::Disabled) << tool;
@@ -134,6 +142,7 @@ std::vector<CommandTable::Row> CommandTable::Rows() {
         Asks("About", "frmAbout", "cmdOk"),
         Asks("Project Dialog", "frmProjectDialog", "cmdCancel"),
         Asks("ImportData", "frmDataWizard", "cmdCancel"),
+        Asks("ExportData", "frmDataWizard", "cmdCancel"),
         Projects("NewDatabase",
                  [this] {
                      windows.prompts.QueueFile(Path("new.db"));
@@ -151,20 +160,19 @@ std::vector<CommandTable::Row> CommandTable::Rows() {
         Later("Message rules"),
         Later("Import"),
         Later("Mailing lists"),
-        Later("ExportData"),
+        PressesOfView("Backup table", &frmViewDatabase::cmdBackup),
+        PressesOfView("Clone entire table", &frmViewDatabase::cmdCloneTable),
+        PressesOfView("Clone selected records", &frmViewDatabase::cmdCloneRecords),
+        PressesOfView("Copy selected records to existing table", &frmViewDatabase::cmdCloneRecords),
+        PressesOfView("Copy selected records to new table", &frmViewDatabase::cmdCloneRecords),
+        PressesOfView("Repair", &frmViewDatabase::cmdRepair),
+        PressesOfView("Compact", &frmViewDatabase::cmdCompact),
         Later("Filter through text file"),
         Later("Compare tables"),
         Later("Clean up table"),
         Later("Remove duplicates"),
         Later("Remove duplicate recipients"),
         Later("Remove domains"),
-        Later("Backup table"),
-        Later("Clone entire table"),
-        Later("Clone selected records"),
-        Later("Copy selected records to existing table"),
-        Later("Copy selected records to new table"),
-        Later("Repair"),
-        Later("Compact"),
         Later("Execute Program"),
         Later("Execute CGI"),
         Projects("SaveAs",

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QPointer>
@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <set>
 
+#include "connection/ConnectionService.h"
 #include "connection/frmConnectionTest.h"
 #include "connection/frmConnectionWizard.h"
 #include "connection/frmDial.h"
@@ -26,16 +27,31 @@
 #include "core/frmWelcome.h"
 #include "core/shell/frmMain.h"
 #include "database/DatabaseService.h"
-#include "database/TextImport.h"
+#include "database/TableFile.h"
+#include "database/TableImport.h"
 #include "database/frmDataWizard.h"
+#include "database/frmDatabaseCopy.h"
+#include "database/frmDatabasePrint.h"
+#include "database/frmDatabaseTable.h"
+#include "database/frmDatabaseTablePK.h"
+#include "database/frmFind.h"
+#include "database/frmMSGDeleteDatabase.h"
+#include "database/frmMSGMemo.h"
 #include "database/frmViewDatabase.h"
 #include "merge/frmMSGOutbox.h"
 #include "merge/frmMerge.h"
+#include "merge/frmMergeCheck.h"
+#include "merge/frmSpelling.h"
+#include "merge/frmTagCGI.h"
+#include "merge/frmTagCGIAdd.h"
+#include "merge/frmTagProgram.h"
+#include "merge/frmTagProgramAdd.h"
 #include "merge/frmViewMerge.h"
 #include "platform/os/Files.h"
 #include "platform/qt/FormCheck.h"
 #include "platform/qt/QtWindows.h"
 #include "platform/qt/Screenshots.h"
+#include "platform/tables/FormatGuess.h"
 #include "send/SendService.h"
 #include "send/frmMSGSndRecvError.h"
 #include "send/frmMailServer.h"
@@ -60,10 +76,14 @@ protected:
         wb.forms.Load<frmMain>().Start({.dialogs = false});
         auto made = wb.state.MainWorkspace->CreateDatabase(folder.File("recipients.db"));
         ASSERT_TRUE(made.Ok());
-        const auto imported =
-            ImportText(**made, {MAILVANE_SOURCE_DIR "/examples/recipients.csv", "Recipients", true},
-                       [](std::int64_t) { return true; });
-        ASSERT_EQ(imported.error, "");
+        const std::string list = MAILVANE_SOURCE_DIR "/examples/recipients.csv";
+        std::string error;
+        const auto source = OpenTableFile(list, GuessFormat(list), error);
+        ASSERT_TRUE(source) << error;
+        ASSERT_EQ(ImportTable(**made, *source, {.table = "Recipients"},
+                              [](std::int64_t, std::int64_t) { return true; })
+                      .error,
+                  "");
         (*made)->Close();
         auto& settings = wb.forms.Get<frmSettings>();
         settings.txtName.SetText("Sample Sender");
@@ -90,10 +110,22 @@ protected:
                 &wb.forms.Get<frmMSGPreparing>(),
                 &wb.forms.Get<frmDial>(),
                 &wb.forms.Get<frmDataWizard>(),
+                &wb.forms.Get<frmDatabaseCopy>(),
+                &wb.forms.Get<frmDatabasePrint>(),
+                &wb.forms.Get<frmDatabaseTablePK>(),
+                &wb.forms.Get<frmFind>(),
+                &wb.forms.Get<frmMSGDeleteDatabase>(),
+                &wb.forms.Get<frmMSGMemo>(),
                 &wb.forms.Get<frmViewDatabase>(),
                 &wb.forms.Get<frmViewMerge>(),
                 &wb.forms.Get<frmMerge>(),
                 &wb.forms.Get<frmMSGOutbox>(),
+                &wb.forms.Get<frmMergeCheck>(),
+                &wb.forms.Get<frmSpelling>(),
+                &wb.forms.Get<frmTagProgram>(),
+                &wb.forms.Get<frmTagProgramAdd>(),
+                &wb.forms.Get<frmTagCGI>(),
+                &wb.forms.Get<frmTagCGIAdd>(),
                 &wb.forms.Get<frmStatusEmail>(),
                 &wb.forms.Get<frmMSGSndRecvError>(),
                 &wb.forms.Get<frmViewEmail>(),
@@ -112,16 +144,71 @@ protected:
                 &wb.forms.Get<frmSMTPAuthentication>()};
     }
 
+    /// Those of a large scale have a folder of their own.
+    static std::string ScreenshotFolder() {
+        const int percent = static_cast<int>(qApp->devicePixelRatio() * 100);
+        return std::string(MAILVANE_BUILD_DIR) + "/screenshots" +
+               (percent == 100 ? "" : "/" + std::to_string(percent));
+    }
+
     void Photograph(Form& form, const std::string& name) {
-        const std::string path = std::string(MAILVANE_BUILD_DIR) + "/screenshots/" + name + ".png";
+        const std::string path = ScreenshotFolder() + "/" + name + ".png";
         EXPECT_TRUE(SaveScreenshot(windows, form, path)) << name;
         EXPECT_GT(FileSize(path), 0) << name;
     }
 
+    /// The view has no connection while the designer is there.
+    frmDatabaseTable& OpenDesigner() {
+        auto& designer = wb.forms.Get<frmDatabaseTable>();
+        designer.NameTable("Recipients");
+        designer.cmdNapuniPolja.Press();
+        designer.lstFields.SetByUser("#1");
+        return designer;
+    }
+
+    void PhotographDesigner(const std::string& ending) {
+        auto& designer = OpenDesigner();
+        Photograph(designer, "frmDatabaseTable" + ending);
+        auto& key = wb.forms.Get<frmDatabaseTablePK>();
+        key.Offer({"Email", "First Name", "Last Name"});
+        Photograph(key, "frmDatabaseTablePK1" + ending);
+        designer.Unload();
+    }
+
+    /// A table of all kinds of columns with long names, and a database without a table.
+    void PhotographTables(const std::string& ending) {
+        auto& view = wb.forms.Get<frmViewDatabase>();
+        const std::string name = "Recipients who have asked for the catalogue since last summer";
+        TableDef table{name, 0, {{"Asked for the printed catalogue", FieldType::Boolean}}, {}};
+        table.fields.push_back({"Number of the order in the shop", FieldType::Long});
+        table.fields.push_back({"What the recipient has written to us", FieldType::Memo});
+        if (ending.empty()) {
+            ASSERT_TRUE(view.Data1.Database()->AppendTable(table).Ok());
+        }
+        view.Data1.RecordSource = name;
+        view.cmdRefresh.Press();
+        view.ActiveBar1.Press("Insert");
+        view.Grid1.onCellEdit(0, 0, "True");
+        view.Grid1.onCellEdit(0, 1, "4711");
+        view.Grid1.onCellEdit(0, 2, "Please send it to the office.\r\nThank you.");
+        view.SortGridByColumn(1);
+        Photograph(view, "frmViewDatabase1" + ending);
+        const std::string empty = folder.File("empty" + ending + ".db");
+        ASSERT_TRUE(wb.state.MainWorkspace->CreateDatabase(empty).Ok());
+        wb.forms.Get<frmSettings>().txtAccessDBPath.SetText(empty);
+        Photograph(view, "frmViewDatabase2" + ending);
+        wb.forms.Get<frmSettings>().txtAccessDBPath.SetText(folder.File("recipients.db"));
+        view.Data1.RecordSource = "Recipients";
+        view.cmdRefresh.Press();
+    }
+
     /// What the first photograph does not show: the other pages.
     void PhotographPages(const std::string& ending) {
+        PhotographTables(ending);
+        PhotographDesigner(ending);
         wb.forms.Get<frmOptions>().List1.SetSelected(3, false);
-        const std::pair<Tabs*, int> tabs[] = {{&wb.forms.Get<frmOptions>().Tab1, 5},
+        const std::pair<Tabs*, int> tabs[] = {{&wb.forms.Get<frmSettings>().Tab1, 7},
+                                              {&wb.forms.Get<frmOptions>().Tab1, 5},
                                               {&wb.forms.Get<frmDial>().Tab1, 2}};
         for (const auto& [control, count] : tabs) {
             for (int page = 1; page < count; ++page) {
@@ -131,6 +218,11 @@ protected:
             }
             control->SetCurrent(0);
         }
+        auto& spelling = wb.forms.Get<frmSpelling>();
+        spelling.lblWord.SetText("costumer");
+        spelling.lstSuggestions.SetItems({"customer", "costumier"});
+        spelling.lstSuggestions.SetListIndex(0);
+        Photograph(spelling, "frmSpelling1" + ending);
         auto& dialog = wb.forms.Get<frmProjectDialog>();
         dialog.Offer({folder.Write("Summer.poc", ""), folder.Write("Winter.poc", "")});
         Photograph(dialog, "frmProjectDialog1" + ending);
@@ -161,13 +253,16 @@ protected:
     Workbench wb{platform};
     DatabaseService databases{wb};
     SendService sending{wb};
+    ConnectionService connections{wb};
 };
 
 TEST_F(AllForms, FitTheirWindows) {
     std::set<std::string> designs;
     for (const auto& file : fs::recursive_directory_iterator(MAILVANE_SOURCE_DIR "/src"))
         if (file.path().extension() == ".ui") designs.insert(file.path().stem());
-    for (Form* form : LoadAll()) {
+    std::vector<Form*> forms = LoadAll();
+    forms.push_back(&OpenDesigner());
+    for (Form* form : forms) {
         EXPECT_EQ(designs.erase(form->Name()), 1u) << form->Name() << " has no design";
         EXPECT_EQ(CheckForm(*form), std::vector<std::string>()) << form->Name();
     }
@@ -176,7 +271,7 @@ TEST_F(AllForms, FitTheirWindows) {
 }
 
 TEST_F(AllForms, LookGoodInLightAndDark) {
-    fs::create_directories(std::string(MAILVANE_BUILD_DIR) + "/screenshots");
+    fs::create_directories(ScreenshotFolder());
     for (const bool dark : {false, true}) {
         UseDarkPalette(dark);
         const std::string ending = dark ? "-dark" : "";

@@ -23,6 +23,22 @@ namespace {
 constexpr const char* UpgradeText =
     ". There is no upgrade service for this version: a newer one comes the way this one came.";
 
+/// Commands that the database view carries out.
+struct TableCommand {
+    const char* name;
+    Button frmViewDatabase::*button;
+};
+
+constexpr TableCommand TableCommands[] = {
+    {"Backup table", &frmViewDatabase::cmdBackup},
+    {"Clone entire table", &frmViewDatabase::cmdCloneTable},
+    {"Clone selected records", &frmViewDatabase::cmdCloneRecords},
+    {"Copy selected records to existing table", &frmViewDatabase::cmdCloneRecords},
+    {"Copy selected records to new table", &frmViewDatabase::cmdCloneRecords},
+    {"Repair", &frmViewDatabase::cmdRepair},
+    {"Compact", &frmViewDatabase::cmdCompact},
+};
+
 /// A view that found nothing to show has said so and is not shown.
 bool CanShow(const Form& form) {
     return form.IsLoaded();
@@ -40,7 +56,8 @@ ControlAnswer frmMain::ExecuteCommand(const std::string& toolName, const std::st
     if (wb_.state.LoadingProject) return ControlAnswer::Done;
     const std::string name = tool->name;
     const bool known = RunFileCommand(name, toolCaption) || RunMailCommand(name) ||
-                       RunViewCommand(name) || RunToolCommand(name) || RunHelpCommand(name);
+                       RunViewCommand(name) || RunTableCommand(name) || RunToolCommand(name) ||
+                       RunHelpCommand(name);
     return known ? ControlAnswer::Done : ControlAnswer::Impossible;
 }
 
@@ -135,11 +152,23 @@ bool frmMain::RunViewCommand(const std::string& name) {
     return true;
 }
 
+bool frmMain::RunTableCommand(const std::string& name) {
+    for (const TableCommand& command : TableCommands) {
+        if (name != command.name) continue;
+        auto& view = wb_.forms.Get<frmViewDatabase>();
+        if (CanShow(view)) (view.*command.button).Press();
+        return true;
+    }
+    return false;
+}
+
 bool frmMain::RunToolCommand(const std::string& name) {
     if (name == "NewDatabase")
         StartDataWizard(wb_, DataWizardMode::NewDatabase);
     else if (name == "ImportData")
         StartDataWizard(wb_, DataWizardMode::Import);
+    else if (name == "ExportData")
+        StartDataWizard(wb_, DataWizardMode::Export);
     else if (name == "Options")
         ShowModalDialog(wb_, wb_.forms.Get<frmOptions>());
     else if (name == "Connection Wizard")

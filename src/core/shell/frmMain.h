@@ -64,6 +64,7 @@ private:
     bool RunFileCommand(const std::string& name, const std::string& caption);
     bool RunMailCommand(const std::string& name);
     bool RunViewCommand(const std::string& name);
+    bool RunTableCommand(const std::string& name);
     bool RunToolCommand(const std::string& name);
     bool RunHelpCommand(const std::string& name);
 
