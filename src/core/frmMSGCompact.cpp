@@ -12,7 +12,8 @@ constexpr const char* Key = "Compact";
 
 }  // namespace
 
-frmMSGCompact::frmMSGCompact(Workbench& wb) : WorkbenchForm(wb, "frmMSGCompact", "Compact Database") {}
+frmMSGCompact::frmMSGCompact(Workbench& wb)
+    : WorkbenchForm(wb, "frmMSGCompact", "Compact Database") {}
 
 void frmMSGCompact::OnLoad() {
     wb_.state.CompactConfirmed = false;

@@ -4,9 +4,11 @@
 #include "core/Text.h"
 #include "database/TableCommands.h"
 #include "database/TableRuns.h"
+#include "database/ViewTools.h"
 #include "database/frmDataWizard.h"
 #include "database/frmDatabaseTable.h"
 #include "database/frmViewDatabase.h"
+#include "platform/os/Files.h"
 #include "platform/tables/AccessSource.h"
 
 namespace mailvane {
@@ -33,7 +35,10 @@ void DatabaseService::Attach(frmSettings& settings) {
     lastDatabase_.clear();
     databaseChanged_ = settings.databaseChanged.Observe([this, &settings] {
         lastDatabase_ = settings.txtAccessDBPath.Text();
-        if (auto* view = wb_.forms.Find<frmViewDatabase>()) view->Reconnect();
+        if (auto* view = wb_.forms.Find<frmViewDatabase>())
+            view->Reconnect();
+        else if (!wb_.state.LoadingProject)
+            DeleteFile(wb_.state.ProjectFolder + PathSeparator + BookmarkFile);
     });
     tableChosen_ = settings.tableChosen.Observe([this] { FollowTable(); });
 }

@@ -137,6 +137,8 @@ std::vector<CommandTable::Row> CommandTable::Rows() {
         Shows("Dial", "frmDial"),
         Asks("Internal Mail Server", "frmMailServer", "cmdCancel"),
         Shows("Welcome", "frmWelcome"),
+        Shows("Execute Program", "frmTagProgram"),
+        Shows("Execute CGI", "frmTagCGI"),
         Shows("New Project Wizard", "frmProjectWizard"),
         Asks("Options", "frmOptions", "cmdCancel"),
         Asks("About", "frmAbout", "cmdOk"),
@@ -173,8 +175,6 @@ std::vector<CommandTable::Row> CommandTable::Rows() {
         Later("Remove duplicates"),
         Later("Remove duplicate recipients"),
         Later("Remove domains"),
-        Later("Execute Program"),
-        Later("Execute CGI"),
         Projects("SaveAs",
                  [this] {
                      Command("SaveAs", Path("Two.poc"));

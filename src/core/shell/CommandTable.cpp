@@ -58,10 +58,9 @@ constexpr ToolRow Rows[] = {
      "Copy the selected records", "edit-copy", ""},
     {"Repair", "&Repair database", "Repair the database file", "tools-report-bug", ""},
     {"Compact", "Compact data&base", "Compact the database file", "archive-insert", ""},
-    {"Execute Program", "Execute &Program tags...", "Programs that messages run", "system-run", "",
-     Later},
+    {"Execute Program", "Execute &Program tags...", "Programs that messages run", "system-run", ""},
     {"Execute CGI", "Execute C&GI tags...", "Web scripts that messages call", "internet-services",
-     "", Later},
+     ""},
     {"Scheduler", "Sche&duler", "Start the program at set times", "appointment-new", ""},
     {"Internal Mail Server", "Internal Mail Ser&ver...", "Deliver without a relay",
      "network-server", ""},
@@ -91,6 +90,7 @@ void AddMainTools(ActiveBar& bar) {
         bar.AddTool({.name = std::string("RecentFile") + number, .visible = false});
 }
 
+/// The menus' letters are none of those that the views use with Alt.
 std::vector<Band> MainBands() {
     using Kind = Band::Kind;
     return {
@@ -106,12 +106,12 @@ std::vector<Band> MainBands() {
         {Kind::Menu, "View", "&View", {"Database", "Email", "Merge", "-", "Settings"}},
         {Kind::Menu,
          "Mail",
-         "&Mail",
+         "M&ail",
          {"New Message", "-", "Send and Receive", "Send All", "Receive All", "-", "Message rules",
           "Import", "Mailing lists", "-", "Error Log File"}},
         {Kind::Menu,
          "Data",
-         "&Database",
+         "Data&base",
          {"NewDatabase", "ImportData", "ExportData", "-", ">TableTools", ">Copies", "-", "Repair",
           "Compact"}},
         {Kind::SubMenu,
@@ -131,7 +131,7 @@ std::vector<Band> MainBands() {
           "Connection Wizard", "Dial", "-", "Options"}},
         {Kind::Menu,
          "Window",
-         "&Window",
+         "W&indow",
          {"Cascade", "Tile Horizontally", "Tile Vertically", "Arrange Icons"}},
         {Kind::Menu,
          "HelpMenu",

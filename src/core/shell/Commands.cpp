@@ -12,6 +12,8 @@
 #include "core/shell/frmMain.h"
 #include "database/frmDataWizard.h"
 #include "database/frmViewDatabase.h"
+#include "merge/frmTagCGI.h"
+#include "merge/frmTagProgram.h"
 #include "merge/frmViewMerge.h"
 #include "send/frmMailServer.h"
 #include "store/frmViewEmail.h"
@@ -169,6 +171,10 @@ bool frmMain::RunToolCommand(const std::string& name) {
         StartDataWizard(wb_, DataWizardMode::Import);
     else if (name == "ExportData")
         StartDataWizard(wb_, DataWizardMode::Export);
+    else if (name == "Execute Program")
+        wb_.forms.Get<frmTagProgram>().Show();
+    else if (name == "Execute CGI")
+        wb_.forms.Get<frmTagCGI>().Show();
     else if (name == "Options")
         ShowModalDialog(wb_, wb_.forms.Get<frmOptions>());
     else if (name == "Connection Wizard")

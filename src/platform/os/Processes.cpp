@@ -84,10 +84,10 @@ bool Started(int report) {
 bool WaitFor(pid_t child, const std::function<bool()>& keepWaiting) {
     constexpr int StepMilliseconds = 20;
     pollfd ended{static_cast<int>(::syscall(SYS_pidfd_open, child, 0)), POLLIN, 0};
-    bool gone = ::waitpid(child, nullptr, WNOHANG) == child;
+    bool gone = ::waitpid(child, nullptr, WNOHANG) != 0;
     while (!gone && keepWaiting()) {
         ::poll(&ended, 1, StepMilliseconds);
-        gone = ::waitpid(child, nullptr, WNOHANG) == child;
+        gone = ::waitpid(child, nullptr, WNOHANG) != 0;
     }
     if (ended.fd >= 0) ::close(ended.fd);
     return gone;
