@@ -13,6 +13,7 @@
 #include "merge/MergeRun.h"
 #include "merge/frmMergeCheck.h"
 #include "merge/frmViewMerge.h"
+#include "send/frmMailServer.h"
 
 namespace mailvane {
 
@@ -40,12 +41,17 @@ void frmMerge::WireControls() {
     txtFractional2.onChange = [this] { CheckRowNumber(txtFractional2); };
     cmdStart.onClick = [this] { Start(); };
     cmdCancel.onClick = [this] { Cancel(); };
+    SSCommand1.onClick = [this] {
+        ShowMailServer(wb_);
+        chkServer.SetChecked(wb_.forms.Get<frmSettings>().chkServer.Checked());
+        CopyServerChoice();
+    };
     SSCommand2.onClick = [this] { ShowHelpContext(wb_); };
 }
 
 void frmMerge::DisableToolsOfLaterVersions() {
     for (Button* button :
-         {&cmdRemoveRecords, &cmdRemoveAddresses, &cmdCompare, &cmdText, &cmdClean, &SSCommand1}) {
+         {&cmdRemoveRecords, &cmdRemoveAddresses, &cmdCompare, &cmdText, &cmdClean}) {
         button->SetEnabled(false);
         button->SetTip(LaterTip);
     }
@@ -85,6 +91,7 @@ void frmMerge::CopySettings() {
     txtSMTPPort.SetText(settings.txtSMTPPort.Text());
     chkSaveSentMessages.SetChecked(settings.chkSaveSentMessages.Checked());
     chkServer.SetChecked(settings.chkServer.Checked());
+    CopyServerChoice();
 }
 
 void frmMerge::EnableBulkFields() {
@@ -93,6 +100,7 @@ void frmMerge::EnableBulkFields() {
 }
 
 void frmMerge::CopyServerChoice() {
+    SSCommand1.SetEnabled(chkServer.Checked());
     txtSMTPServer.SetEnabled(!chkServer.Checked());
     txtSMTPPort.SetEnabled(!chkServer.Checked());
     wb_.forms.Get<frmSettings>().chkServer.SetChecked(chkServer.Checked());

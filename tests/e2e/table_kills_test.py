@@ -118,6 +118,23 @@ class TableKills(ProgramTest):
         self.kill_all("select frmViewDatabase.Grid1 all\ninput some\nanswer ok successfully\n"
                       "press frmViewDatabase.cmdCopyToNew\n", check)
 
+    def test_imports(self):
+        with open(self.home.folder / "more.csv", "w", encoding="utf-8") as file:
+            file.write("Email,Name\n")
+            file.writelines(f"{email},{name}\n" for email, name in map(self.row, range(self.ROWS)))
+
+        def check(database, ended):
+            self.check_source(database)
+            self.assertIn(self.tables(database), [["r"], ["more", "r"]])
+            if "more" in self.tables(database):
+                self.assertEqual(self.rows(database, "more", "Email, Name"),
+                                 self.rows(database, "r", "Email, Name"))
+            else:
+                self.assertFalse(ended)
+
+        self.kill_all('command ImportData\nset frmDataWizard.txtFile more.csv\n'
+                      'answer ok "records imported"\npress frmDataWizard.cmdFinish\n', check)
+
     def test_changes_of_the_structure(self):
         def check(database, ended):
             found = [column[1] for column in database.execute("PRAGMA table_info(r)")]
