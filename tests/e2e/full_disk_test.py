@@ -28,7 +28,7 @@ class MergeRun(FullDisk):
             ("nothing fits", 34_000, ""),
             ("log", 1_000_000, ""),
             ("log, row by row", 1_000_000, SLOW),
-            ("store", 6_500_000, ""),
+            ("store", 5_000_000, ""),
             ("store, row by row", 5_000_000, SLOW),
         ]:
             with self.subTest(case):
