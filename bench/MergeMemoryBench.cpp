@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <string>
 
 #include "MergeCampaign.h"
+#include "ProcessMemory.h"
 
 namespace {
 
@@ -17,21 +17,6 @@ using namespace mailvane::bench;
 
 constexpr double MostMegabytes = 60;
 constexpr std::size_t BodyBytes = 200;
-
-/// A value of /proc/self/status in megabytes.
-double ProcessMegabytes(const std::string& name) {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    double kilobytes = 0;
-    while (status >> word)
-        if (word == name + ":" && status >> kilobytes) return kilobytes / 1024;
-    Fail("The system does not tell " + name);
-}
-
-/// From here on the peak is counted anew.
-void ForgetPeak() {
-    std::ofstream("/proc/self/clear_refs") << "5";
-}
 
 /// In a process of its own: what it takes to make them is no part of what is measured.
 void MakeRecipientsApart(const std::string& path, int count) {

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "HeadlessProgram.h"
+#include "ProcessMemory.h"
 #include "Tools.h"
 #include "database/frmViewDatabase.h"
 #include "platform/qt/QtWindows.h"
@@ -26,16 +27,6 @@ using namespace mailvane::bench;
 constexpr double MostOpenMilliseconds = 500;
 constexpr double MostMegabytes = 60;
 constexpr double MostOfShellTime = 1.5;
-
-/// A value of /proc/self/status in megabytes.
-double ProcessMegabytes(const std::string& name) {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    double kilobytes = 0;
-    while (status >> word)
-        if (word == name + ":" && status >> kilobytes) return kilobytes / 1024;
-    Fail("The system does not tell " + name);
-}
 
 void Check(const DaoError& outcome) {
     if (outcome.Failed()) Fail(outcome.description);
@@ -118,7 +109,7 @@ void ViewOnce(const std::string& folder, const std::string& path, int argc, char
     };
     draw();
     wb.forms.Get<frmSettings>().txtAccessDBPath.SetText(path);
-    std::ofstream("/proc/self/clear_refs") << "5";  // the peak is counted from here
+    ForgetPeak();
     const double idle = ProcessMegabytes("VmRSS");
 
     const Stopwatch opening;

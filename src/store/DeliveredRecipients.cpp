@@ -1,6 +1,6 @@
 #include "store/DeliveredRecipients.h"
 
-#include "store/MessageStore.h"
+#include "store/SentLedger.h"
 
 namespace mailvane {
 
@@ -62,10 +62,7 @@ DaoResult<DeliveredRecipients> DeliveredLedger::Entries(Database& store) {
 }
 
 DaoError DeliveredLedger::RemoveGone(Database& store) {
-    if (!store.TableExists(LedgerTable)) return {};
-    const auto deleted = store.Execute("DELETE FROM [" + std::string(LedgerTable) +
-                                       "] WHERE ID NOT IN (SELECT ID FROM [" + OutboxFolder + "])");
-    return deleted.Failed() ? deleted.Error() : DaoError();
+    return RemoveEntriesWithoutMessage(store, LedgerTable);
 }
 
 }  // namespace mailvane

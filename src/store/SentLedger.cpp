@@ -78,8 +78,12 @@ DaoResult<AcceptedMessages> SentLedger::Entries(Database& store) {
 }
 
 DaoError SentLedger::RemoveGone(Database& store) {
-    if (!store.TableExists(LedgerTable)) return {};
-    const auto deleted = store.Execute("DELETE FROM [" + std::string(LedgerTable) +
+    return RemoveEntriesWithoutMessage(store, LedgerTable);
+}
+
+DaoError RemoveEntriesWithoutMessage(Database& store, const std::string& ledger) {
+    if (!store.TableExists(ledger)) return {};
+    const auto deleted = store.Execute("DELETE FROM [" + ledger +
                                        "] WHERE ID NOT IN (SELECT ID FROM [" + OutboxFolder + "])");
     return deleted.Failed() ? deleted.Error() : DaoError();
 }

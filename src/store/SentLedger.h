@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "platform/dao/Database.h"
 #include "platform/os/DateTime.h"
@@ -25,5 +26,8 @@ DaoResult<AcceptedMessages> Entries(Database& store);  ///< empty when there nev
 /// Forgets the messages that have left the Outbox.
 DaoError RemoveGone(Database& store);
 }  // namespace SentLedger
+
+/// Takes the entries out of a ledger whose "ID" names no message of the Outbox any more.
+DaoError RemoveEntriesWithoutMessage(Database& store, const std::string& ledger);
 
 }  // namespace mailvane

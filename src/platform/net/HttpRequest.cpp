@@ -1,13 +1,12 @@
 #include "platform/net/HttpRequest.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
 #include <array>
 #include <memory>
 #include <string_view>
 #include <utility>
 
+#include "platform/net/CurlHandles.h"
 #include "platform/net/NameResolver.h"
 
 namespace mailvane {
@@ -101,16 +100,6 @@ public:
     std::string Content() && { return std::move(content_); }
 
 private:
-    struct CloseEasy {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-    };
-    struct CloseMulti {
-        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
-    };
-    struct FreeList {
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-    };
-
     NetError Resolve();
     void SetOptions();
     void SetMethod();
@@ -128,11 +117,11 @@ private:
     std::string body_ = Escaped(request_.query);
     const KeepWaiting& keepWaiting_;
     NetClock::time_point deadline_ = NetClock::now() + seconds(request_.connectTimeout);
-    std::unique_ptr<CURLM, CloseMulti> multi_{curl_multi_init()};
-    std::unique_ptr<CURL, CloseEasy> easy_{curl_easy_init()};
-    std::unique_ptr<curl_slist, FreeList> addresses_;
+    MultiHandle multi_{curl_multi_init()};
+    EasyHandle easy_{curl_easy_init()};
+    CurlList addresses_;
     // No question whether the body may come: it comes.
-    std::unique_ptr<curl_slist, FreeList> headers_{curl_slist_append(nullptr, "Expect:")};
+    CurlList headers_{curl_slist_append(nullptr, "Expect:")};
     std::array<char, CURL_ERROR_SIZE> errorText_{};
     std::string content_;
     bool tooLong_ = false;

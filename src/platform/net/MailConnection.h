@@ -1,13 +1,12 @@
 #pragma once
 
-#include <curl/curl.h>
-
 #include <array>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "platform/net/CurlHandles.h"
 #include "platform/net/NetWait.h"
 #include "platform/net/SmtpClient.h"
 
@@ -62,16 +61,6 @@ public:
     void Wait(bool forSending, int milliseconds) const;
 
 private:
-    struct CloseEasy {
-        void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-    };
-    struct CloseMulti {
-        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
-    };
-    struct FreeList {
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-    };
-
     NetError SetUrl(const MailPeer& peer, const std::string& host);
     void SetOptions(const MailPeer& peer);
     NetError Resolve(const MailPeer& peer, const std::string& host, NetClock::time_point deadline,
@@ -84,9 +73,9 @@ private:
 
     std::function<void(Direction, std::string_view)> onBeginning_;
     // Kept between connections: it holds the certificates that were read.
-    std::unique_ptr<CURLM, CloseMulti> multi_;
-    std::unique_ptr<CURL, CloseEasy> easy_;
-    std::unique_ptr<curl_slist, FreeList> addresses_;
+    MultiHandle multi_;
+    EasyHandle easy_;
+    CurlList addresses_;
     std::array<char, CURL_ERROR_SIZE> errorText_{};
     std::string early_;  // received while the connection was taken over
     curl_socket_t socket_ = CURL_SOCKET_BAD;
