@@ -85,7 +85,7 @@ protected:
         for (; !(*records)->EndOfFile(); (*records)->MoveNext().Ignore()) {
             std::string line;
             for (std::size_t i = 0; i < (*records)->Fields().size(); ++i)
-                line += (i == 0 ? "" : " ") + (*records)->Get(i).ValueOr({}).TextOrEmpty();
+                line += (i == 0 ? "" : " ") + (*records)->Get(i)->TextOrEmpty();
             text += line + "\n";
         }
         return text;

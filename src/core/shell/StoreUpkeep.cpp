@@ -1,7 +1,5 @@
 #include "core/shell/StoreUpkeep.h"
 
-#include <cstdio>
-
 #include "core/Paths.h"
 #include "core/Progress.h"
 #include "core/frmSettings.h"
@@ -45,22 +43,14 @@ private:
     long step_ = 0;
 };
 
-/// The dense copy takes the file's place in one step: a crash leaves the old file or the new one.
-DaoError PutInPlace(const std::string& copy, const std::string& path) {
-    // A log beside the file would be read into the new one: somebody still has the file open.
-    const bool inUse = FileExists(path + "-wal");
-    if (!inUse && std::rename(copy.c_str(), path.c_str()) == 0) return {};
-    DeleteFile(copy);
-    return MakeDaoError(inUse ? dao_error::OpenedExclusively : dao_error::DiskError, path);
-}
-
 DaoError CompactFile(const std::string& path, UpkeepProgress& progress) {
     const std::string backup = path + BackupEnding;
     DeleteFile(backup);
     progress.Step();
-    if (DaoError failed = DBEngine::CompactDatabase(path, backup); failed.Failed()) return failed;
+    DaoError outcome = DBEngine::CompactInPlace(path, backup);
+    DeleteFile(backup);
     progress.Step();
-    return PutInPlace(backup, path);
+    return outcome;
 }
 
 void CloseStore(Workbench& wb) {
