@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 
 #include "platform/dao/FileFormat.h"
@@ -255,6 +256,13 @@ std::int64_t Connection::TotalChanges() const {
 }
 std::int64_t Connection::LastInsertedKey() const {
     return sqlite3_last_insert_rowid(database_);
+}
+
+std::int64_t Connection::MostRows() {
+    // The pages that SQLite counts include those of a transaction that is not in the file yet.
+    const std::int64_t pages = std::atoll(QueryText("PRAGMA page_count").ValueOr("").c_str());
+    const std::int64_t size = std::atoll(QueryText("PRAGMA page_size").ValueOr("").c_str());
+    return pages * size / 2;
 }
 
 }  // namespace mailvane

@@ -33,6 +33,8 @@ public:
     Connection& operator=(const Connection&) = delete;
 
     const std::string& Path() const { return path_; }
+    /// More rows than this no table of the file can have: each takes two bytes at least.
+    std::int64_t MostRows();
     bool IsOpen() const { return database_ != nullptr; }
     void Close();
     /// Closes the file, and leaves the lock on its path to the caller. Only while open.

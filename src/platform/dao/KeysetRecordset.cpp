@@ -76,10 +76,13 @@ DaoError KeysetRecordset::LoadKeysOfOneState(Keyset& keys) {
     }
     DaoResult<Statement> query = connection_->Prepare(source_.keyQuery);
     if (query.Failed()) return query.Error();
-    for (;;) {
+    const std::int64_t most = connection_->MostRows();
+    for (std::int64_t count = 1;; ++count) {
         const DaoResult<bool> row = query->Step();
         if (row.Failed()) return row.Error();
         if (!*row) return {};
+        // Damaged pages that lead back to one another would give keys for ever.
+        if (count > most) return MakeDaoError(dao_error::DamagedFile, connection_->Path());
         const std::int64_t key = query->Whole(0);
         if (!wanted || std::binary_search(wanted->begin(), wanted->end(), key)) keys.Append(key);
     }

@@ -45,7 +45,7 @@ public:
             std::int64_t next = *start;
             if (DaoError failed = CopyFrom(next, stopped); failed.Failed()) return failed;
             if (!stopped || !keyed_) return {};
-            start = FirstReadable(next);
+            start = rows_ > most_ ? std::nullopt : FirstReadable(next);
         }
         return {};
     }
@@ -61,8 +61,10 @@ private:
         if (keyed_) source->Bind(1, key);
         for (;;) {
             const DaoResult<bool> row = source->Step();
-            stopped = row.Failed();
-            if (row.Failed() || !*row) return {};
+            // Pages that lead back to one another give rows for ever.
+            const bool astray = row.Ok() && *row && (IsBehind(*source, key) || ++rows_ > most_);
+            stopped = row.Failed() || astray;
+            if (stopped || !*row) return {};
             for (int column = 0; column < source->ColumnCount(); ++column)
                 target->BindColumnOf(column + 1, *source, column);
             if (DaoError failed = target->Finish(); failed.Failed()) return failed;
@@ -72,11 +74,17 @@ private:
         }
     }
 
+    /// Keys ascend; one that does not comes from damage.
+    bool IsBehind(const Statement& source, std::int64_t key) const {
+        return keyed_ && source.Whole(0) < key;
+    }
+
     bool CanReadFrom(std::int64_t key) {
         DaoResult<Statement> source = damaged_.Prepare(read_);
         if (source.Failed()) return false;
         source->Bind(1, key);
-        return source->Step().Ok();
+        const DaoResult<bool> row = source->Step();
+        return row.Ok() && !(*row && IsBehind(*source, key));
     }
 
     /// The least key behind the damage at `key` from which rows, or the end, can be read: first in
@@ -102,6 +110,8 @@ private:
     Connection& damaged_;
     Connection& fresh_;
     bool keyed_ = false;
+    std::int64_t rows_ = 0;
+    const std::int64_t most_ = damaged_.MostRows();
     std::string read_;
     std::string write_;
 };
