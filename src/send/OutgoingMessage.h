@@ -9,6 +9,7 @@
 #include "platform/net/SmtpClient.h"
 #include "send/DirectDelivery.h"
 #include "send/Logon.h"
+#include "send/MessageAssembly.h"
 #include "store/MessageRecord.h"
 
 namespace mailvane {
@@ -23,8 +24,8 @@ public:
     OutgoingMessage(const OutgoingMessage&) = delete;
     OutgoingMessage& operator=(const OutgoingMessage&) = delete;
 
-    /// Sends one message. "" when it was accepted, else the error text. `record` is changed on the
-    /// way as the wire form needs it.
+    /// Sends one message. "" when it was accepted, else the error text. The blanks around the To
+    /// line of `record` are taken away.
     std::string BuildOutgoingMessage(MessageRecord& record);
     /// Ends BuildOutgoingMessage from inside its waits.
     void GiveUp();
@@ -32,8 +33,6 @@ public:
     const std::vector<RefusedRecipient>& RefusedRecipients() const { return refused_; }
     /// The error text of a failure: what a server refuses after a failed logon is put down to that.
     std::string ErrorText(const NetError& error) const;
-    /// The last line has no line end when there is a priority.
-    std::string BuildExtraHeaders(const MessageRecord& record) const;
     /// Base64 of a short text, without a line end.
     static std::string Base64Line(const std::string& text);
 
@@ -44,9 +43,8 @@ public:
 
 private:
     void TakeConnectionSettings();
-    void TakeMessage(const MessageRecord& record);
-    void AddHtml(MessageRecord& record) const;
-    NetError AddAttachment(const MessageRecord& record);
+    void TakeMessage(AssembledMessage message);
+    NetError EncodeAttachment(const std::string& path);
     bool LeaveOutDelivered();
     NetError Deliver();
     NetError LogOn();

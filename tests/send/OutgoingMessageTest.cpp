@@ -83,7 +83,7 @@ TEST(BuildExtraHeaders, OrderAndText) {
         SCOPED_TRACE(test.name);
         WireBench bench;
         test.set(bench);
-        EXPECT_EQ(bench.outgoing.BuildExtraHeaders(bench.record), test.headers);
+        EXPECT_EQ(BuildExtraHeaders(bench.settings, bench.record), test.headers);
     }
 }
 
