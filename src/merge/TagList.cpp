@@ -9,11 +9,44 @@ TagList::TagList(std::vector<std::string> names) : names_(std::move(names)) {
         positions_.try_emplace(ToLower(names_[i]), i);
         if (names_[i].find_first_of("[]") != std::string::npos) namesHoldBrackets_ = true;
     }
+    for (const char sign : std::string_view("\t\r\n !\"#$%&'()*+,-./:;<=>?@\\^_`{|}~"))
+        separates_[static_cast<unsigned char>(sign)] = true;
+    for (const std::string& name : names_)
+        for (const char sign : name)
+            separates_[static_cast<unsigned char>(sign)] = false;
 }
 
 void TagList::Replace(std::string& text, const ValueOf& valueOf) const {
     if (text.find('[') == std::string::npos) return;
     if (!namesHoldBrackets_ && ReplaceInOnePass(text, valueOf)) return;
+    ReplaceBySegments(text, valueOf);
+}
+
+/// No tag reaches over a sign that is in no name, so that what stands between two such signs is
+/// replaced by itself: the passes walk over little more than what needs them.
+void TagList::ReplaceBySegments(std::string& text, const ValueOf& valueOf) const {
+    std::string result;
+    std::string segment;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = SegmentEnd(text, start);
+        segment.assign(text, start, end - start);
+        if (segment.find('[') != std::string::npos &&
+            (namesHoldBrackets_ || !ReplaceInOnePass(segment, valueOf)))
+            ReplacePassByPass(segment, valueOf);
+        result += segment;
+        start = end;
+    }
+    text = std::move(result);
+}
+
+/// Behind the first sign that separates, or at the end of the text.
+std::size_t TagList::SegmentEnd(std::string_view text, std::size_t start) const {
+    while (start < text.size())
+        if (separates_[static_cast<unsigned char>(text[start++])]) break;
+    return start;
+}
+
+void TagList::ReplacePassByPass(std::string& text, const ValueOf& valueOf) const {
     for (std::size_t i = 0; i < names_.size(); ++i) {
         const std::string tag = "[" + names_[i] + "]";
         if (!ContainsText(text, tag)) continue;

@@ -32,9 +32,13 @@ public:
 private:
     std::optional<std::size_t> Find(std::string_view name) const;
     bool ReplaceInOnePass(std::string& text, const ValueOf& valueOf) const;
+    void ReplaceBySegments(std::string& text, const ValueOf& valueOf) const;
+    void ReplacePassByPass(std::string& text, const ValueOf& valueOf) const;
+    std::size_t SegmentEnd(std::string_view text, std::size_t start) const;
     std::vector<std::string> names_;
     std::unordered_map<std::string, std::size_t> positions_;  ///< by the name in lower case
     bool namesHoldBrackets_ = false;
+    bool separates_[256] = {};  ///< signs that stand in no name, whatever the letter case
 };
 
 }  // namespace mailvane

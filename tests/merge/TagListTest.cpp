@@ -60,6 +60,11 @@ TEST(TagList, RemoveTakesOutTagsOnly) {
     EXPECT_EQ(text, "x[C]y");
 }
 
+TEST(TagList, LetterCaseIsThatOfAllLetters) {
+    const TagList tags({"Größe", "STRASSE"});
+    EXPECT_EQ(Fill(tags, "[GRÖßE] [größe] [Straße]", {"1", "2"}), "1 1 [Straße]");
+}
+
 TEST(TagList, NamesWithBracketsAreNames) {
     const TagList tags({"a]b", "[c"});
     EXPECT_EQ(Fill(tags, "[a]b] [[c]", {"1", "2"}), "1 2");
@@ -68,7 +73,8 @@ TEST(TagList, NamesWithBracketsAreNames) {
 TEST(TagList, OneWalkEqualsThePasses) {
     const std::vector<std::string> names{"a", "bb", "c d"};
     const TagList tags(names);
-    const char* const pieces[] = {"[", "]", "a", "bb", "c d", "[a]", "[BB]", "[c d]", "x", "[x]"};
+    const char* const pieces[] = {"[",    "]",     "a", "bb",  "c d", "[a]",
+                                  "[BB]", "[c d]", "x", "[x]", ",",   "\n"};
     std::mt19937 random(20240315);
     const auto piece = [&] { return std::string(pieces[random() % std::size(pieces)]); };
     const auto text = [&](unsigned most) {
