@@ -141,6 +141,7 @@ public:
     std::function<std::string(int index)> dragText;
     /// A text, or the path of a file, was dropped here; without it nothing can be dropped.
     std::function<void(const std::string& text)> onDropText;
+    std::function<void()> onContextMenu;  ///< right click, or the key for it
 
 protected:
     ListBox(Form& form, std::string name, Selection selection, ControlKind kind);

@@ -11,6 +11,7 @@ class Form;
 enum class ControlKind {
     TextBox,
     RichTextBox,
+    HtmlView,
     Label,
     Button,
     CheckBox,
@@ -22,6 +23,7 @@ enum class ControlKind {
     DatePicker,
     ProgressBar,
     Grid,
+    Chart,
     Tabs,
     Panel,
     Timer,

@@ -74,6 +74,14 @@ public:
     Event<int> fontSized;
 };
 
+/// Shows HTML that came from anywhere: no script runs, nothing is loaded from the network or the
+/// disk, and links lead nowhere. Its text is the code.
+class HtmlView final : public TextControl {
+public:
+    HtmlView(Form& form, std::string name)
+        : TextControl(form, std::move(name), ControlKind::HtmlView, {}) {}
+};
+
 class Label final : public TextControl {
 public:
     Label(Form& form, std::string name, std::string caption = {})

@@ -15,6 +15,7 @@
 #include <QSlider>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTextBrowser>
 #include <QTextEdit>
 #include <QToolButton>
 
@@ -124,6 +125,8 @@ bool WidgetFits(const Control& control, const QWidget& widget) {
             return IsOneOf<QLineEdit, QPlainTextEdit>(widget);
         case ControlKind::RichTextBox:
             return IsOneOf<QTextEdit>(widget);
+        case ControlKind::HtmlView:
+            return IsOneOf<QTextBrowser>(widget);
         case ControlKind::Label:
             return IsOneOf<QLabel>(widget);
         case ControlKind::Button:
@@ -138,6 +141,7 @@ bool WidgetFits(const Control& control, const QWidget& widget) {
             return IsOneOf<QListWidget>(widget);
         case ControlKind::ListBoks:
         case ControlKind::ActiveBar:
+        case ControlKind::Chart:
             return IsPlainWidget(widget);
         case ControlKind::Slider:
             return IsOneOf<QSlider>(widget);
@@ -164,6 +168,8 @@ BindingPointer BindControl(Control& control, QWidget& widget) {
         case ControlKind::TextBox:
         case ControlKind::RichTextBox:
             return BindText(static_cast<EditControl&>(control), widget);
+        case ControlKind::HtmlView:
+            return BindHtml(static_cast<HtmlView&>(control), widget);
         case ControlKind::Label:
         case ControlKind::Panel:
             return BindCaption(static_cast<TextControl&>(control), widget);
@@ -187,6 +193,8 @@ BindingPointer BindControl(Control& control, QWidget& widget) {
             return BindProgressBar(static_cast<ProgressBar&>(control), widget);
         case ControlKind::Grid:
             return BindGrid(static_cast<Grid&>(control), widget);
+        case ControlKind::Chart:
+            return BindChart(static_cast<Chart&>(control), widget);
         case ControlKind::Tabs:
             return BindTabs(static_cast<Tabs&>(control), widget);
         case ControlKind::ActiveBar:

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/forms/Chart.h"
 #include "platform/forms/Form.h"
 
 class QLabel;
@@ -53,6 +54,7 @@ bool WidgetFits(const Control& control, const QWidget& widget);
 
 // Each needs a widget that fits.
 BindingPointer BindText(EditControl& control, QWidget& widget);
+BindingPointer BindHtml(HtmlView& control, QWidget& widget);
 BindingPointer BindCaption(TextControl& control, QWidget& widget);  ///< label, panel
 BindingPointer BindButton(Button& control, QWidget& widget);
 BindingPointer BindCheckBox(CheckBox& control, QWidget& widget);
@@ -65,6 +67,7 @@ BindingPointer BindDatePicker(DatePicker& control, QWidget& widget);
 BindingPointer BindProgressBar(ProgressBar& control, QWidget& widget);
 BindingPointer BindTabs(Tabs& control, QWidget& widget);
 BindingPointer BindGrid(Grid& control, QWidget& widget);
+BindingPointer BindChart(Chart& control, QWidget& widget);
 
 /// The binding for any control that has a widget, null for the kinds that are tied elsewhere.
 BindingPointer BindControl(Control& control, QWidget& widget);

@@ -111,6 +111,9 @@ private:
             } else if (!WidgetFits(*control, *found.first())) {
                 Complain(control->Name() + " has a widget of the wrong kind, " +
                          found.first()->metaObject()->className());
+            } else if (control->Kind() == ControlKind::Chart &&
+                       found.first()->accessibleName().isEmpty()) {
+                Complain(control->Name() + " has no name for screen readers");
             }
         }
     }

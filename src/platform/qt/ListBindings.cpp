@@ -181,6 +181,10 @@ protected:
     }
 
     bool Filter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ContextMenu && control_.onContextMenu) {
+            RunHandler(control_.onContextMenu);
+            return true;
+        }
         if (watched != list_.viewport()) return false;
         switch (event->type()) {
             case QEvent::MouseButtonPress:

@@ -13,6 +13,8 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QTabWidget>
+#include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QTextEdit>
 
 #include "platform/qt/QtTest.h"
@@ -103,6 +105,43 @@ TEST_F(BinderTest, SeveralLinesOfRichText) {
     form.txtBody.Select(5, 1);
     form.txtBody.ReplaceSelection("new");
     EXPECT_TRUE(edit.toHtml().contains("font-weight"));
+}
+
+/// True when the page has a pixel of that colour on the screen.
+bool Shows(const QTextBrowser& page, QRgb colour) {
+    const QImage image = page.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) == colour) return true;
+    return false;
+}
+
+TEST_F(BinderTest, HtmlShowsNothingFromOutsideItsCode) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("red.png"));
+    QImage red(20, 20, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    ASSERT_TRUE(red.save(path));
+    QFile style(folder.filePath(QStringLiteral("red.css")));
+    ASSERT_TRUE(style.open(QIODevice::WriteOnly) && style.write("* { background: #f00 }"));
+    style.close();
+    const std::string file = path.toStdString();
+    const auto& page = Find<QTextBrowser>(form, "htmPage");
+    form.Show();
+    const std::string base = "file://" + folder.path().toStdString();
+    for (const std::string& code :
+         {"<img src='" + file + "'>", "<img src='file://" + file + "'>",
+          "<base href='" + base + "/'><img src='red.png'>",
+          "<link rel='stylesheet' href='" + base + "/red.css'><p>text</p>",
+          "<body background='" + file + "'>text</body>"}) {
+        form.htmPage.SetText(code);
+        Pump();
+        EXPECT_FALSE(Shows(page, qRgb(255, 0, 0))) << code;
+    }
+    form.htmPage.SetText("<table bgcolor='#ff0000'><tr><td>text</td></tr></table>");
+    Pump();
+    EXPECT_TRUE(Shows(page, qRgb(255, 0, 0)));
+    EXPECT_FALSE(page.openLinks());
 }
 
 TEST_F(BinderTest, LeavingAndEnter) {

@@ -14,6 +14,7 @@ public:
     TextBox txtLine{*this, "txtLine", "first"};
     TextBox txtNotes{*this, "txtNotes"};
     RichTextBox txtBody{*this, "txtBody"};
+    HtmlView htmPage{*this, "htmPage"};
     CheckBox chkOne{*this, "chkOne", true};
     OptionButton optA{*this, "optA", true, "letters"};
     OptionButton optB{*this, "optB", false, "letters"};
