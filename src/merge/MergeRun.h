@@ -13,6 +13,7 @@
 
 namespace mailvane {
 
+class BulkPacket;
 class MergeGenerator;
 
 /// One run of frmMerge: narrows the recipients, writes the messages to the Outbox, and hands over
@@ -49,13 +50,16 @@ private:
     Outcome GenerateBulk(MergeGenerator& generator);
     bool CheckPacketSize();
     UnfinishedMerge Intent(bool personal) const;
-    bool AppendAddress(std::string& packet, const char* separator);
+    bool AppendAddress(BulkPacket& packet);
     Outcome StepOn(const DaoError& failed);
     Outcome StopForStore(const DaoError& failed);
     bool Proceed(const DaoError& error);
 
     // After it.
     void FinishMergeRun();
+    std::optional<std::int64_t> StoreNumber(const std::string& query) const;
+    std::optional<std::int64_t> NewestMessage() const;
+    void RecordRun() const;
     void CreateMailingTable();
     void CopyRows(Recordset& mailingTable);
     DaoError CopyGroup(Recordset& mailingTable, std::int64_t& copied);
@@ -72,6 +76,9 @@ private:
     frmMerge& dialog_;
     frmViewDatabase& view_;
     frmViewMerge& message_;
+    const std::string projectFolder_ = wb_.state.ProjectFolder;  ///< that it began in
+    const DateTime began_ = wb_.platform.clock.Now();
+    std::optional<std::int64_t> newestBefore_;  ///< message of the Outbox
     std::shared_ptr<Database> database_;
     std::shared_ptr<Recordset> recipients_;
     std::string table_;

@@ -4,6 +4,7 @@
 #include "core/frmStatus.h"
 #include "merge/MergeRun.h"
 #include "merge/frmMSGOutbox.h"
+#include "send/frmDeliveryReport.h"
 #include "store/MessageStore.h"
 #include "store/frmViewEmail.h"
 
@@ -25,6 +26,7 @@ void CloseStatus(Workbench& wb) {
 void MergeRun::FinishMergeRun() {
     if (recipients_ && dialog_.chkCreate.Checked() && !noMailingTable_) CreateMailingTable();
     if (recipients_) recipients_->Close();
+    RecordRun();
     if (auto* mail = wb_.forms.Find<frmViewEmail>()) mail->cmdRefresh.Press();
     if (message_.IsLoaded()) message_.cmdRefresh.Press();
     message_.SetRunning(false);
@@ -36,6 +38,33 @@ void MergeRun::FinishMergeRun() {
     CloseStatus(wb_);
     ShowPanel("");
     wb_.platform.windows.SetPointer(MousePointer::Normal);
+}
+
+/// A number that a query of one row and column gives; nothing when the store cannot be asked.
+std::optional<std::int64_t> MergeRun::StoreNumber(const std::string& query) const {
+    if (OpenMessageStore(wb_).Failed()) return {};
+    const auto rows = wb_.state.MessageStore->OpenRecordset(query);
+    const DaoResult<DaoValue> value = rows.Ok() ? (*rows)->Get(0) : rows.Error();
+    if (value.Failed()) return {};
+    return static_cast<std::int64_t>(value->NumberOr(0));
+}
+
+/// ID of the last message that was put into the Outbox; IDs are never given out twice.
+std::optional<std::int64_t> MergeRun::NewestMessage() const {
+    return StoreNumber("SELECT max(ID) FROM [" + std::string(OutboxFolder) + "]");
+}
+
+/// For the delivery report. A run that has made nothing is not worth a line of it.
+void MergeRun::RecordRun() const {
+    if (done_ == 0 || !newestBefore_) return;
+    DeliveryRun run;
+    run.began = began_;
+    run.kind = DeliveryRun::Kind::Merge;
+    run.table = ReportText(table_);
+    run.generated = StoreNumber("SELECT count(*) FROM [" + std::string(OutboxFolder) +
+                                "] WHERE ID > " + std::to_string(*newestBefore_))
+                        .value_or(0);
+    if (run.generated > 0) RecordDeliveryRun(wb_, projectFolder_, std::move(run));
 }
 
 void MergeRun::CreateMailingTable() {

@@ -3,6 +3,7 @@
 
 #include "core/Progress.h"
 #include "core/Text.h"
+#include "merge/BulkPacket.h"
 #include "merge/MergeGenerator.h"
 #include "merge/MergeRun.h"
 #include "store/MessageStore.h"
@@ -13,6 +14,7 @@ MergeRun::Outcome MergeRun::GenerateMessages() {
     const bool personal = dialog_.optPersonal.IsSet();
     if (!personal && !CheckPacketSize()) return Outcome::Stopped;
     if (DaoError closed = OpenMessageStore(wb_); closed.Failed()) return StopForStore(closed);
+    newestBefore_ = NewestMessage();
     if (DaoError failed = MergeMark::Set(*wb_.state.MessageStore, Intent(personal));
         failed.Failed())
         return StopForStore(failed);
@@ -91,18 +93,14 @@ DaoError MergeRun::MakeWithTags(MergeGenerator& generator) {
     return failed.Ok() ? moved : failed;
 }
 
-/// The packet text goes on growing from one packet to the next, and only a full packet, or one that
-/// has reached the number of all recipients, becomes a message.
 MergeRun::Outcome MergeRun::GenerateBulk(MergeGenerator& generator) {
-    const double packetSize = NumberOf(dialog_.txtPacket.Text());
-    std::int64_t packetCount = 1;
+    BulkPacket packet(NumberOf(dialog_.txtPacket.Text()), recipients_->RecordCount());
     Outcome outcome = Outcome::Complete;
     while (done_ < total_ && outcome == Outcome::Complete) {
-        const bool full = static_cast<double>(packetCount) == packetSize ||
-                          packetCount == recipients_->RecordCount();
-        if (!AppendAddress(generator.PacketText, full ? "" : ", ")) return Outcome::Stopped;
+        const bool full = packet.Next();
+        if (!AppendAddress(packet)) return Outcome::Stopped;
+        generator.PacketText = full ? packet.Text() : std::string();
         DaoError failed = full ? generator.GenerateMergeMessage() : DaoError();
-        packetCount = full ? 1 : packetCount + 1;
         ++done_;
         const DaoError moved = recipients_->MoveNext();
         if (failed.Ok()) failed = moved;
@@ -118,15 +116,15 @@ bool MergeRun::CheckPacketSize() {
     wb_.platform.windows.SetPointer(MousePointer::Normal);
     if (!AskToProceed("'Messages per packet' text-box contains invalid value: '" + value + "'."))
         return false;
-    dialog_.txtPacket.SetText("19");
+    dialog_.txtPacket.SetText(frmMerge::UsualPacketSize);
     return true;
 }
 
 /// A Null address joins as nothing. False when the user ends the run.
-bool MergeRun::AppendAddress(std::string& packet, const char* separator) {
+bool MergeRun::AppendAddress(BulkPacket& packet) {
     const auto address = recipients_->Get(dialog_.cmbEmail.Text());
     if (address.Failed()) return Proceed(address.Error());
-    packet.append(address->TextOrEmpty()).append(separator);
+    packet.Append(address->TextOrEmpty());
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include "core/Text.h"
 #include "send/SendRun.h"
 #include "send/SentMessages.h"
+#include "send/frmDeliveryReport.h"
 #include "send/frmMSGSndRecvError.h"
 #include "store/MessageStore.h"
 #include "store/frmViewEmail.h"
@@ -66,6 +67,7 @@ AcceptedMessages SendRun::FinishMessages(const AcceptedMessages& accepted) {
         if (unfinished.contains(id)) continue;
         memory_.unrecorded.erase(id);
         memory_.unrecordedRecipients.erase(id);
+        memory_.reported.erase(id);
     }
     return unfinished;
 }
@@ -88,11 +90,18 @@ void SendRun::HangUp() {
     dial.cmdDisconnect.Press();
 }
 
+/// There was nothing to send, except perhaps what an interrupted run had sent.
+void SendRun::FinishEmptyRun() {
+    ReportDelivery(0);
+    database_->Close();
+}
+
 void SendRun::FinishSendRun() {
     const auto left =
         database_ ? database_->OpenRecordset(OutboxFolder)
                   : DaoResult<std::shared_ptr<Recordset>>(MakeDaoError(dao_error::ObjectNotSet));
     const bool emptied = left.Ok() && (*left)->RecordCount() == 0;
+    ReportDelivery(left.Ok() ? (*left)->RecordCount() : 0);
     if (emptied || errors_.empty()) {
         if (status_) status_->Progress1.SetValue(status_->Progress1.Maximum());
         ShowStatus("Your e-mail messages are successfully sent!");
@@ -109,6 +118,12 @@ void SendRun::FinishSendRun() {
     WaitSeconds(wb_, 1);
     smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
     if (!errors_.empty() && !wb_.state.UnattendedRun) ReportErrors();
+}
+
+/// A run that had nothing to send is not worth a report.
+void SendRun::ReportDelivery(std::int64_t left) {
+    if (count_ == 0 && notes_.Empty()) return;
+    RecordDeliveryRun(wb_, projectFolder_, notes_.Take(left));
 }
 
 void SendRun::ReportErrors() {

@@ -35,6 +35,7 @@ void SendRun::FinishInterruptedRun() {
     accepted->insert(memory_.unrecorded.begin(), memory_.unrecorded.end());
     if (accepted->empty()) return;
     const BusyPointer pointer(wb_);
+    notes_.NoteAccepted(*database_, *accepted, memory_.reported);
     acceptedBefore_ = FinishMessages(*accepted);
     RefreshMailView();
 }

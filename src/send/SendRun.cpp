@@ -37,7 +37,8 @@ SendRun::SendRun(Workbench& wb, frmSettings& settings, SendMemory& memory)
       settings_(settings),
       memory_(memory),
       projectFolder_(wb.state.ProjectFolder),
-      outgoing_(wb, settings, smtp_) {
+      outgoing_(wb, settings, smtp_),
+      notes_(wb.platform.clock.Now()) {
     smtp_.onError = [this](int code, const std::string& description) {
         OnSmtpError(code, description);
     };
@@ -47,6 +48,7 @@ SendRun::SendRun(Workbench& wb, frmSettings& settings, SendMemory& memory)
     smtp_.onProgress = [this](std::int64_t, std::int64_t) { NoteActivity(); };
     smtp_.onIdle = [this] { Yield(); };
     outgoing_.OnDelivered = [this](const std::vector<std::string>& addresses) {
+        notes_.NotePart(addresses);
         partFailure_ = NoteDelivered(addresses);
         return partFailure_.Ok();
     };
@@ -65,7 +67,7 @@ void SendRun::SendAll() {
     wb_.state.CancelRequested = false;
     if (!Open()) return FinishSendRun();
     FinishInterruptedRun();
-    if (!PrepareSendList()) return errors_.empty() ? database_->Close() : FinishSendRun();
+    if (!PrepareSendList()) return errors_.empty() ? FinishEmptyRun() : FinishSendRun();
     if (!OpenOutbox()) {
         UnloadStatus();
         return FinishSendRun();
@@ -135,6 +137,7 @@ void SendRun::SendCurrentMessage(std::size_t row) {
     const std::string error = outgoing_.BuildOutgoingMessage(record);
     sending_ = false;
     NoteRefusedRecipients();
+    NoteOutcome(record, error);
     RecordSendResult(id, error, row);
     if (partFailure_.Failed()) storeFailure_ = partFailure_;
 }
@@ -142,6 +145,7 @@ void SendRun::SendCurrentMessage(std::size_t row) {
 void SendRun::RecordSendResult(std::int32_t id, const std::string& error, std::size_t row) {
     if (error.empty()) {
         sent_[id] = attempt_;
+        memory_.reported.insert(id);
         StepOn([&] { return SentLedger::Record(*ledger_, id, attempt_); }, true);
         if (storeFailure_.Failed()) memory_.unrecorded[id] = attempt_;
         status_->SetMessageStatus(row, Success);
@@ -190,6 +194,16 @@ void SendRun::NoteRefusedRecipients() {
         AddError(ErrorBlock(refused.answer, "", refused.address, current_.subject,
                             wb_.platform.clock.Now().ShortDate()));
     }
+}
+
+/// For the delivery report. When nobody has taken the message its recipients may still have got
+/// answers of their own.
+void SendRun::NoteOutcome(const MessageRecord& record, const std::string& error) {
+    std::vector<RefusedRecipient> refusals = outgoing_.RefusedRecipients();
+    if (!error.empty())
+        refusals.insert(refusals.end(), smtp_.RefusedRecipients().begin(),
+                        smtp_.RefusedRecipients().end());
+    notes_.NoteMessage(record, outgoing_.DeliveredBefore, refusals, error);
 }
 
 /// The date of a message is the time of the attempt to send it.

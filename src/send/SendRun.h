@@ -7,6 +7,7 @@
 
 #include "core/frmSettings.h"
 #include "platform/net/SmtpClient.h"
+#include "send/DeliveryNotes.h"
 #include "send/OutgoingMessage.h"
 #include "send/SessionLog.h"
 #include "send/frmStatusEmail.h"
@@ -20,6 +21,7 @@ struct SendMemory {
     bool dialPromptShown = false;              ///< the warning of a missing line has been shown
     AcceptedMessages unrecorded;               ///< accepted messages that the store could not note
     DeliveredRecipients unrecordedRecipients;  ///< the same for parts of messages
+    std::set<std::int32_t> reported;  ///< accepted messages of the Outbox that a report counts
 };
 
 /// One send run: takes every row of the Outbox, in table order, through BuildOutgoingMessage,
@@ -57,6 +59,7 @@ private:
     void RecordSendResult(std::int32_t id, const std::string& error, std::size_t row);
     DaoError NoteDelivered(const std::vector<std::string>& addresses);
     void NoteRefusedRecipients();
+    void NoteOutcome(const MessageRecord& record, const std::string& error);
     DaoError MarkFailed();
     void StepOn(const std::function<DaoError()>& noteResult, bool durable);
     void TakeUp();
@@ -68,7 +71,9 @@ private:
     AcceptedMessages FinishMessages(const AcceptedMessages& accepted);
     void DeleteUndeliverables();
     void HangUp();
+    void FinishEmptyRun();
     void FinishSendRun();
+    void ReportDelivery(std::int64_t left);
     void ReportErrors();
     void RefreshMailView();
 
@@ -100,6 +105,7 @@ private:
     SmtpClient smtp_;
     OutgoingMessage outgoing_;
     SessionLog log_;
+    DeliveryNotes notes_;
     std::shared_ptr<Database> database_;
     std::shared_ptr<Recordset> outbox_;
     std::shared_ptr<Recordset> ledger_;

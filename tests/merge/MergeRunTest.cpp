@@ -3,6 +3,7 @@
 #include "merge/MergeBench.h"
 #include "merge/MergeRun.h"
 #include "merge/frmMSGOutbox.h"
+#include "send/DeliveryReport.h"
 #include "support/FullDisk.h"
 
 namespace mailvane::test {
@@ -61,6 +62,8 @@ TEST_F(MergeRunTest, NarrowsTheRecipients) {
         {"dates", nullptr, nullptr, nullptr, 2, 3, {"b", "d"}},
         {"dates within a maximum", "4", nullptr, nullptr, 2, 4, {"b", "d"}},
         {"rows of the dates", nullptr, "2", "3", 1, 4, {"b", "d"}},
+        {"rows within a maximum", "3", "2", "3", 0, 0, {"b", "c"}},
+        {"rows of the dates within a maximum", "4", "3", "3", 1, 4, {"d"}},
     };
     Message();
     for (const Row& row : rows) {
@@ -181,14 +184,42 @@ TEST_F(MergeRunTest, BulkPackets) {
     }
 }
 
-TEST_F(MergeRunTest, BulkRowsShorterThanAPacketMakeNoMessage) {
+TEST_F(MergeRunTest, BulkPacketsOfNarrowedRows) {
+    struct Row {
+        const char* name;
+        const char* packet;
+        const char* maximum;  ///< null: not chosen
+        const char* first;    ///< null: not chosen
+        const char* last;
+        Texts blindCopies;
+    };
+    const Row rows[] = {
+        {"rows shorter than a packet", "19", nullptr, "5", "10", {}},
+        {"rows with a rest", " 2 ", nullptr, "5", "9", {"a5@x, a6@x", "a5@x, a6@xa7@x, a8@x"}},
+        {"a maximum below a packet", "19", "3", nullptr, nullptr, {Packets(3, 3)}},
+        {"rows of a maximum below a packet", "19", "3", "2", "3", {}},
+    };
     MakeRecipients(30);
+    Message();
+    for (const Row& row : rows) {
+        frmMerge& dialog = Dialog();
+        UseBulk(dialog, row.packet);
+        if (row.maximum) dialog.txtMax.SetText(row.maximum);
+        dialog.chkMax.SetChecked(row.maximum != nullptr);
+        if (row.first) UseRows(dialog, row.first, row.last);
+        dialog.cmdStart.Press();
+        EXPECT_EQ(BlindCopies(), row.blindCopies) << row.name;
+        EmptyOutbox();
+    }
+}
+
+TEST_F(MergeRunTest, ANullAddressJoinsAPacketAsNothing) {
+    MakeTable("People", {{.name = "Email"}}, {{"a@x"}, {Cell()}, {"b@x"}});
     Message();
     frmMerge& dialog = Dialog();
     UseBulk(dialog, "19");
-    UseRows(dialog, "5", "10");
     dialog.cmdStart.Press();
-    EXPECT_TRUE(Outbox().empty());
+    EXPECT_EQ(BlindCopies(), Texts{"a@x, , b@x"});
 }
 
 TEST_F(MergeRunTest, AnInvalidPacketSizeBecomes19OrEndsTheRun) {
@@ -216,7 +247,7 @@ TEST_F(MergeRunTest, CancelKeepsOrDeletesTheMessages) {
     };
     const Row rows[] = {
         {"personal", true, BoxAnswer::No, 3, false},
-        {"personal, deleted", true, BoxAnswer::Yes, 0, false},
+        {"personal, deleted with those before", true, BoxAnswer::Yes, 0, false},
         {"bulk", false, BoxAnswer::No, 1, true},
     };
     MakeRecipients(9);
@@ -236,9 +267,30 @@ TEST_F(MergeRunTest, CancelKeepsOrDeletesTheMessages) {
         EXPECT_EQ(Outbox().size(), row.messages) << row.name;
         EXPECT_EQ(database->UserTableNames()->size() - tables, row.mailingTable ? 1u : 0u)
             << row.name;
-        EmptyOutbox();
     }
     EXPECT_EQ(FirstColumn("People 3/15/2024 10:30:00 AM").size(), 9u);
+}
+
+TEST_F(MergeRunTest, TheDeliveryReportSaysHowManyMessagesWereMade) {
+    MakeRecipients(5);
+    Message();
+    for (const bool personal : {true, false}) {  // the messages of the run before stay
+        frmMerge& dialog = Dialog();
+        if (!personal) UseBulk(dialog, "2");
+        dialog.cmdStart.Press();
+    }
+    CancelAfter(2);
+    Prompts().QueueBox(BoxAnswer::No);
+    Dialog().cmdStart.Press();
+    std::string error;
+    std::vector<std::pair<std::string, std::int64_t>> made;
+    for (const DeliveryRun& run :
+         ReadDeliveryRuns(DeliveryReportPath(wb, wb.state.ProjectFolder), error)) {
+        EXPECT_EQ(run.kind, DeliveryRun::Kind::Merge);
+        made.emplace_back(run.table, run.generated);
+    }
+    EXPECT_EQ(made, (std::vector<std::pair<std::string, std::int64_t>>{
+                        {"People", 5}, {"People", 2}, {"People", 3}}));
 }
 
 TEST_F(MergeRunTest, FullDiskStopsTheRunWithOneBox) {
@@ -304,8 +356,15 @@ TEST_F(MergeRunTest, MailingTable) {
          "3",
          "A table whose name has exactly 40 letters 3/15/2024 10:30:",
          {"a3@x"}},
+        {"a letter that the end would cut",
+         "xüüüüüüüüüüüüüüüüüüüüüüüüüüüüü",
+         "1",
+         "1",
+         "xüüüüüüüüüüüüüüüüüüüüüüüüüüüü",
+         {"a1@x"}},
     };
     MakeRecipients(3, "List");
+    MakeRecipients(3, "xüüüüüüüüüüüüüüüüüüüüüüüüüüüüü");
     MakeRecipients(3, "A table whose name has exactly 40 letters");
     for (const Row& row : rows) {
         Message().cmbTable.SetText(row.table);
@@ -336,6 +395,12 @@ TEST_F(MergeRunTest, RowsBeyondTheEndAskEachTime) {
     Prompts().QueueBox(BoxAnswer::Yes, question);
     wb.forms.Find<frmMerge>()->cmdStart.Press();
     EXPECT_EQ(Outbox().size(), 4u);
+    EmptyOutbox();
+
+    UseRows(Dialog(), "9", "9");
+    Prompts().QueueBox(BoxAnswer::Yes, question);
+    wb.forms.Find<frmMerge>()->cmdStart.Press();
+    EXPECT_EQ(Recipients(Outbox()), Texts{""});
     EXPECT_FALSE(Prompts().Failure());
 }
 

@@ -136,6 +136,7 @@ std::vector<CommandTable::Row> CommandTable::Rows() {
         Shows("Connection Wizard", "frmConnectionWizard"),
         Shows("Dial", "frmDial"),
         Asks("Internal Mail Server", "frmMailServer", "cmdCancel"),
+        Shows("Delivery Report", "frmDeliveryReport"),
         Shows("Welcome", "frmWelcome"),
         Shows("Execute Program", "frmTagProgram"),
         Shows("Execute CGI", "frmTagCGI"),

@@ -15,6 +15,7 @@
 #include "merge/frmTagCGI.h"
 #include "merge/frmTagProgram.h"
 #include "merge/frmViewMerge.h"
+#include "send/frmDeliveryReport.h"
 #include "send/frmMailServer.h"
 #include "store/frmViewEmail.h"
 
@@ -114,6 +115,8 @@ bool frmMain::RunMailCommand(const std::string& name) {
         Timer1.Start();
     else if (name == "Dial")
         wb_.forms.Get<frmDial>().Show();
+    else if (name == "Delivery Report")
+        ShowDeliveryReport(wb_);
     else if (name == "Error Log File") {
         const std::string log = wb_.state.ProjectFolder + "/errorlog.txt";
         if (FileExists(log)) OpenDocument(wb_, log);
