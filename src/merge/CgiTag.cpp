@@ -2,7 +2,6 @@
 
 #include "core/Paths.h"
 #include "core/Text.h"
-#include "merge/ExecuteTag.h"
 #include "platform/net/HttpRequest.h"
 
 namespace mailvane {
@@ -18,9 +17,9 @@ HttpMethod MethodOf(const std::string& name) {
 
 }  // namespace
 
-CgiTagRecord LoadCgiTag(const Workbench& wb, const std::string& number) {
+CgiTagRecord LoadCgiTag(const Workbench& wb, const std::string& number, MissingTagFile missing) {
     CgiTagRecord tag;
-    LoadTagFile(wb, CgiTagKind, number, [&tag](RecordReader& reader) {
+    LoadTagFile(wb, CgiTagKind, number, missing, [&tag](RecordReader& reader) {
         tag.TagNumber = reader.Long();
         tag.TagListIndex = reader.Long();
         tag.ScriptUrl = reader.Text();
@@ -61,7 +60,7 @@ std::string CgiTag::FindCgiTag(const Workbench& wb, const MessageRecord& record)
     auto number = FirstTagNumber(record.Body, CgiTagKind);
     if (!number) number = FirstTagNumber(record.HTMLCode, CgiTagKind);
     if (!number) return NoExecuteTag;
-    record_ = LoadCgiTag(wb, *number);
+    record_ = LoadCgiTag(wb, *number, MissingFile);
     return *number;
 }
 

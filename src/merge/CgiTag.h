@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/Workbench.h"
+#include "merge/ExecuteTag.h"
 #include "merge/TagList.h"
 #include "store/MessageRecord.h"
 
@@ -27,7 +28,8 @@ struct CgiTagRecord {
 };
 
 /// An empty record for a number without a file.
-CgiTagRecord LoadCgiTag(const Workbench& wb, const std::string& number);
+CgiTagRecord LoadCgiTag(const Workbench& wb, const std::string& number,
+                        MissingTagFile missing = MissingTagFile::Make);
 bool SaveCgiTag(const Workbench& wb, const CgiTagRecord& tag);
 /// "3. execute count.pl CGI script and include results."
 std::string CgiTagEntry(const CgiTagRecord& tag);
@@ -45,6 +47,8 @@ public:
     /// `keepWaiting`, which is called all the time, says no. A script that does not answer is
     /// passed over.
     void Call(Workbench& wb, const std::function<bool()>& keepWaiting) const;
+
+    MissingTagFile MissingFile = MissingTagFile::Make;  ///< of the records that are looked for
 
 private:
     CgiTagRecord record_;

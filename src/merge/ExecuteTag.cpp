@@ -73,13 +73,14 @@ std::string TagListFile(const Workbench& wb, const ExecuteTagKind& kind) {
 }
 
 void LoadTagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number,
-                 const std::function<void(RecordReader&)>& read) {
+                 MissingTagFile missing, const std::function<void(RecordReader&)>& read) {
     if (!NamesAFile(number)) {
         RecordReader nothing{std::string()};
         return read(nothing);
     }
     const std::string path = TagFile(wb, kind, number);
     LoadRecordFile(path, read);
+    if (missing == MissingTagFile::Leave) return;
     if (FileExists(TagFolder(wb, kind), true) && !FileExists(path)) WriteFileText(path, "");
 }
 

@@ -41,10 +41,13 @@ std::int32_t NextTagNumber(const std::vector<std::string>& entries);
 
 /// Where the entries of a list are kept; "" while the project has no folder.
 std::string TagListFile(const Workbench& wb, const ExecuteTagKind& kind);
-/// Reads the record of a number; a missing file leaves an empty one behind and reads as empty. A
-/// number with a path in it names no file.
+/// What reading a record does where its file is missing.
+enum class MissingTagFile { Make, Leave };
+
+/// Reads the record of a number; a missing file reads as empty, and an empty one is made when that
+/// is wanted. A number with a path in it names no file.
 void LoadTagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number,
-                 const std::function<void(RecordReader&)>& read);
+                 MissingTagFile missing, const std::function<void(RecordReader&)>& read);
 /// Makes the folder when it is missing. False when the file could not be written.
 bool SaveTagFile(const Workbench& wb, const ExecuteTagKind& kind, std::int32_t number,
                  const std::function<void(RecordWriter&)>& write);

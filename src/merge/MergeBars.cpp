@@ -15,8 +15,12 @@ constexpr ToolRow MergeTools[] = {
     {"Send Later", "Send &Later...", "Make the messages and leave them in the Outbox", "mail-queue",
      ""},
     {"Test", "T&est...", "Send the message to yourself first", "mail-forward", "Alt+E"},
+    {"Preview", "Previe&w...", "Look at the finished messages before anything is sent",
+     "view-preview", ""},
     {"Check", "Chec&k...", "Look for what would go wrong before anything is sent",
      "document-preview", ""},
+    {"Delivery Report", "Deli&very Report...", "See what became of the last runs",
+     "view-statistics", ""},
     {"Refresh", "&Refresh", "Read the table again", "view-refresh", "Alt+R"},
     {"Close", "&Close", "Close this window", "window-close", ""},
     {"Cut", "Cu&t", "Move the selected text to the clipboard", "edit-cut"},
@@ -77,12 +81,14 @@ void AddMergeTools(ActiveBar& bar) {
 
 void BuildMergeBars(ActiveBar& bar) {
     AddMergeTools(bar);
-    bar.AddBand({Band::Kind::Menu,
-                 "File",
-                 "&File",
-                 {"New", "Open", "Save", "-", "Send Message", "Send Later", "Test", "Check", "-",
-                  "Refresh", "-", "RecentFile1", "RecentFile2", "RecentFile3", "RecentFile4",
-                  "RecentFile5", "-", "Close"}});
+    bar.AddBand(
+        {Band::Kind::Menu,
+         "File",
+         "&File",
+         {"New",         "Open", "Save",        "-",           "Send Message",    "Send Later",
+          "Test",        "-",    "Preview",     "Check",       "Delivery Report", "-",
+          "Refresh",     "-",    "RecentFile1", "RecentFile2", "RecentFile3",     "RecentFile4",
+          "RecentFile5", "-",    "Close"}});
     bar.AddBand({Band::Kind::Menu,
                  "Edit",
                  "Ed&it",
@@ -97,6 +103,8 @@ void BuildMergeBars(ActiveBar& bar) {
          "Format",
          "Form&at",
          {"miBold", "miItalic", "miUnderline", "-", "miFont", std::string(">") + FontSizeBand}});
+    bar.AddBand({Band::Kind::Popup, AttachmentBand, "", {"attAdd", "attDelete"}});
+    bar.AddBand({Band::Kind::Popup, HtmlFileBand, "", {"attAddHTML", "attDeleteHTML"}});
     bar.AddBand({Band::Kind::Menu, "Priority", "&Priority", {"High", "Normal", "Low"}});
     bar.AddBand({Band::Kind::ToolBar,
                  "Message",
@@ -108,6 +116,7 @@ void BuildMergeBars(ActiveBar& bar) {
                   "Send Message",
                   "Send Later",
                   "Test",
+                  "Preview",
                   "Check",
                   "-",
                   "File Attachment",

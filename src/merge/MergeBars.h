@@ -4,6 +4,10 @@
 
 namespace mailvane {
 
+// The menus of a right click on the lists of files.
+inline constexpr const char* AttachmentBand = "Attachment";
+inline constexpr const char* HtmlFileBand = "HTML File";
+
 /// Gives the merge view's bar its tools, menus and tool bars.
 void BuildMergeBars(ActiveBar& bar);
 

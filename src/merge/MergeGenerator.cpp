@@ -68,6 +68,10 @@ void MergeGenerator::BuildMessage() {
     record_.Priority = message_.PriorityValue();
 }
 
+void MergeGenerator::WriteNothing() {
+    program_.MissingFile = script_.MissingFile = MissingTagFile::Leave;
+}
+
 void MergeGenerator::RunTags() {
     const auto keepWaiting = [this] {
         YieldBriefly(wb_);

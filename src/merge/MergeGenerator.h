@@ -41,6 +41,11 @@ public:
     void RunTags();
     DaoError StoreMessage();
 
+    /// The message built last, with its tags run or not.
+    const MessageRecord& Message() const { return record_; }
+    /// From now on building leaves the disk as it is.
+    void WriteNothing();
+
     std::string PacketText;  ///< bulk: the addresses of the blind copy
     /// Called while a program or script is waited for; false ends the wait.
     std::function<bool()> KeepWaiting;

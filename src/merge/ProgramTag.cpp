@@ -6,7 +6,6 @@
 #include "core/Paths.h"
 #include "core/Running.h"
 #include "core/Text.h"
-#include "merge/ExecuteTag.h"
 
 namespace mailvane {
 
@@ -25,9 +24,10 @@ void Pause(Workbench& wb, std::int32_t seconds, const std::function<bool()>& kee
 
 }  // namespace
 
-ProgramTagRecord LoadProgramTag(const Workbench& wb, const std::string& number) {
+ProgramTagRecord LoadProgramTag(const Workbench& wb, const std::string& number,
+                                MissingTagFile missing) {
     ProgramTagRecord tag;
-    LoadTagFile(wb, ProgramTagKind, number, [&tag](RecordReader& reader) {
+    LoadTagFile(wb, ProgramTagKind, number, missing, [&tag](RecordReader& reader) {
         tag.TagNumber = reader.Long();
         tag.TagListIndex = reader.Long();
         tag.ProgramPath = reader.Text();
@@ -73,7 +73,7 @@ bool ProgramTag::Take(const Workbench& wb, std::string& text, std::string& numbe
     const auto found = FirstTagNumber(text, ProgramTagKind);
     if (!found) return false;
     number = *found;
-    record_ = LoadProgramTag(wb, number);
+    record_ = LoadProgramTag(wb, number, MissingFile);
     arguments_.reset();
     if (FileExists(record_.ProgramPath)) return true;
     text = ReplaceText(text, ExecuteTagText(ProgramTagKind, number), "");

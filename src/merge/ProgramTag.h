@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/Workbench.h"
+#include "merge/ExecuteTag.h"
 #include "merge/TagList.h"
 #include "store/MessageRecord.h"
 
@@ -29,7 +30,8 @@ struct ProgramTagRecord {
 };
 
 /// An empty record for a number without a file.
-ProgramTagRecord LoadProgramTag(const Workbench& wb, const std::string& number);
+ProgramTagRecord LoadProgramTag(const Workbench& wb, const std::string& number,
+                                MissingTagFile missing = MissingTagFile::Make);
 bool SaveProgramTag(const Workbench& wb, const ProgramTagRecord& tag);
 /// "3. execute lookup.sh and include results."
 std::string ProgramTagEntry(const ProgramTagRecord& tag);
@@ -46,6 +48,8 @@ public:
     /// Starts the program, and waits as its record says, or until `keepWaiting`, which is called
     /// all the time, says no; it runs on then. A program that cannot be started is passed over.
     void Run(Workbench& wb, const std::function<bool()>& keepWaiting) const;
+
+    MissingTagFile MissingFile = MissingTagFile::Make;  ///< of the records that are looked for
 
 private:
     bool Take(const Workbench& wb, std::string& text, std::string& number);

@@ -12,6 +12,7 @@
 #include "database/frmViewDatabase.h"
 #include "merge/MergeRun.h"
 #include "merge/frmMergeCheck.h"
+#include "merge/frmMergePreview.h"
 #include "merge/frmViewMerge.h"
 #include "send/frmMailServer.h"
 
@@ -189,6 +190,19 @@ void frmMerge::Check() {
     MergeParts parts = PartsOf(wb_.forms.Get<frmViewMerge>());
     if (optBulk.IsSet()) parts.addressColumn = cmbEmail.Text();
     ShowMergeCheck(wb_, parts, NarrowedRows());
+}
+
+/// A packet size that the run would ask about counts as the usual one.
+void frmMerge::Preview() {
+    MergePlan plan;
+    plan.rows = NarrowedRows();
+    plan.addressing = {optPersonal.IsSet(), wb_.forms.Get<frmViewMerge>().txtTo.Text(),
+                       txtTo.Text()};
+    plan.bulkColumn = cmbEmail.Text();
+    const std::string size = Trim(txtPacket.Text());
+    const bool makesSense = IsNumeric(size) && NumberOf(size) >= 1;
+    plan.packetSize = NumberOf(makesSense ? size : UsualPacketSize);
+    ShowMergePreview(wb_, std::move(plan));
 }
 
 void frmMerge::Start() {

@@ -14,11 +14,13 @@ class frmMerge final : public WorkbenchForm {
 public:
     explicit frmMerge(Workbench& wb);
 
+    static constexpr const char* UsualPacketSize = "19";  ///< addresses in a bulk message
+
     Label Label1{*this, "Label1"};
     Label Label2{*this, "Label2"};
     OptionButton optPersonal{*this, "optPersonal", true};
     OptionButton optBulk{*this, "optBulk"};
-    TextBox txtPacket{*this, "txtPacket", "19"};
+    TextBox txtPacket{*this, "txtPacket", UsualPacketSize};
     TextBox txtTo{*this, "txtTo", "recipients@example.com"};
     ComboBox cmbEmail{*this, "cmbEmail"};
     CheckBox chkCreate{*this, "chkCreate"};
@@ -42,6 +44,7 @@ public:
     Button cmdText{*this, "cmdText"};
     Button cmdClean{*this, "cmdClean"};
     Button cmdStart{*this, "cmdStart"};
+    Button cmdPreview{*this, "cmdPreview", [this] { Preview(); }};
     Button cmdCheck{*this, "cmdCheck", [this] { Check(); }};
     Button cmdCancel{*this, "cmdCancel"};
     Button SSCommand2{*this, "SSCommand2"};
@@ -73,6 +76,7 @@ private:
     void CheckRowNumber(TextBox& field);
     void Start();
     void Check();
+    void Preview();
     MergeRows NarrowedRows() const;
     void Cancel();
     bool running_ = false;

@@ -81,15 +81,19 @@ void ShowMergeCheck(Workbench& wb, const MergeParts& parts, const MergeRows& row
     if (form.IsLoaded()) ShowModalDialog(wb, form);
 }
 
-void CheckWholeTable(Workbench& wb) {
+MergeRows WholeTable(Workbench& wb) {
     const auto& message = wb.forms.Get<frmViewMerge>();
-    if (!message.Data1.Database()) return;
     MergeRows rows;
+    if (!message.Data1.Database()) return rows;
     rows.recipients =
         message.Data1.Database()->OpenRecordset(message.CurrentMergeTable()).ValueOr({});
-    if (!rows.recipients) return;
-    rows.count = static_cast<std::size_t>(rows.recipients->RecordCount());
-    ShowMergeCheck(wb, PartsOf(message), rows);
+    if (rows.recipients) rows.count = static_cast<std::size_t>(rows.recipients->RecordCount());
+    return rows;
+}
+
+void CheckWholeTable(Workbench& wb) {
+    const MergeRows rows = WholeTable(wb);
+    if (rows.recipients) ShowMergeCheck(wb, PartsOf(wb.forms.Get<frmViewMerge>()), rows);
 }
 
 }  // namespace mailvane

@@ -36,6 +36,9 @@ MergeParts PartsOf(const frmViewMerge& message);
 /// Checks the message for those rows, in a form of its own.
 void ShowMergeCheck(Workbench& wb, const MergeParts& parts, const MergeRows& rows);
 
+/// All rows of the table that the message is written for; without recipients when there is none.
+MergeRows WholeTable(Workbench& wb);
+
 /// The same for all rows of the table that the message is written for.
 void CheckWholeTable(Workbench& wb);
 

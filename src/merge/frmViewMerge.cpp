@@ -56,6 +56,8 @@ void frmViewMerge::WireLists() {
     };
     for (ListBox* list : {&lstAttach, &lstHTML})
         list->onDropText = [list](const std::string& text) { list->SetItems({text}); };
+    lstAttach.onContextMenu = [this] { Windows().PopupMenu(*this, AttachmentBand); };
+    lstHTML.onContextMenu = [this] { Windows().PopupMenu(*this, HtmlFileBand); };
 }
 
 void frmViewMerge::OnLoad() {

@@ -5,7 +5,9 @@
 #include "merge/InsertTag.h"
 #include "merge/MergeDocument.h"
 #include "merge/frmMergeCheck.h"
+#include "merge/frmMergePreview.h"
 #include "merge/frmViewMerge.h"
+#include "send/frmDeliveryReport.h"
 
 namespace mailvane {
 
@@ -30,6 +32,10 @@ void frmViewMerge::RunCommand(const std::string& toolName) {
         TestMergeMessage();
     else if (toolName == "Check")
         CheckWholeTable(wb_);
+    else if (toolName == "Preview")
+        PreviewWholeTable(wb_);
+    else if (toolName == "Delivery Report")
+        ShowDeliveryReport(wb_);
     else if (toolName == "Refresh")
         cmdRefresh.Press();
     else if (toolName == "High" || toolName == "Normal" || toolName == "Low")

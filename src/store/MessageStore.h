@@ -30,6 +30,9 @@ void AddMissingColumn(Workbench& wb, const std::string& name, FieldType type,
 /// The same for the index of the keys.
 void AddMissingIndex(Workbench& wb);
 
+/// What every message gets once, on its way into the Outbox: signature and wrap of the project.
+void FinishForSending(const Workbench& wb, MessageRecord& record);
+
 /// The only writer of new rows. Deletes the old row first when asked to, then stores `record` in
 /// `folder` (nothing when that is blank), with signature and wrap on the way into Outbox; with
 /// `undoLast` removes the newest row of `folder` if it is this message. Failures pass in silence.

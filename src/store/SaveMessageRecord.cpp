@@ -14,17 +14,6 @@ void AddSignature(const frmSettings& settings, std::string& body) {
     if (!fromFile) body += settings.txtSignature.Text();
 }
 
-/// What every message gets once, on its way into the Outbox.
-void FinishForSending(const Workbench& wb, MessageRecord& record) {
-    record.Status = "Read";
-    const frmSettings* settings = wb.forms.Find<frmSettings>();
-    if (!settings) return;
-    if (settings->chkAddSignature.Checked()) AddSignature(*settings, record.Body);
-    if (settings->chkWrap.Checked())
-        record.Body =
-            WrapText(std::move(record.Body), static_cast<int>(NumberOf(settings->txtWrap.Text())));
-}
-
 void DeleteRow(Database& store, const std::string& folder, std::int32_t id) {
     // A row that has gone already, or a folder that has, is no hindrance to the new one.
     static_cast<void>(
@@ -65,6 +54,16 @@ DaoError AddRow(Recordset& folder, const MessageRecord& record) {
 }
 
 }  // namespace
+
+void FinishForSending(const Workbench& wb, MessageRecord& record) {
+    record.Status = "Read";
+    const frmSettings* settings = wb.forms.Find<frmSettings>();
+    if (!settings) return;
+    if (settings->chkAddSignature.Checked()) AddSignature(*settings, record.Body);
+    if (settings->chkWrap.Checked())
+        record.Body =
+            WrapText(std::move(record.Body), static_cast<int>(NumberOf(settings->txtWrap.Text())));
+}
 
 DaoError TrySaveMessageRecord(Workbench& wb, MessageRecord& record, const std::string& oldFolder,
                               const std::string& folder, bool deleteOld, std::int32_t oldId,

@@ -1,3 +1,4 @@
+#include "core/Progress.h"
 #include "merge/MergeBench.h"
 #include "merge/MergeGenerator.h"
 
@@ -7,17 +8,20 @@ namespace {
 using testing::Test;
 
 struct MergeGeneratorTest : Test, MergeBench {
-    /// One row: First Name "Ann", Email, Note, Joined; and a second one of Nulls but for Note.
+    /// One row: First Name "Ann", Email, Note, Joined ...; and a second one of Nulls but for Note
+    /// and Member.
     MergeGeneratorTest() {
-        MakeTable(
-            "People",
-            {{.name = "First Name"},
-             {.name = "Email"},
-             {.name = "Note", .type = FieldType::Memo},
-             {.name = "Joined", .type = FieldType::Date},
-             {.name = "Member", .type = FieldType::Boolean}},
-            {{"Ann", "ann@x", "[First Name][Joined]\r\n[!SYSDATE]", "2024-02-29 00:00:00", "1"},
-             {std::nullopt, std::nullopt, "second", std::nullopt, "0"}});
+        MakeTable("People",
+                  {{.name = "First Name"},
+                   {.name = "Email"},
+                   {.name = "Note", .type = FieldType::Memo},
+                   {.name = "Joined", .type = FieldType::Date},
+                   {.name = "Member", .type = FieldType::Boolean},
+                   {.name = "Visits", .type = FieldType::Long},
+                   {.name = "Paid", .type = FieldType::Double}},
+                  {{"Ann", "ann@x", "[First Name][Joined]\r\n[!SYSDATE]", "2024-02-29 00:00:00",
+                    "1", "-12", "1234567.5"},
+                   {std::nullopt, std::nullopt, "second", std::nullopt, "0"}});
     }
 
     std::vector<MessageRecord> Run(bool personal = true) {
@@ -45,6 +49,8 @@ TEST_F(MergeGeneratorTest, FillsInTags) {
         {"no column", "[Nickname]", "[Nickname]", "[Nickname]", "[Nickname]", "[Nickname]"},
         {"the default text of a date and a truth value", "[Joined] [Member]", "2/29/2024 True",
          "2/29/2024 True", " False", " "},
+        {"the default text of numbers", "[Visits] [Paid]", "-12 1234567.5", "-12 1234567.5", " ",
+         " "},
         {"an earlier tag in a value goes, a later one is filled in, a system tag too", "[Note]",
          "2/29/2024\r\n3/15/2024", "2/29/2024\r\n[!SYSDATE]", "second", ""},
         {"time and date", "[!systime] [!SYSDATE]", "10:30:00 AM 3/15/2024", "[!systime] [!SYSDATE]",
@@ -77,9 +83,17 @@ TEST_F(MergeGeneratorTest, FillsInTags) {
     }
 }
 
-TEST_F(MergeGeneratorTest, SubjectHasProgramTagsAsTheyStand) {
-    Message("x", "##Execute Program 1## [!SYSDATE] [Email]");
-    EXPECT_EQ(Run()[0].Subject, "##Execute Program 1## 3/15/2024 ann@x");
+TEST_F(MergeGeneratorTest, SystemTagsStandInEveryTextButTheSender) {
+    const std::string tags = "[!systime] [!SYSDATE] [!SysIP] [!SYSRESOURCES]";
+    const std::string values = "10:30:00 AM 3/15/2024 " + GetLocalIpAddress() + " ";
+    frmViewMerge& view = Message(tags, "##Execute Program 1##" + tags, tags);
+    view.lstHTML.SetItems({folder.File("page.html")});
+    folder.Write("page.html", tags);
+    const auto messages = Run();
+    EXPECT_EQ(messages[0].Body, values);
+    EXPECT_EQ(messages[0].Subject, "##Execute Program 1##" + values);
+    EXPECT_EQ(messages[0].HTMLCode, values);
+    EXPECT_EQ(messages[0].From, tags);
 }
 
 TEST_F(MergeGeneratorTest, FillsInTheOtherFields) {
@@ -124,6 +138,21 @@ TEST_F(MergeGeneratorTest, FilesOfARow) {
     EXPECT_EQ(messages[1].HTMLCode, messages[0].HTMLCode);
     EXPECT_EQ(messages[1].ContentType, "text");
     EXPECT_EQ(messages[1].Attach, "");
+}
+
+/// Files that are named like the tag are found by a row that has no value for it. The tag then goes
+/// out of the attachment's path, and stays in the page's.
+TEST_F(MergeGeneratorTest, FilesWithTheNameOfATag) {
+    frmViewMerge& view = Message();
+    for (const char* name : {"[First Name].html", "[First Name].pdf"})
+        folder.Write(name, "[Note]");
+    view.lstHTML.SetItems({folder.File("[First Name].html")});
+    view.lstAttach.SetItems({folder.File("[First Name].pdf")});
+    const auto messages = Run();
+    EXPECT_EQ(messages[0].ContentType + messages[0].HTML + messages[0].Attach, "text");
+    EXPECT_EQ(messages[1].HTML, folder.File("[First Name].html"));
+    EXPECT_EQ(messages[1].HTMLCode, "second");
+    EXPECT_EQ(messages[1].Attach, folder.File(".pdf"));
 }
 
 TEST_F(MergeGeneratorTest, BulkTakesFilesAsTheyStand) {

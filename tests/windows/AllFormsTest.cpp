@@ -41,6 +41,7 @@
 #include "merge/frmMSGOutbox.h"
 #include "merge/frmMerge.h"
 #include "merge/frmMergeCheck.h"
+#include "merge/frmMergePreview.h"
 #include "merge/frmSpelling.h"
 #include "merge/frmTagCGI.h"
 #include "merge/frmTagCGIAdd.h"
@@ -53,6 +54,7 @@
 #include "platform/qt/Screenshots.h"
 #include "platform/tables/FormatGuess.h"
 #include "send/SendService.h"
+#include "send/frmDeliveryReport.h"
 #include "send/frmMSGSndRecvError.h"
 #include "send/frmMailServer.h"
 #include "send/frmSMTPAuthentication.h"
@@ -121,12 +123,14 @@ protected:
                 &wb.forms.Get<frmMerge>(),
                 &wb.forms.Get<frmMSGOutbox>(),
                 &wb.forms.Get<frmMergeCheck>(),
+                &wb.forms.Get<frmMergePreview>(),
                 &wb.forms.Get<frmSpelling>(),
                 &wb.forms.Get<frmTagProgram>(),
                 &wb.forms.Get<frmTagProgramAdd>(),
                 &wb.forms.Get<frmTagCGI>(),
                 &wb.forms.Get<frmTagCGIAdd>(),
                 &wb.forms.Get<frmStatusEmail>(),
+                &wb.forms.Get<frmDeliveryReport>(),
                 &wb.forms.Get<frmMSGSndRecvError>(),
                 &wb.forms.Get<frmViewEmail>(),
                 &wb.forms.Get<frmOptions>(),
@@ -202,8 +206,57 @@ protected:
         view.cmdRefresh.Press();
     }
 
+    /// An HTML message with what a preview must not load, and its source.
+    void PhotographPreview(const std::string& ending) {
+        auto& message = wb.forms.Get<frmViewMerge>();
+        message.lstHTML.SetItems({folder.Write(
+            "news.html",
+            "<h1>News for [First Name]</h1><script>alert(1)</script><p>From <b>[City]</b>: "
+            "<a href=\"http://example.com/\">read on</a></p><img src=\"http://example.com/a.png\">"
+            "<img src=\"/usr/share/icons/hicolor/48x48/apps/a.png\"><table border=\"1\"><tr><td>"
+            "Customer</td><td>[Customer]</td></tr></table>")});
+        MergePlan plan;
+        plan.rows = WholeTable(wb);
+        plan.addressing = {true, "Email", ""};
+        auto& preview = wb.forms.Get<frmMergePreview>();
+        preview.Preview(plan);
+        preview.cmdNext.Press();
+        preview.txtFind.SetText("nobody");
+        preview.cmdFind.Press();
+        Photograph(preview, "frmMergePreview1" + ending);
+        preview.tabMessage.SetCurrent(2);
+        Photograph(preview, "frmMergePreview2" + ending);
+        message.lstHTML.Clear();
+    }
+
+    /// More domains than the chart has bars for, with long names.
+    void PhotographReport(const std::string& ending) {
+        DeliveryRun merge{.began = clock.Now(), .kind = DeliveryRun::Kind::Merge};
+        merge.table = "Recipients";
+        merge.generated = 1530;
+        RecordDeliveryRun(wb, wb.state.ProjectFolder, merge);
+        DeliveryRun send{.began = clock.Now(), .left = 12};
+        for (int i = 1; i <= 12; ++i)
+            send.domains.push_back({"customers" + std::to_string(i) + ".example", 640 / i, 13 % i});
+        send.domains.push_back({"mail.a-very-long-name-of-a-company.example.com", 210, 60});
+        for (int i = 1; i <= send.Refused(); ++i)
+            send.refused.push_back({"p" + std::to_string(i) + "@customers1.example",
+                                    "550-5.1.1 No such user here\r\n550 See the postmaster"});
+        RecordDeliveryRun(wb, wb.state.ProjectFolder, send);
+        auto& report = wb.forms.Get<frmDeliveryReport>();
+        report.Show();
+        for (const int page : {0, 1, 2}) {
+            report.Tab1.SetCurrent(page);
+            Photograph(report, "frmDeliveryReport" + std::to_string(page + 1) + ending);
+        }
+        report.Tab1.SetCurrent(0);
+        report.Hide();
+    }
+
     /// What the first photograph does not show: the other pages.
     void PhotographPages(const std::string& ending) {
+        PhotographReport(ending);
+        PhotographPreview(ending);
         PhotographTables(ending);
         PhotographDesigner(ending);
         wb.forms.Get<frmOptions>().List1.SetSelected(3, false);
