@@ -1,14 +1,18 @@
 // Messages a second that a merge run writes to the Outbox, against a bare loop over SQLite's own
-// interface that inserts the very same rows into the same table with the same journal.
+// interface that inserts the very same rows into the same table with the same journal. Then with a
+// page for a message, against one pass over that page in memory; with few columns and with many.
 // Usage: MergeBench [--rows N] [--rounds N] [--folder DIR]
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "MergeCampaign.h"
+#include "core/Paths.h"
 #include "merge/TagList.h"
 
 namespace {
@@ -17,6 +21,11 @@ using namespace mailvane;
 using namespace mailvane::bench;
 
 constexpr std::size_t BodyBytes = 2048;
+
+constexpr std::size_t PageBytes = 20 * 1024;
+constexpr int PageTags = 20;
+constexpr int FewColumns = 20;  ///< the page has a tag for each
+constexpr int ManyColumns = 80;
 
 struct CloseDatabase {
     void operator()(sqlite3* database) const { sqlite3_close(database); }
@@ -139,10 +148,79 @@ double TagRate(int count) {
     return count / seconds;
 }
 
-void Run(const Options& options) {
-    const int count = options.Number("--rows", 50000);
-    const int rounds = options.Number("--rounds", 3);
-    const ScratchFolder scratch(options.Text("--folder", BuildFolder()));
+using Values = std::unordered_map<std::string, std::string>;
+
+/// The text with its tags replaced in one pass.
+std::string FillInPlain(const std::string& text, const Values& values) {
+    std::string result;
+    std::size_t copied = 0;
+    std::size_t open = text.find('[');
+    while (open != std::string::npos) {
+        const std::size_t end = text.find(']', open);
+        if (end == std::string::npos) break;
+        if (const auto value = values.find(text.substr(open + 1, end - open - 1));
+            value != values.end()) {
+            result.append(text, copied, open - copied).append(value->second);
+            copied = end + 1;
+        }
+        open = text.find('[', end);
+    }
+    return result.append(text, copied);
+}
+
+/// Pages a second that one plain pass fills in.
+double PlainRate(const std::string& page, int count) {
+    Values values;
+    for (const auto& [name, value] : Recipient(12345, FewColumns))
+        values.emplace(name, value);
+    std::size_t bytes = 0;
+    const Stopwatch watch;
+    for (int i = 0; i < count; ++i)
+        bytes += FillInPlain(page, values).size();
+    const double seconds = watch.Seconds();
+    if (bytes == page.size() * static_cast<std::size_t>(count)) Fail("No tag was replaced.");
+    return count / seconds;
+}
+
+/// What a merge of pages to recipients with so many columns comes to.
+struct PageRates {
+    Rates built;  ///< messages that are not stored
+    Rates run;
+};
+
+void MergePages(const ScratchFolder& scratch, int columns, int count, PageRates& rates) {
+    const ScratchFolder folder(scratch.File(""));
+    MakeRecipients(folder.File("recipients.db"), count, columns);
+    MergeCampaign campaign(folder.File("program"), folder.File("recipients.db"), "Hello");
+    campaign.UsePage(scratch.File("page.html"));
+    SettleDisk();
+    rates.built.Add(count / campaign.Build(count));
+    rates.run.Add(count / campaign.Run(count));
+}
+
+void RunPages(const ScratchFolder& scratch, int count, int rounds) {
+    const std::string page = TaggedPage(PageBytes, PageTags);
+    if (!WriteFileText(scratch.File("page.html"), page)) Fail("The page cannot be written.");
+    Rates plain;
+    PageRates few;
+    PageRates many;
+    for (int round = 0; round < rounds; ++round) {
+        plain.Add(PlainRate(page, 10 * count));
+        MergePages(scratch, FewColumns, count, few);
+        MergePages(scratch, ManyColumns, count, many);
+    }
+    Report("merge_page_plain_pass", plain.Median(), "pages/s");
+    Report("merge_page_built", few.built.Median(), "messages/s", Ratio(few.built, plain));
+    Report("merge_page_run", few.run.Median(), "messages/s", Ratio(few.run, plain));
+    // Four times the columns: a quarter if the cost grew with their number, a sixteenth if it grew
+    // with its square.
+    Report("merge_page_built_many_columns", many.built.Median(), "messages/s",
+           Ratio(many.built, few.built));
+    Report("merge_page_run_many_columns", many.run.Median(), "messages/s",
+           Ratio(many.run, few.run));
+}
+
+void RunTexts(const ScratchFolder& scratch, int count, int rounds) {
     MakeRecipients(scratch.File("recipients.db"), count);
 
     Rates merge;
@@ -172,6 +250,14 @@ void Run(const Options& options) {
     Report("merge_bare_commit_100", grouped.Median(), "rows/s", Ratio(grouped, bare));
     Report("merge_bare_commit_all", whole.Median(), "rows/s", Ratio(whole, bare));
     Report("merge_tags_only", tags.Median(), "bodies/s", Ratio(tags, bare));
+}
+
+void Run(const Options& options) {
+    const int count = options.Number("--rows", 50000);
+    const int rounds = options.Number("--rounds", 3);
+    const ScratchFolder scratch(options.Text("--folder", BuildFolder()));
+    RunTexts(scratch, count, rounds);
+    RunPages(scratch, std::max(count / 10, 1), rounds);
 }
 
 }  // namespace

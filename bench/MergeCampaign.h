@@ -7,6 +7,7 @@
 
 #include "HeadlessProgram.h"
 #include "database/frmViewDatabase.h"
+#include "merge/MergeGenerator.h"
 #include "merge/frmMerge.h"
 #include "merge/frmViewMerge.h"
 #include "platform/dao/Workspace.h"
@@ -14,19 +15,27 @@
 
 namespace mailvane::bench {
 
-/// The recipients' columns with the values of the one with that number.
-inline std::vector<std::pair<std::string, std::string>> Recipient(int number) {
+constexpr int UsualColumns = 10;
+
+/// The recipients' columns with the values of the one with that number. Behind the usual ones
+/// stand "Column11", "Column12" ...
+inline std::vector<std::pair<std::string, std::string>> Recipient(int number,
+                                                                  int columns = UsualColumns) {
     const std::string digits = std::to_string(number);
-    return {{"Email", "recipient" + digits + "@example.com"},
-            {"FirstName", "Given" + digits},
-            {"LastName", "Family" + digits},
-            {"Company", "Company number " + digits},
-            {"Street", digits + " Long Street"},
-            {"City", "Springfield"},
-            {"Zip", "00123"},
-            {"Country", "Nowhere"},
-            {"Phone", "+1 555 0100 " + digits},
-            {"Code", "C" + digits}};
+    std::vector<std::pair<std::string, std::string>> row{
+        {"Email", "recipient" + digits + "@example.com"},
+        {"FirstName", "Given" + digits},
+        {"LastName", "Family" + digits},
+        {"Company", "Company number " + digits},
+        {"Street", digits + " Long Street"},
+        {"City", "Springfield"},
+        {"Zip", "00123"},
+        {"Country", "Nowhere"},
+        {"Phone", "+1 555 0100 " + digits},
+        {"Code", "C" + digits}};
+    for (int i = UsualColumns + 1; i <= columns; ++i)
+        row.emplace_back("Column" + std::to_string(i), "Value " + std::to_string(i));
+    return row;
 }
 
 /// A text of `bytes` bytes in lines of mail's usual length, with six tags in it.
@@ -40,13 +49,27 @@ inline std::string TaggedBody(std::size_t bytes) {
     return body + end;
 }
 
-inline void MakeRecipients(const std::string& path, int count) {
+/// A page of about `bytes` bytes with the tags of the first `tags` columns spread over it.
+inline std::string TaggedPage(std::size_t bytes, int tags) {
+    const std::string line = "<p>A line of a page as long as they usually are, no more.</p>\r\n";
+    std::string page = "<html><body>\r\n";
+    std::size_t end = 0;
+    for (const auto& [column, value] : Recipient(0, tags)) {
+        page += "<p>[" + column + "]</p>\r\n";
+        end += bytes / static_cast<std::size_t>(tags);
+        while (page.size() + line.size() <= end)
+            page += line;
+    }
+    return page + "</body></html>\r\n";
+}
+
+inline void MakeRecipients(const std::string& path, int count, int columns = UsualColumns) {
     const auto workspace = Workspace::Create();
     const auto database = workspace->CreateDatabase(path);
     if (database.Failed()) Fail(database.Error().description);
     TableDef table;
     table.name = "People";
-    for (const auto& [column, value] : Recipient(0))
+    for (const auto& [column, value] : Recipient(0, columns))
         table.fields.push_back({.name = column});
     DaoError outcome = (*database)->AppendTable(table);
     const auto rows = (*database)->OpenRecordset("People");
@@ -55,7 +78,7 @@ inline void MakeRecipients(const std::string& path, int count) {
         for (int i = 1; i <= count; ++i) {
             if (DaoError failed = (*rows)->AddNew(); failed.Failed()) return failed;
             std::size_t column = 0;
-            for (const auto& [name, value] : Recipient(i))
+            for (const auto& [name, value] : Recipient(i, columns))
                 if (DaoError failed = (*rows)->Set(column++, value); failed.Failed()) return failed;
             if (DaoError failed = (*rows)->Update(); failed.Failed()) return failed;
         }
@@ -77,6 +100,29 @@ public:
         view.txtBody.SetText(std::move(body));
         view.CheckAndStartMerge(false);
         program_.Settle();
+    }
+
+    /// Every message gets the page of that file.
+    void UsePage(const std::string& file) {
+        program_.wb.forms.Get<frmViewMerge>().lstHTML.SetItems({file});
+    }
+
+    /// Builds the message of every recipient, without storing any; the seconds that it took.
+    double Build(int messages) {
+        frmViewMerge& view = program_.wb.forms.Get<frmViewMerge>();
+        const auto recipients = view.Data1.Recordset();
+        MergeGenerator generator(program_.wb, view, recipients, {true, view.txtTo.Text(), ""});
+        const Stopwatch watch;
+        const DaoError failed = view.Data1.Database()->OneRead([&]() -> DaoError {
+            if (DaoError first = recipients->MoveFirst(); first.Failed()) return first;
+            for (int i = 0; i < messages; ++i) {
+                generator.BuildMessage();
+                if (DaoError moved = recipients->MoveNext(); moved.Failed()) return moved;
+            }
+            return {};
+        });
+        if (failed.Failed() || !recipients->EndOfFile()) Fail("Not all messages were built.");
+        return watch.Seconds();
     }
 
     /// The run, from the press of Start to its end; the seconds that it took.

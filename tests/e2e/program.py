@@ -193,7 +193,11 @@ class ProgramTest(unittest.TestCase):
     def make_campaign(self, rows: int, filling: str = "hello", script: str = "") -> None:
         """Project p.poc, database r.db and message m.dmg for so many recipients."""
         lines = [f"{address(i)},{name(i)}\n" for i in range(rows)]
-        (self.home.folder / "r.csv").write_text("Email,Name\n" + "".join(lines), encoding="utf-8")
+        self.make_project("Email,Name\n" + "".join(lines), filling, script)
+
+    def make_project(self, table: str, filling: str, script: str = "") -> None:
+        """The same with the table that the delimited text holds."""
+        (self.home.folder / "r.csv").write_text(table, encoding="utf-8")
         made = MADE_PROJECT.replace("{filling}", filling)
         self.good(self.home.play(made + script))
 
