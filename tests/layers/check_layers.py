@@ -26,7 +26,7 @@ ALLOWED = {
 }
 FOLDERS = sorted(ALLOWED, key=len, reverse=True)
 QT = re.compile(r"<Q[A-Z]\w*|<Qt\w*/|<ui_")
-ENGINES = re.compile(r"<(sqlite3|curl/|ares|unicode/|mdbtools|orcus/|xlsxwriter)")
+ENGINES = re.compile(r"<(sqlite3|curl/|ares|unicode/|mdbtools|orcus/|xlsxwriter|libxml/)")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"][^>"]+[>"])')
 
 

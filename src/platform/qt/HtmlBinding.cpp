@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include "platform/qt/ControlBinding.h"
+#include "platform/qt/HtmlNesting.h"
 #include "platform/qt/QtText.h"
 
 namespace mailvane {
@@ -57,7 +58,7 @@ private:
         if (property != Property::Text) return;
         auto* document = new SealedDocument(&browser_);
         document->setDefaultFont(browser_.font());
-        document->setHtml(ToQt(control_.Text()));
+        document->setHtml(BoundNesting(ToQt(control_.Text())));
         browser_.setDocument(document);
         delete document_;
         document_ = document;

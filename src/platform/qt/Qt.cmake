@@ -18,7 +18,7 @@ target_include_directories(platform_qt PUBLIC ${PROJECT_SOURCE_DIR}/src)
 target_compile_definitions(platform_qt PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
 target_link_libraries(platform_qt
     PUBLIC mailvane_options platform_forms platform_os Qt6::Widgets
-    PRIVATE Qt6::Charts Qt6::PrintSupport Qt6::UiTools)
+    PRIVATE LibXml2::LibXml2 Qt6::Charts Qt6::PrintSupport Qt6::UiTools)
 
 if(TARGET mailvane)
     target_link_libraries(mailvane PRIVATE platform_qt)

@@ -144,6 +144,32 @@ TEST_F(BinderTest, HtmlShowsNothingFromOutsideItsCode) {
     EXPECT_FALSE(page.openLinks());
 }
 
+/// Qt alone needs minutes for some of these, or ends with a full stack.
+TEST_F(BinderTest, HtmlThatNestsWithoutEndIsShown) {
+    const auto& page = Find<QTextBrowser>(form, "htmPage");
+    form.Show();
+    struct Case {
+        const char* code;
+        int times;
+        const char* shown;
+    };
+    for (const Case& each :
+         {Case{"<table><tr><td>a", 30, "a"}, Case{"<table><tr><td>a", 20000, "a"},
+          Case{"<div>b", 20000, "b"}, Case{"<ul><li>c<!-- </li></ul> -->", 500, "c"},
+          Case{"<table a='><table>", 10000, ""}, Case{"<", 50000, "<"}}) {
+        form.htmPage.SetText(QString::fromUtf8(each.code).repeated(each.times).toStdString() +
+                             "\r\n");
+        Pump();
+        EXPECT_TRUE(page.toPlainText().contains(QString::fromUtf8(each.shown))) << each.code;
+    }
+    form.htmPage.SetText("<table><tr><td>Gr\u00fc\u00dfe &amp; <b>mehr</b></td></tr></table>");
+    Pump();
+    EXPECT_EQ(page.toPlainText().trimmed(), QStringLiteral("Gr\u00fc\u00dfe & mehr"));
+    form.htmPage.SetText("");
+    Pump();
+    EXPECT_EQ(page.toPlainText(), QString());
+}
+
 TEST_F(BinderTest, LeavingAndEnter) {
     auto& line = Find<QLineEdit>(form, "txtLine");
     int left = 0;
