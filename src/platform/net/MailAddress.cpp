@@ -6,6 +6,7 @@
 #include "platform/net/AddressList.h"
 #include "platform/net/Base64.h"
 #include "platform/net/TextCoding.h"
+#include "platform/os/DomainName.h"
 
 namespace mailvane {
 
@@ -115,6 +116,14 @@ std::string EncodedItem(const AddressItem& item, std::size_t column) {
     return name + (fits ? " <" : "\r\n <") + item.address + '>';
 }
 
+/// Servers that know nothing of other scripts take such an address too.
+std::string WithAsciiDomain(const std::string& address) {
+    const std::size_t domain = address.rfind('@') + 1;
+    return domain == 0
+               ? address
+               : address.substr(0, domain) + AsciiDomain(std::string_view(address).substr(domain));
+}
+
 bool IsControl(char c) {
     return (c >= 0 && c < ' ') || c == '\x7F';
 }
@@ -137,9 +146,8 @@ bool HasNone(std::string_view text, std::string_view characters) {
 
 std::vector<std::string> AddressesOf(std::string_view list) {
     std::vector<std::string> addresses;
-    for (AddressItem& item : ParseAddressList(list)) {
-        addresses.push_back(std::move(item.address));
-    }
+    for (const AddressItem& item : ParseAddressList(list))
+        addresses.push_back(WithAsciiDomain(item.address));
     return addresses;
 }
 
@@ -169,7 +177,8 @@ std::string EncodeHeaderText(std::string_view value, std::size_t nameLength) {
 std::string EncodeHeaderAddresses(std::string_view value, std::size_t nameLength, bool utf8) {
     std::string out;
     std::size_t column = nameLength + 1;
-    for (const AddressItem& item : ParseAddressList(value)) {
+    for (AddressItem& item : ParseAddressList(value)) {
+        item.address = WithAsciiDomain(item.address);
         if (!IsMailbox(item.address) || (!utf8 && !IsAscii(item.address))) continue;
         if (!out.empty()) {
             const std::size_t width =

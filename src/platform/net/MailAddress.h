@@ -8,7 +8,8 @@ namespace mailvane {
 
 /// The bare addresses of a list: separated by commas (or semicolons outside quotes), display names,
 /// quoted or not, and comments left out, angle brackets taken off, CR, LF and NUL removed (RFC 5322
-/// section 3.4, read generously). Empty items are dropped; the order stays.
+/// section 3.4, read generously), domains in ASCII (RFC 5891). Empty items are dropped; the order
+/// stays.
 std::vector<std::string> AddressesOf(std::string_view list);
 
 /// False for what is no mailbox to any server (RFC 5321 section 4.1.2, read generously): blanks,

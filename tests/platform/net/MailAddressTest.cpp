@@ -41,7 +41,9 @@ TEST(MailAddress, AddressesOfAList) {
         {"open comment", "(Ann <a@x>, b@x", {"a@x", "b@x"}},
         {"line breaks and NUL", "a@x\r\nBcc: e@x\0\n, b@x"s, {"a@xBcc: e@x", "b@x"}},
         {"a closing bracket adds no parameter", "a@x> NOTIFY=NEVER", {"a@x NOTIFY=NEVER"}},
-        {"outside ASCII", "Žan <ž@š.si>", {"ž@š.si"}},
+        {"outside ASCII",
+         "Žan <ž@š.si>, a@BÜCHER.example, b@[ž], c@ž..x, d@\xFF",
+         {"ž@xn--pga.si", "a@xn--bcher-kva.example", "b@[ž]", "c@ž..x", "d@\xFF"}},
     };
     for (const Row& row : rows)
         EXPECT_EQ(AddressesOf(row.list), row.addresses) << row.name;
@@ -128,6 +130,7 @@ TEST(MailAddress, HeaderAddresses) {
         {"name with a comma", "Doe \"D\", J <j@x>", "\"Doe \\\"D\\\", J\" <j@x>"},
         {"header injection", "a@x\r\nBcc: b@x, c@x", "c@x"},
         {"an address outside ASCII", "ž@x, c@x", "c@x"},
+        {"a domain outside ASCII", "Ann <a@bücher.example>", "\"Ann\" <a@xn--bcher-kva.example>"},
         {"quote that nothing closes", "\"Ann <a@x>, b@x", "\"Ann\" <a@x>, b@x"},
         {"bracket that nothing closes", "<Ann <a@x>", "\"Ann\" <a@x>"},
         {"comment that nothing closes", "Ann <a@x> ((b), c@x", "\"Ann\" <a@x>, c@x"},
