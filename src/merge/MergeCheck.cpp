@@ -207,13 +207,13 @@ private:
         };
         for (MergeFinding* finding : {&noAddress_, &badAddress_, &repeatedAddress_})
             add(*finding);
-        for (Column& column : columns_) {
-            add(column.empty);
-            add(column.broken);
-        }
         for (File* file : {&attachment_, &htmlFile_}) {
             file->missing.text = std::string("The ") + file->kind + " is not there";
             add(file->missing);
+        }
+        for (Column& column : columns_) {
+            add(column.empty);
+            add(column.broken);
         }
         return all;
     }

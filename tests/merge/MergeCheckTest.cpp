@@ -77,10 +77,10 @@ TEST_F(CheckBeforeSending, FilesOfEachRow) {
     parts.attachment = bench.folder.File("[Name].pdf");
     parts.htmlFile = bench.folder.File("page.html");
     EXPECT_EQ(Findings(), (std::vector<std::string>{"1 The tag [Street] names no column",
-                                                    "1 The column 'Name' is empty 2",
-                                                    "1 The attachment is not there 2"}));
+                                                    "1 The attachment is not there 2",
+                                                    "1 The column 'Name' is empty 2"}));
     parts.htmlFile = bench.folder.File("gone.html");
-    EXPECT_EQ(Findings().back(), "2 The HTML file is not there 1 2");
+    EXPECT_EQ(Findings().at(1), "2 The HTML file is not there 1 2");
 }
 
 TEST_F(CheckBeforeSending, WindowSelectsTheRowsConcerned) {

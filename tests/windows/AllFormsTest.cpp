@@ -206,7 +206,7 @@ protected:
         view.cmdRefresh.Press();
     }
 
-    /// An HTML message with what a preview must not load, and its source.
+    /// An HTML message with what a preview must not load, its source, and its check.
     void PhotographPreview(const std::string& ending) {
         auto& message = wb.forms.Get<frmViewMerge>();
         message.lstHTML.SetItems({folder.Write(
@@ -226,6 +226,11 @@ protected:
         Photograph(preview, "frmMergePreview1" + ending);
         preview.tabMessage.SetCurrent(2);
         Photograph(preview, "frmMergePreview2" + ending);
+        auto& check = wb.forms.Get<frmMergeCheck>();
+        message.lstAttach.SetItems({"/nowhere/[Customer].pdf"});
+        check.Check(PartsOf(message), WholeTable(wb));
+        Photograph(check, "frmMergeCheck1" + ending);
+        message.lstAttach.Clear();
         message.lstHTML.Clear();
     }
 
