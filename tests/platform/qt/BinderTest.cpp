@@ -1,5 +1,6 @@
 #include <QCheckBox>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDateEdit>
 #include <QFocusEvent>
 #include <QGroupBox>
@@ -308,6 +309,11 @@ TEST_F(BinderTest, ListOfOne) {
     Key(list, Qt::Key_Home);
     EXPECT_EQ(form.lstOne.Text(), "line 1");
     form.lstOne.SetItem(0, "changed");
+    int menus = 0;
+    form.lstOne.onContextMenu = [&menus] { ++menus; };
+    QContextMenuEvent click(QContextMenuEvent::Mouse, {5, 5}, {5, 5});
+    QApplication::sendEvent(list.viewport(), &click);
+    EXPECT_EQ(menus, 1);
     form.lstOne.Clear();
     Pump();
     EXPECT_EQ(list.count(), 0);
