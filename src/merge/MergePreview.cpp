@@ -64,8 +64,18 @@ DaoError MergePreview::BuildPersonal(MergeGenerator& generator, std::size_t numb
 }
 
 /// The row itself, or the nearest before it that has an address; the first when none has.
-DaoResult<std::size_t> MergePreview::RowOfAddress(std::size_t row) const {
+DaoResult<std::size_t> MergePreview::RowOfAddress(std::size_t row) {
+    const auto found = FindRowOfAddress(row);
+    if (found.Ok()) {
+        addressed_ = *found;
+        addressedTo_ = row;
+    }
+    return found;
+}
+
+DaoResult<std::size_t> MergePreview::FindRowOfAddress(std::size_t row) const {
     for (; row > 0; --row) {
+        if (row > addressed_ && row <= addressedTo_) return addressed_;
         if (DaoError failed = MoveTo(row); failed.Failed()) return failed;
         const auto address = plan_.rows.recipients->Get(plan_.addressing.toColumn);
         const bool noSuchColumn = address.Failed();

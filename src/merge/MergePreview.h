@@ -39,7 +39,8 @@ private:
     BulkPacket EmptyPacket() const;
     DaoError BuildPersonal(MergeGenerator& generator, std::size_t number);
     DaoError BuildBulk(MergeGenerator& generator, std::size_t number);
-    DaoResult<std::size_t> RowOfAddress(std::size_t row) const;
+    DaoResult<std::size_t> RowOfAddress(std::size_t row);
+    DaoResult<std::size_t> FindRowOfAddress(std::size_t row) const;
     DaoError MoveTo(std::size_t row) const;
 
     Workbench& wb_;
@@ -49,6 +50,9 @@ private:
     std::size_t packets_ = 0;
     std::size_t packetRows_ = 0;
     std::size_t count_ = 0;
+    // The rows behind the first of these, up to the last, have no address.
+    std::size_t addressed_ = 0;
+    std::size_t addressedTo_ = 0;
 };
 
 }  // namespace mailvane
