@@ -12,8 +12,16 @@ namespace {
 constexpr std::size_t LongestDomain = 255;  // RFC 5321 section 4.5.3.1.2
 
 struct CloseIdna {
-    void operator()(UIDNA* idna) const { uidna_close(idna); }
+    void operator()(const UIDNA* idna) const { uidna_close(const_cast<UIDNA*>(idna)); }
 };
+
+/// Null when ICU's data is not there.
+std::unique_ptr<const UIDNA, CloseIdna> OpenIdna() {
+    UErrorCode failure = U_ZERO_ERROR;
+    const UIDNA* idna = uidna_openUTS46(
+        UIDNA_NONTRANSITIONAL_TO_ASCII | UIDNA_CHECK_BIDI | UIDNA_USE_STD3_RULES, &failure);
+    return std::unique_ptr<const UIDNA, CloseIdna>(U_SUCCESS(failure) ? idna : nullptr);
+}
 
 bool IsAsciiText(std::string_view text) {
     return std::all_of(text.begin(), text.end(),
@@ -25,10 +33,9 @@ bool IsAsciiText(std::string_view text) {
 std::string AsciiDomain(std::string_view domain) {
     const std::string asItIs(domain);
     if (IsAsciiText(domain)) return asItIs;
+    static const std::unique_ptr<const UIDNA, CloseIdna> idna = OpenIdna();
+    if (!idna) return asItIs;
     UErrorCode failure = U_ZERO_ERROR;
-    const std::unique_ptr<UIDNA, CloseIdna> idna(uidna_openUTS46(
-        UIDNA_NONTRANSITIONAL_TO_ASCII | UIDNA_CHECK_BIDI | UIDNA_USE_STD3_RULES, &failure));
-    if (U_FAILURE(failure)) return asItIs;
     char name[LongestDomain + 1];
     UIDNAInfo info = UIDNA_INFO_INITIALIZER;
     const int32_t length =
