@@ -32,15 +32,16 @@ struct AccountCase {
     MailAccount account;  ///< server and port are the test's
     const char* greeting;
     Answers answers;
-    const char* report;  ///< from "Port" on, with the number of the port as N
+    std::string report;  ///< behind the name, with the number of the port as N
 };
 
 MailAccount Account(MailAccount::Protocol protocol, const char* user = "",
-                    const char* password = "", Security security = Security::Automatic) {
+                    Security security = Security::Automatic) {
     MailAccount account;
     account.protocol = protocol;
+    account.server = "127.0.0.1";
     account.user = user;
-    account.password = password;
+    account.password = "secret";
     account.security = security;
     return account;
 }
@@ -48,107 +49,91 @@ MailAccount Account(MailAccount::Protocol protocol, const char* user = "",
 constexpr auto Smtp = MailAccount::Protocol::Smtp;
 constexpr auto Pop3 = MailAccount::Protocol::Pop3;
 
+const std::string SmtpAnswers = "Connection: Port N answers: 220 mail ready\r\nEncryption: ";
+const std::string PopAnswers = "Connection: Port N answers: +OK pop ready\r\nEncryption: ";
+const std::string Clear = "The connection is not encrypted.\r\n";
+const std::string Works = "\r\nEverything works.\r\n";
+const std::string Ended = "\r\nThe test ended here.\r\n";
+
+Answers LogonAnswers(const char* toPassword) {
+    return {{"EHLO", "250-mail\r\n250 AUTH LOGIN"},
+            {"AUTH LOGIN", "334 VXNlcm5hbWU6"},
+            {"bWU=", "334 UGFzc3dvcmQ6"},
+            {"c2VjcmV0", toPassword},
+            {"QUIT", "221 bye"}};
+}
+
 const AccountCase AccountCases[] = {
     {"SmtpWithoutLogon",
      Account(Smtp),
      "220 mail ready",
      {{"EHLO", "250 mail"}, {"QUIT", "221 bye"}},
-     "Connection: Port N answers: 220 mail ready\r\n"
-     "Encryption: The connection is not encrypted.\r\n"
-     "Logon: No logon is set.\r\nEverything works.\r\n"},
-    {"SmtpLogon",
-     Account(Smtp, "me", "secret"),
-     "220 mail ready",
-     {{"EHLO", "250-mail\r\n250 AUTH LOGIN"},
-      {"AUTH LOGIN", "334 VXNlcm5hbWU6"},
-      {"bWU=", "334 UGFzc3dvcmQ6"},
-      {"c2VjcmV0", "235 Welcome, me"},
-      {"QUIT", "221 bye"}},
-     "Connection: Port N answers: 220 mail ready\r\n"
-     "Encryption: The connection is not encrypted.\r\n"
-     "Logon: 235 Welcome, me\r\nEverything works.\r\n"},
-    {"SmtpWrongPassword",
-     Account(Smtp, "me", "secret"),
-     "220 mail ready",
-     {{"EHLO", "250-mail\r\n250 AUTH LOGIN"},
-      {"AUTH LOGIN", "334 VXNlcm5hbWU6"},
-      {"bWU=", "334 UGFzc3dvcmQ6"},
-      {"c2VjcmV0", "535 Wrong password, go away"},
-      {"QUIT", "221 bye"}},
-     "Connection: Port N answers: 220 mail ready\r\n"
-     "Encryption: The connection is not encrypted.\r\n"
-     "Logon: FAILED. 535 Wrong password, go away\r\nThe test ended here.\r\n"},
+     SmtpAnswers + Clear + "Logon: No logon is set." + Works},
+    {"SmtpLogon", Account(Smtp, "me"), "220 mail ready", LogonAnswers("235 Welcome, me"),
+     SmtpAnswers + Clear + "Logon: 235 Welcome, me" + Works},
+    {"SmtpWrongPassword", Account(Smtp, "me"), "220 mail ready", LogonAnswers("535 Go away"),
+     SmtpAnswers + Clear + "Logon: FAILED. 535 Go away" + Ended},
     {"SmtpRefuses",
      Account(Smtp),
      "554 No service for you",
      {},
-     "Connection: FAILED. 554 No service for you\r\nThe test ended here.\r\n"},
+     "Connection: FAILED. 554 No service for you" + Ended},
     {"SmtpWithoutTheTlsAskedFor",
-     Account(Smtp, "", "", Security::RequireStartTls),
-     "220 mail",
+     Account(Smtp, "", Security::RequireStartTls),
+     "220 mail ready",
      {{"EHLO", "250 mail"}, {"QUIT", "221 bye"}},
-     "Connection: Port N answers: 220 mail\r\n"
-     "Encryption: FAILED. STARTTLS not supported.\r\nThe test ended here.\r\n"},
+     SmtpAnswers + "FAILED. STARTTLS not supported." + Ended},
     {"PopLogon",
-     Account(Pop3, "me", "secret"),
+     Account(Pop3, "me"),
      "+OK pop ready",
      {{"CAPA", "+OK\r\nUSER\r\n."},
       {"USER me", "+OK"},
       {"PASS secret", "+OK logged on"},
       {"STAT", "+OK 12 34567"},
       {"QUIT", "+OK"}},
-     "Connection: Port N answers: +OK pop ready\r\n"
-     "Encryption: The connection is not encrypted.\r\n"
-     "Logon: +OK 12 34567\r\nEverything works.\r\n"},
+     PopAnswers + Clear + "Logon: +OK 12 34567" + Works},
     {"PopWrongPassword",
-     Account(Pop3, "me", "secret"),
+     Account(Pop3, "me"),
      "+OK pop ready",
      {{"CAPA", "-ERR what"}, {"USER", "+OK"}, {"PASS", "-ERR [AUTH] no"}, {"QUIT", "+OK"}},
-     "Connection: Port N answers: +OK pop ready\r\n"
-     "Encryption: The connection is not encrypted.\r\n"
-     "Logon: FAILED. -ERR [AUTH] no\r\nThe test ended here.\r\n"},
+     PopAnswers + Clear + "Logon: FAILED. -ERR [AUTH] no" + Ended},
     {"PopHangsUp",
-     Account(Pop3, "me", "secret"),
+     Account(Pop3, "me"),
      "+OK pop ready",
      {{"CAPA", "-ERR what"}},
-     "Connection: Port N answers: +OK pop ready\r\n"
-     "Encryption: The connection is not encrypted.\r\n"
-     "Logon: FAILED. The server closed the connection.\r\nThe test ended here.\r\n"},
+     PopAnswers + Clear + "Logon: FAILED. The server closed the connection." + Ended},
 };
 
-class TestConnection : public testing::TestWithParam<AccountCase> {};
+struct TestConnection : testing::Test, test::TestBench {
+    frmConnectionTest& form = wb.forms.Get<frmConnectionTest>();
+};
+struct Accounts : TestConnection, testing::WithParamInterface<AccountCase> {};
 
-TEST_P(TestConnection, SaysStepByStepWhatWorked) {
+TEST_P(Accounts, SayStepByStepWhatWorked) {
     const AccountCase& row = GetParam();
-    test::TestBench bench;
     test::LoopbackServer server(Answering(row.greeting, row.answers));
     MailAccount account = row.account;
-    account.server = "127.0.0.1";
     account.port = server.Port();
-    auto& form = bench.wb.forms.Get<frmConnectionTest>();
     form.Start(account);
-    bench.windows.HandleIdle();
-    const std::string report =
-        ReplaceText(row.report, "Port N", "Port " + std::to_string(account.port));
-    EXPECT_EQ(form.txtReport.Text(), "Name: 127.0.0.1 is 127.0.0.1.\r\n" + report);
+    windows.HandleIdle();
+    const std::string port = "Port " + std::to_string(account.port);
+    EXPECT_EQ(form.txtReport.Text(),
+              "Name: 127.0.0.1 is 127.0.0.1.\r\n" + ReplaceText(row.report, "Port N", port));
     EXPECT_TRUE(form.cmdClose.Enabled());
 }
 
-INSTANTIATE_TEST_SUITE_P(All, TestConnection, testing::ValuesIn(AccountCases),
+INSTANTIATE_TEST_SUITE_P(All, Accounts, testing::ValuesIn(AccountCases),
                          [](const auto& row) { return row.param.name; });
 
-TEST(TestConnectionForm, CancelEndsASilentServer) {
-    test::TestBench bench;
+TEST_F(TestConnection, CancelEndsASilentServer) {
     test::LoopbackServer server([](test::Peer& peer, int) { peer.ReadLine(); });
-    auto& form = bench.wb.forms.Get<frmConnectionTest>();
-    MailAccount account = Account(Pop3, "me", "secret");
-    account.server = "127.0.0.1";
+    MailAccount account = Account(Pop3, "me");
     account.port = server.Port();
     form.Start(account);
-    bench.windows.Post([] {});
-    const Subscription cancel = bench.windows.yielded.Observe([&] { form.cmdCancel.Press(); });
-    bench.windows.HandleIdle();
-    EXPECT_NE(form.txtReport.Text().find("The test ended here."), std::string::npos);
+    windows.Post([] {});
+    const Subscription cancel = windows.yielded.Observe([&] { form.cmdCancel.Press(); });
+    windows.HandleIdle();
+    EXPECT_TRUE(form.txtReport.Text().ends_with(Ended));
 }
 
 TEST(TestConnectionForm, SettingsGiveTheIncomingAccount) {

@@ -9,25 +9,22 @@
 namespace mailvane {
 namespace {
 
-class Dial : public ::testing::Test {
-protected:
-    frmDial& Form() { return bench.wb.forms.Get<frmDial>(); }
-    frmConnectionWizard& Wizard() { return bench.wb.forms.Get<frmConnectionWizard>(); }
-    std::string Stored(const char* key) const { return GetUserSetting(bench.wb, "Proxy", key); }
-
-    test::TestBench bench;
+struct Dial : testing::Test, test::TestBench {
+    frmDial& Form() { return wb.forms.Get<frmDial>(); }
+    frmConnectionWizard& Wizard() { return wb.forms.Get<frmConnectionWizard>(); }
+    std::string Stored(const char* key) const { return GetUserSetting(wb, "Proxy", key); }
 };
 
 TEST_F(Dial, OnlyAModemNeedsALine) {
-    EXPECT_TRUE(EnsureDialUp(bench.wb)) << "nothing stored";
+    EXPECT_TRUE(EnsureDialUp(wb)) << "nothing stored";
     for (const char* connection : {"direct", "", "Not Found", "modems"}) {
-        SaveUserSetting(bench.wb, "Proxy", "Connection", connection);
-        EXPECT_TRUE(EnsureDialUp(bench.wb)) << connection;
+        SaveUserSetting(wb, "Proxy", "Connection", connection);
+        EXPECT_TRUE(EnsureDialUp(wb)) << connection;
     }
-    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDial")) << "no control was touched";
-    SaveUserSetting(bench.wb, "Proxy", "Connection", "MODEM");
+    EXPECT_FALSE(wb.forms.IsFormLoaded("frmDial")) << "no control was touched";
+    SaveUserSetting(wb, "Proxy", "Connection", "MODEM");
     Form().lConnections.AddItem("a line of before");
-    EXPECT_FALSE(EnsureDialUp(bench.wb));
+    EXPECT_FALSE(EnsureDialUp(wb));
     EXPECT_FALSE(Form().Visible());
     EXPECT_EQ(Form().lConnections.Count(), 0);
 }
@@ -43,39 +40,39 @@ TEST_F(Dial, DialingSaysThatThereIsNoLine) {
     Form().cmdDialNow.Press();
     EXPECT_EQ(Form().lblStatus.Text(), "615: " + atFirst);
     EXPECT_TRUE(Form().cmdDialNow.Enabled());
-    EXPECT_EQ(bench.shell.panel, "");
+    EXPECT_EQ(shell.panel, "");
     Form().cmdOk.Press();
     Form().cmdDialNow.Press();
-    EXPECT_EQ(bench.shell.panel, "615: " + atFirst) << "hidden, the main window says it";
+    EXPECT_EQ(shell.panel, "615: " + atFirst) << "hidden, the main window says it";
     Form().cmdCancel.Press();
-    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDial"));
+    EXPECT_FALSE(wb.forms.IsFormLoaded("frmDial"));
 }
 
 TEST_F(Dial, StoppingTakesAMomentBeforeTheNextDial) {
     Form().cmdDialNow.SetEnabled(false);
-    const auto before = bench.clock.Monotonic();
+    const auto before = clock.Monotonic();
     Form().cmdStop.Press();
-    EXPECT_EQ(bench.clock.Monotonic() - before, std::chrono::milliseconds(1500));
+    EXPECT_EQ(clock.Monotonic() - before, std::chrono::milliseconds(1500));
     EXPECT_TRUE(Form().cmdDialNow.Enabled());
 }
 
 TEST_F(Dial, WizardStoresTheConnection) {
-    bench.wb.forms.Get<frmOptions>();
+    wb.forms.Get<frmOptions>();
     Wizard().Show();
     EXPECT_TRUE(Wizard().optDirect.IsSet());
     EXPECT_FALSE(Wizard().txtProxy.Enabled());
     Wizard().optModem.SetByUser("1");
     Wizard().cmdNext.Press();
-    EXPECT_EQ(bench.windows.FocusedControl(), &Wizard().chkProxy);
+    EXPECT_EQ(windows.FocusedControl(), &Wizard().chkProxy);
     Wizard().chkProxy.SetByUser("1");
     Wizard().txtProxy.SetByUser("proxy.example.com");
     Wizard().txtPort.SetByUser("3128");
     Wizard().cmdNext.Press();
     EXPECT_FALSE(Wizard().cmdNext.Enabled());
-    EXPECT_EQ(bench.windows.FocusedControl(), &Wizard().cmdFinish);
+    EXPECT_EQ(windows.FocusedControl(), &Wizard().cmdFinish);
     EXPECT_EQ(Stored("Status"), NotFound);
     Wizard().cmdFinish.Press();
-    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmConnectionWizard"));
+    EXPECT_FALSE(wb.forms.IsFormLoaded("frmConnectionWizard"));
     const std::pair<const char*, const char*> rows[] = {{"Status", "yes"},
                                                         {"Connection", "modem"},
                                                         {"UseProxy", "yes"},
@@ -83,7 +80,7 @@ TEST_F(Dial, WizardStoresTheConnection) {
                                                         {"HttpPort", "3128"}};
     for (const auto& [key, value] : rows)
         EXPECT_EQ(Stored(key), value) << key;
-    const auto& options = bench.wb.forms.Get<frmOptions>();
+    const auto& options = wb.forms.Get<frmOptions>();
     EXPECT_TRUE(options.chkProxy.Checked());
     EXPECT_EQ(options.txtProxy.Text(), "proxy.example.com");
     EXPECT_EQ(options.txtPort.Text(), "3128");
@@ -99,17 +96,17 @@ TEST_F(Dial, WizardStoresTheConnection) {
 
 TEST_F(Dial, ACancelledWizardDoesNotComeBack) {
     for (const bool closeBox : {false, true}) {
-        SaveUserSetting(bench.wb, "Proxy", "Status", "no");
+        SaveUserSetting(wb, "Proxy", "Status", "no");
         Wizard().optModem.SetByUser("1");
         if (closeBox)
             Wizard().OnCloseBox();
         else
             Wizard().cmdCancel.Press();
-        EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmConnectionWizard"));
+        EXPECT_FALSE(wb.forms.IsFormLoaded("frmConnectionWizard"));
         EXPECT_EQ(Stored("Status"), "yes");
         EXPECT_EQ(Stored("Connection"), NotFound);
     }
-    EXPECT_TRUE(EnsureDialUp(bench.wb));
+    EXPECT_TRUE(EnsureDialUp(wb));
 }
 
 }  // namespace

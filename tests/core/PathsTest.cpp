@@ -10,12 +10,10 @@ namespace {
 TEST(Paths, FindsFilesAndFolders) {
     const test::TempFolder folder;
     const std::string file = folder.Write("a.txt", "x");
-    EXPECT_TRUE(FileExists(file));
-    EXPECT_FALSE(FileExists(file, true));
+    EXPECT_TRUE(FileExists(file) && !FileExists(file, true));
     EXPECT_TRUE(FileExists(folder.Path(), true));
-    EXPECT_FALSE(FileExists(folder.Path()));
-    EXPECT_FALSE(FileExists(folder.Path() + "/"));
-    EXPECT_FALSE(FileExists(""));
+    for (const std::string& none : {folder.Path(), folder.Path() + "/", std::string()})
+        EXPECT_FALSE(FileExists(none)) << none;
     EXPECT_FALSE(FileExists("", true));
     EXPECT_EQ(ReadFileText(folder.Path() + "/none"), "");
     EXPECT_FALSE(WriteFileText(folder.Path() + "/none/a.txt", "x"));

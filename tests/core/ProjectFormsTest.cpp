@@ -79,13 +79,20 @@ TEST_F(ProjectWizard, FinishMakesTheProject) {
     Wizard().Show();
     EXPECT_EQ(Wizard().txtName.Text(), "Ann") << "from the open project";
     EXPECT_EQ(Wizard().txtProject.Text(), "");
-    const std::pair<TextBox*, const char*> fields[] = {
-        {&Wizard().txtEmail, "ann@example.com"}, {&Wizard().txtSMTP, "smtp.example.com"},
-        {&Wizard().txtPOP3, "pop.example.com"},  {&Wizard().txtLogin, "ann"},
-        {&Wizard().txtPassword, "secret"},       {&Wizard().txtDatabase, "/none.db"},
+    const struct {
+        TextBox frmProjectWizard::*typed;
+        TextBox frmSettings::*stored;
+        const char* text;
+    } rows[] = {
+        {&frmProjectWizard::txtEmail, &frmSettings::txtEmail, "ann@example.com"},
+        {&frmProjectWizard::txtSMTP, &frmSettings::txtSMTPServer, "smtp.example.com"},
+        {&frmProjectWizard::txtPOP3, &frmSettings::txtPOPServer, "pop.example.com"},
+        {&frmProjectWizard::txtLogin, &frmSettings::txtPOPUser, "ann"},
+        {&frmProjectWizard::txtPassword, &frmSettings::txtPOPPassword, "secret"},
+        {&frmProjectWizard::txtDatabase, &frmSettings::txtAccessDBPath, "/none.db"},
     };
-    for (const auto& [field, text] : fields)
-        field->SetText(text);
+    for (const auto& row : rows)
+        (Wizard().*row.typed).SetText(row.text);
     const std::string file = bench.InProgramFolder("Projects/Summer.poc");
     Wizard().txtProject.SetText(" " + file + " ");
     Wizard().cmdFinish.Press();
@@ -98,12 +105,8 @@ TEST_F(ProjectWizard, FinishMakesTheProject) {
     EXPECT_EQ(bench.shell.recentFiles, std::vector<std::string>{file}) << "without the template";
     SwitchProject(bench.wb, file);
     EXPECT_EQ(Settings().txtName.Text(), "Ann");
-    EXPECT_EQ(Settings().txtEmail.Text(), "ann@example.com");
-    EXPECT_EQ(Settings().txtSMTPServer.Text(), "smtp.example.com");
-    EXPECT_EQ(Settings().txtPOPServer.Text(), "pop.example.com");
-    EXPECT_EQ(Settings().txtPOPUser.Text(), "ann");
-    EXPECT_EQ(Settings().txtPOPPassword.Text(), "secret");
-    EXPECT_EQ(Settings().txtAccessDBPath.Text(), "/none.db");
+    for (const auto& row : rows)
+        EXPECT_EQ((Settings().*row.stored).Text(), row.text) << row.text;
     EXPECT_EQ(Settings().txtReplyTo.Text(), "") << "the template's";
 }
 
@@ -179,50 +182,45 @@ protected:
 };
 
 TEST_F(ProjectDialog, Choices) {
+    const auto press = [](Button frmProjectDialog::*button) {
+        return [button](frmProjectDialog& dialog) { (dialog.*button).Press(); };
+    };
     struct {
         const char* name;
         std::function<void(frmProjectDialog&)> act;
         ProjectChoice choice;
+        std::vector<std::optional<std::string>> files = {};  ///< that the file dialog gives
     } const rows[] = {
         {"closed", [](auto&) {}, {}},
-        {"cancelled", [](auto& dialog) { dialog.cmdCancel.Press(); }, {}},
-        {"the last one",
-         [](auto& dialog) { dialog.cmdOpen.Press(); },
-         {false, false, false, summer}},
+        {"cancelled", press(&frmProjectDialog::cmdCancel), {}},
+        {"the last one", press(&frmProjectDialog::cmdOpen), {false, false, false, summer}},
         {"another by a double click",
          [](auto& dialog) {
              dialog.lstRecent.SetByUser("#1");
              dialog.lstRecent.onDoubleClick();
          },
          {false, false, false, winter}},
-        {"browsed",
-         [this](auto& dialog) {
-             bench.Prompts().QueueFile(winter);
-             dialog.cmdBrowse.Press();
-         },
-         {false, false, false, winter}},
+        {"browsed", press(&frmProjectDialog::cmdBrowse), {false, false, false, winter}, {winter}},
         {"browsing cancelled",
-         [this](auto& dialog) {
-             bench.Prompts().QueueFile(std::nullopt);
+         [](auto& dialog) {
              dialog.cmdBrowse.Press();
              EXPECT_TRUE(dialog.Visible());
          },
-         {}},
-        {"new",
-         [this](auto& dialog) {
-             bench.Prompts().QueueFile("/p/New");
-             dialog.cmdNew.Press();
-         },
-         {false, true, false, "/p/New.poc"}},
-        {"wizard", [](auto& dialog) { dialog.cmdWizard.Press(); }, {false, false, true, ""}},
+         {},
+         {std::nullopt}},
+        {"new", press(&frmProjectDialog::cmdNew), {false, true, false, "/p/New.poc"}, {"/p/New"}},
+        {"wizard", press(&frmProjectDialog::cmdWizard), {false, false, true, ""}},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        for (const auto& file : row.files)
+            bench.Prompts().QueueFile(file);
         const ProjectChoice choice = Ask(row.act);
-        EXPECT_EQ(choice.cancelled, row.choice.cancelled) << row.name;
-        EXPECT_EQ(choice.isNew, row.choice.isNew) << row.name;
-        EXPECT_EQ(choice.wizard, row.choice.wizard) << row.name;
-        EXPECT_EQ(choice.file, row.choice.file) << row.name;
-        EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmProjectDialog")) << row.name;
+        EXPECT_EQ(choice.cancelled, row.choice.cancelled);
+        EXPECT_EQ(choice.isNew, row.choice.isNew);
+        EXPECT_EQ(choice.wizard, row.choice.wizard);
+        EXPECT_EQ(choice.file, row.choice.file);
+        EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmProjectDialog"));
     }
 }
 

@@ -111,10 +111,7 @@ TEST_F(Project, BadFilesEmptyTheTextsAndKeepTheRest) {
         seed = seed * 1103515245u + 12345u;
         random.push_back(static_cast<char>(seed >> 16));
     }
-    struct {
-        const char* name;
-        std::string path;
-    } const rows[] = {
+    const std::pair<const char*, std::string> rows[] = {
         {"wrong key", Written(good, "other")},
         {"empty", bench.folder.Write("empty.poc", "")},
         {"random", bench.folder.Write("random.poc", random)},
@@ -122,12 +119,13 @@ TEST_F(Project, BadFilesEmptyTheTextsAndKeepTheRest) {
         {"missing", bench.folder.File("missing.poc")},
         {"a folder", bench.folder.Path()},
     };
-    for (const auto& row : rows) {
-        Open(row.path);
-        EXPECT_EQ(Settings().txtEmail.Text(), "") << row.name;
-        EXPECT_EQ(Settings().txtSMTPPort.Text(), "") << row.name;
-        EXPECT_TRUE(Settings().optIdentityDefault.IsSet()) << row.name;
-        EXPECT_EQ(Settings().cmbIndent.ListIndex(), 0) << row.name;
+    for (const auto& [name, path] : rows) {
+        SCOPED_TRACE(name);
+        Open(path);
+        EXPECT_EQ(Settings().txtEmail.Text(), "");
+        EXPECT_EQ(Settings().txtSMTPPort.Text(), "");
+        EXPECT_TRUE(Settings().optIdentityDefault.IsSet());
+        EXPECT_EQ(Settings().cmbIndent.ListIndex(), 0);
     }
 }
 
@@ -228,11 +226,10 @@ TEST_F(Project, ProgressRunsFromItsOpeningToItsLastStep) {
 }
 
 TEST_F(Project, BusyPointersNest) {
-    {
-        const BusyPointer outer(bench.wb);
-        { const BusyPointer inner(bench.wb); }
-        EXPECT_EQ(bench.windows.Pointer(), MousePointer::Busy);
-    }
+    auto outer = std::make_optional<BusyPointer>(bench.wb);
+    std::make_optional<BusyPointer>(bench.wb).reset();
+    EXPECT_EQ(bench.windows.Pointer(), MousePointer::Busy);
+    outer.reset();
     EXPECT_EQ(bench.windows.Pointer(), MousePointer::Normal);
 }
 

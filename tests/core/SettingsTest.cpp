@@ -3,7 +3,6 @@
 #include "core/RegistryStore.h"
 #include "core/Settings.h"
 #include "core/cRegistry.h"
-#include "core/frmOptions.h"
 #include "support/TestBench.h"
 
 namespace mailvane {
@@ -11,23 +10,23 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-const std::string Awkward[] = {
-    "",
-    " both ends ",
-    "two\r\nlines",
-    std::string("a\0b", 3),
-    "\"quoted\"",
-    "'quoted'",
-    "\\:41",
-    "\\dword:00000001",
-    "\\\\server\\share",
-    "a=b;[c]#d",
-    "\x01\x7F\t\xC3\xA4",
-};
+const std::string Awkward[] = {"",
+                               " both ends ",
+                               "two\r\nlines",
+                               std::string("a\0b", 3),
+                               "\"quoted\"",
+                               "'quoted'",
+                               "\\:41",
+                               "\\dword:00000001",
+                               "\\\\server\\share",
+                               "a=b;[c]#d",
+                               "\x01\x7F\t\xC3\xA4"};
 
 TEST(Settings, UserSettingsSurvive) {
     test::TestBench bench;
     EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "Load"), NotFound);
+    SaveUserSetting(bench.wb, "Settings", "Load", "/home/ann/My mail");
+    EXPECT_EQ(bench.folder.Read("registry.ini"), "[Settings]\r\nLoad=/home/ann/My mail\r\n");
     for (const std::string& value : Awkward) {
         SaveUserSetting(bench.wb, "Settings", "Load", value);
         const bool cut = value.find('\0') != std::string::npos;
@@ -39,13 +38,6 @@ TEST(Settings, UserSettingsSurvive) {
     SaveUserSetting(bench.wb, "Settings", "Load", "other", "Other program");
     EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "Load"), Awkward[10]);
     EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "Load", "Other program"), "other");
-}
-
-TEST(Settings, TheFileStaysReadable) {
-    test::TestBench bench;
-    SaveUserSetting(bench.wb, "Recent File List", "LastDir", "/home/ann/My mail");
-    EXPECT_EQ(bench.folder.Read("registry.ini"),
-              "[Recent File List]\r\nLastDir=/home/ann/My mail\r\n");
 }
 
 TEST(Settings, ProfileValuesHave255Characters) {
@@ -94,10 +86,10 @@ TEST(Settings, DamagedRegistryFileReadsAsText) {
     bench.folder.Write("registry.ini",
                        "\xFF[[Settings\r\n=\r\n[Settings]\r\na=\\dword:xyz\r\nb=\\binary:1\r\n"
                        "c=\\:\\4\r\nd=\\\r\nno sign\r\n[Settings");
-    EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "a"), "000");
-    EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "b"), "");
-    EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "c"), "\\4");
-    EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "d"), "\\");
+    const std::pair<const char*, const char*> rows[] = {
+        {"a", "000"}, {"b", ""}, {"c", "\\4"}, {"d", "\\"}};
+    for (const auto& [key, text] : rows)
+        EXPECT_EQ(GetUserSetting(bench.wb, "Settings", key), text) << key;
 }
 
 TEST(Settings, RegistryClassKeepsKeysAndValues) {
@@ -241,17 +233,6 @@ TEST(Settings, WindowPlaces) {
     StoreWindowPlace(bench.wb, form, "Main", "WindowState");
     EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "MainWidth"), "9000");
     EXPECT_EQ(GetUserSetting(bench.wb, "Settings", "WindowState"), "2");
-}
-
-TEST(Settings, OptionsAreReadAtLoad) {
-    test::TestBench bench;
-    SaveUserSetting(bench.wb, "Settings", "Load", "2");
-    SaveUserSetting(bench.wb, "Settings", "Save", "1");
-    SaveUserSetting(bench.wb, "Settings", "Welcome", "NOT FOUND");
-    const auto& options = bench.wb.forms.Load<frmOptions>();
-    EXPECT_FALSE(options.chkLoad.Checked());
-    EXPECT_TRUE(options.chkSave.Checked());
-    EXPECT_FALSE(options.chkWelcome.Checked());
 }
 
 }  // namespace

@@ -23,11 +23,8 @@ TEST(Sifrant, GivesTheTextBack) {
             EXPECT_EQ(Sifrant().DeSifriraj(scrambled, key), text) << length << key;
         }
     }
-    EXPECT_EQ(UnscrambleText(ScrambleText(AllBytes())), AllBytes());
-}
-
-TEST(Sifrant, ScrambledTextIsPrintable) {
-    const std::string scrambled = ScrambleText(AllBytes() + AllBytes());
+    const std::string scrambled = ScrambleText(AllBytes());
+    EXPECT_EQ(UnscrambleText(scrambled), AllBytes());
     for (const char c : scrambled)
         EXPECT_TRUE(c >= ';' && c <= 'z') << int{c};
 }
@@ -46,13 +43,6 @@ TEST(Sifrant, DependsOnTextAndKeyOnly) {
 // Files written by one version have to be read by every later one.
 TEST(Sifrant, KeepsItsFileFormat) {
     EXPECT_EQ(Sifrant().Sifriraj("Mailvane", "Velorina"), "Nqit[\\NaR<?");
-}
-
-TEST(Sifrant, UnpacksBytes) {
-    Sifrant sifrant;
-    sifrant.Text = {60, 61, 67, 86};
-    sifrant.Shrink();
-    EXPECT_EQ(sifrant.Text, (std::string{'\x41', '\x82', '\xC8'}));
 }
 
 TEST(Sifrant, AcceptsAnyText) {

@@ -81,9 +81,10 @@ TEST_F(FormOptions, EveryKeyGoesThereAndBack) {
 
 TEST_F(FormOptions, WhatIsNotStoredKeepsItsDesign) {
     Store("Settings", "PopUp Orientation", "4");
+    Store("Settings", "Load", "2");
     Store("Settings", "Welcome", "not found");
     EXPECT_TRUE(Form().optOrientation0.IsSet());
-    EXPECT_FALSE(Form().chkWelcome.Checked());
+    EXPECT_FALSE(Form().chkWelcome.Checked() || Form().chkLoad.Checked());
     EXPECT_TRUE(Form().optDirect.IsSet());
     EXPECT_EQ(Form().txtHide.Text(), "10");
     EXPECT_EQ(Form().List1.SelectedItems().size(), 8u);

@@ -126,8 +126,7 @@ TEST_F(FormSettings, MissingSignatureFileIsTold) {
 }
 
 TEST_F(FormSettings, RulesListComesFromTheProject) {
-    MakeFolders(bench.InProgramFolder("Projects/a"));
-    WriteFileText(bench.InProgramFolder("Projects/a/Rules.dat"), "1. Copy\r\n2. Move\r\n");
+    bench.folder.Write("program/Projects/a/Rules.dat", "1. Copy\r\n2. Move\r\n");
     OpenText("");
     EXPECT_EQ(Form().lbxRules.Items(), (std::vector<std::string>{"1. Copy", "2. Move"}));
 }
@@ -154,11 +153,8 @@ TEST_F(FormSettings, DatabaseFillsTheTables) {
     bench.Prompts().QueueFile(path);
     Form().cmdAccessBrowse.Press();
     EXPECT_EQ(changes, 3);
-}
-
-TEST_F(FormSettings, ProjectRestoresItsTable) {
-    OpenText("txtAccessDBPath*|*" + MakeDatabase("list.db") + "#|#cmbAccessTable*|*1#|#");
-    EXPECT_EQ(Form().cmbAccessTable.Text(), "Partners");
+    OpenText("txtAccessDBPath*|*" + path + "#|#cmbAccessTable*|*1#|#");
+    EXPECT_EQ(Form().cmbAccessTable.Text(), "Partners") << "a project restores its table";
 }
 
 TEST_F(FormSettings, WhatIsNoDatabaseIsTold) {

@@ -6,6 +6,8 @@
 namespace mailvane {
 namespace {
 
+using Texts = std::vector<std::string>;
+
 constexpr const char* Proceed = "Do you want to proceed anyway?";
 
 class TableDesigner : public test::TableToolsTest {
@@ -33,31 +35,29 @@ protected:
         Act(std::move(act));
         view->cmdEditTable.Press();
     }
-    void AnswerKey(std::function<void()> act) { Act(std::move(act)); }
     void AcceptKey() {
-        AnswerKey([this] { Key().Command1.Press(); });
+        Act([this] { Key().Command1.Press(); });
     }
+    Texts Listed() { return Designer().lstFields.Items(); }
     void ExpectMade(const std::string& name) {
         AnswerBox(BoxAnswer::Ok, "Your new '" + name + "' table has been successfully created. ");
     }
 };
 
 TEST_F(TableDesigner, BuildsATableOfEveryTypeWithANumberedKey) {
-    AnswerBox(BoxAnswer::Ok, "successfully created");
-    bench.Prompts().QueueInput("  Orders ");
-    Act([this] {
+    ExpectMade("Orders");
+    NewTable("  Orders ", [this] {
         EXPECT_EQ(Designer().cmbFieldDataType.Text(), "Text");
         EXPECT_EQ(Designer().txtTableName.Text(), "Orders");
-        EXPECT_EQ(Designer().txtTableName.Items(), (std::vector<std::string>{"People", "Archive"}));
-        const std::vector<std::string> types = Designer().cmbFieldDataType.Items();
+        EXPECT_EQ(Designer().txtTableName.Items(), (Texts{"People", "Archive"}));
+        const Texts types = Designer().cmbFieldDataType.Items();
         ASSERT_EQ(types.size(), 10u);
         for (const std::string& type : types)
             Add("c" + type.substr(0, 4), type);
-        EXPECT_EQ(Designer().lstFields.Items().front(), "cByte\tByte");
+        EXPECT_EQ(Listed().front(), "cByte\tByte");
+        AcceptKey();
         EXPECT_EQ(Designer().cmdOk.Press(), ControlAnswer::Done);
     });
-    AcceptKey();
-    view->cmdNewFolder.Press();
     EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDatabaseTable"));
     EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDatabaseTablePK"));
     EXPECT_EQ(Columns("Orders"),
@@ -69,19 +69,14 @@ TEST_F(TableDesigner, BuildsATableOfEveryTypeWithANumberedKey) {
     EXPECT_TRUE(made.FindField("cMemo")->allowZeroLength);
     EXPECT_EQ(made.FindField("cText")->size, DefaultTextSize);
     ASSERT_EQ(made.indexes.size(), 1u);
-    EXPECT_EQ(made.indexes[0].name, "Index1");
-    EXPECT_TRUE(made.indexes[0].primary);
+    EXPECT_TRUE(made.indexes[0].name == "Index1" && made.indexes[0].primary);
     EXPECT_EQ(view->Data1.CurrentTable(), "People") << "the view shows what it showed";
     EXPECT_EQ(view->cmbTable.Items().back(), "Orders");
 }
 
 TEST_F(TableDesigner, PrimaryKeys) {
-    const struct {
-        const char* name;
-        std::function<void(frmDatabaseTablePK&)> choose;
-        const char* columns;
-        const char* key;  ///< "" for none
-    } cases[] = {
+    using Choose = std::function<void(frmDatabaseTablePK&)>;
+    const std::tuple<const char*, Choose, const char*, std::string> cases[] = {
         {"a column", [](auto& key) { key.txtPrimaryKey.SetByUser("code"); }, "Code:10 Name:10",
          "Code"},
         {"a new column", [](auto& key) { key.txtPrimaryKey.SetByUser("Number"); },
@@ -89,27 +84,25 @@ TEST_F(TableDesigner, PrimaryKeys) {
         {"none", [](auto& key) { key.optNoPrimaryKey.SetByUser("1"); }, "Code:10 Name:10", ""},
         {"no name", [](auto& key) { key.txtPrimaryKey.SetByUser(""); }, "Code:10 Name:10", ""},
     };
-    for (const auto& one : cases) {
-        SCOPED_TRACE(one.name);
-        ExpectMade(one.name);
-        Act([this] {
+    for (const auto& [name, choose, columns, column] : cases) {
+        SCOPED_TRACE(name);
+        ExpectMade(name);
+        NewTable(name, [&] {
             Add("Code");
             Add("Name");
+            Act([&] {
+                EXPECT_EQ(Key().Grid1.Columns().size(), 3u);
+                EXPECT_EQ(Key().Grid1.RowCount(), 1u);
+                choose(Key());
+                Key().Command1.Press();
+            });
             Designer().cmdOk.Press();
         });
-        AnswerKey([this, &one] {
-            EXPECT_EQ(Key().Grid1.Columns().size(), 3u);
-            EXPECT_EQ(Key().Grid1.RowCount(), 1u);
-            one.choose(Key());
-            Key().Command1.Press();
-        });
-        bench.Prompts().QueueInput(one.name);
-        view->cmdNewFolder.Press();
-        EXPECT_EQ(Columns(one.name), one.columns);
-        const TableDef made = Describe(one.name);
-        ASSERT_EQ(made.indexes.size(), *one.key ? 1u : 0u);
+        EXPECT_EQ(Columns(name), columns);
+        const TableDef made = Describe(name);
+        ASSERT_EQ(made.indexes.size(), column.empty() ? 0u : 1u);
         for (const Index& index : made.indexes)
-            EXPECT_EQ(index.fields, std::vector<std::string>{one.key});
+            EXPECT_EQ(index.fields, Texts{column});
     }
 }
 
@@ -125,7 +118,7 @@ TEST_F(TableDesigner, NothingIsMadeUntilTheTableIsBuilt) {
         EXPECT_EQ(Designer().lstFields.Count(), 1);
         Designer().cmdCancel.Press();
     });
-    EXPECT_EQ(view->cmbTable.Items(), (std::vector<std::string>{"People", "Archive"}));
+    EXPECT_EQ(view->cmbTable.Items(), (Texts{"People", "Archive"}));
     EXPECT_EQ(view->Data1.CurrentTable(), "People");
     EXPECT_EQ(Rows("People"), test::PeopleRows);
 }
@@ -136,8 +129,7 @@ TEST_F(TableDesigner, AfterABuildTheTableIsAnExistingOne) {
         Add("Code");
         AcceptKey();
         Designer().cmdBuildTable.Press();
-        EXPECT_EQ(Designer().lstFields.Items(),
-                  (std::vector<std::string>{"Code\tText", "ID\tLong Integer"}));
+        EXPECT_EQ(Listed(), (Texts{"Code\tText", "ID\tLong Integer"}));
         Add("Later", "Memo (extended text)");
         Designer().cmdCancel.Press();
     });
@@ -167,7 +159,7 @@ TEST_F(TableDesigner, ChecksWhatIsTyped) {
         Add("Code", "Memo (extended text)");
         Designer().cmdModify.Press();
         Designer().cmdDelete.Press();
-        EXPECT_EQ(Designer().lstFields.Items(), std::vector<std::string>{"Code\tText"});
+        EXPECT_EQ(Listed(), Texts{"Code\tText"});
         Designer().cmdCancel.Press();
     });
     const auto& last = bench.Prompts().Shown();
@@ -187,20 +179,17 @@ TEST_F(TableDesigner, ChecksTheTableBeforeItBuilds) {
         EXPECT_EQ(bench.windows.FocusedControl(), &Designer().txtTableName);
         build("a!b");
         EXPECT_NE(LastBox().find("Invalid Table name: 'a!b'"), std::string::npos);
+        const std::string none = "Please define some columns for this table. \r\n\r\n";
+        const std::string enter = "Enter the name of each field in the 'Field Name' ";
+        const std::string add = " and click the 'Add' button. ";
         build(" Orders ");
-        ExpectBox(
-            "Please define some columns for this table. \r\n\r\nEnter the name of each field in "
-            "the 'Field Name' text box and click the 'Add' button. ");
+        ExpectBox(none + enter + "text box" + add);
         EXPECT_EQ(Designer().txtTableName.Text(), "Orders");
         Designer().cmdDelete.Press();
-        ExpectBox(
-            "Please define some columns for this table. \r\n\r\nEnter the name of each field in "
-            "the 'Field Name' textbox and click the 'Add' button. ");
+        ExpectBox(none + enter + "textbox" + add);
         Designer().txtFieldName.SetByUser("Code");
         Designer().cmdModify.Press();
-        ExpectBox(
-            "Please define fields. \r\n\r\nEnter the name of each field in the 'Field Name' "
-            "textbox and click the 'Add' button. ");
+        ExpectBox("Please define fields. \r\n\r\n" + enter + "textbox" + add);
         Designer().cmdCancel.Press();
     });
 }
@@ -220,7 +209,7 @@ TEST_F(TableDesigner, EngineErrorsAskWhetherToProceed) {
         Designer().cmdBuildTable.Press();
         Designer().cmdCancel.Press();
     });
-    EXPECT_EQ(view->cmbTable.Items(), (std::vector<std::string>{"People", "Archive"}));
+    EXPECT_EQ(view->cmbTable.Items(), (Texts{"People", "Archive"}));
     EXPECT_EQ(Rows("People"), test::PeopleRows);
 }
 
@@ -230,8 +219,7 @@ TEST_F(TableDesigner, ChangesAnExistingTableAtOnce) {
     AnswerBox(BoxAnswer::Yes, "The contents of field `Name` will be deleted.");
     AnswerBox(BoxAnswer::Yes, "The contents of field `Age` will be deleted.");
     EditPeople([this] {
-        EXPECT_EQ(Designer().lstFields.Items(),
-                  (std::vector<std::string>{"Email\tText", "Name\tText", "Age\tLong Integer"}));
+        EXPECT_EQ(Listed(), (Texts{"Email\tText", "Name\tText", "Age\tLong Integer"}));
         Add("Joined", "Date/Time");
         Choose("Age\tLong Integer");
         EXPECT_EQ(Designer().txtFieldName.Text(), "Age");
@@ -239,9 +227,9 @@ TEST_F(TableDesigner, ChangesAnExistingTableAtOnce) {
         Choose("Name\tText");
         Designer().txtFieldName.SetByUser("First Name");
         Designer().cmdModify.Press();
-        EXPECT_EQ(Designer().lstFields.Items()[1], "Name\tText");
+        EXPECT_EQ(Listed()[1], "Name\tText");
         Designer().cmdModify.Press();
-        EXPECT_EQ(Designer().lstFields.Items()[1], "First Name\tText");
+        EXPECT_EQ(Listed()[1], "First Name\tText");
         Choose("Age\tLong Integer");
         Designer().cmdDelete.Press();
         Designer().cmdCancel.Press();
@@ -259,9 +247,9 @@ TEST_F(TableDesigner, ModifyKeepsTheOldColumnWhenTheNewOneIsRefused) {
         Choose("Name\tText");
         Designer().txtFieldName.SetByUser("email");
         Designer().cmdModify.Press();
-        EXPECT_EQ(Designer().lstFields.Items()[1], "email\tText") << "errors are passed over";
+        EXPECT_EQ(Listed()[1], "email\tText") << "errors are passed over";
         Designer().cmdNapuniPolja.Press();
-        EXPECT_EQ(Designer().lstFields.Items()[1], "Name\tText");
+        EXPECT_EQ(Listed()[1], "Name\tText");
         Choose("Name\tText");
         Designer().cmbFieldDataType.SetByUser("Double");
         Designer().cmdModify.Press();
@@ -277,8 +265,6 @@ TEST_F(TableDesigner, SeveralColumnsGoAtOnce) {
         Designer().lstFields.SetSelected(0, true);
         Designer().lstFields.SetSelected(2, true);
         Designer().cmdDelete.Press();
-        EXPECT_EQ(Designer().lstFields.Items(),
-                  (std::vector<std::string>{"Email\tText", "Name\tText"}));
         Designer().cmdOk.Press();
     });
     EXPECT_EQ(Columns("People"), "Email:10 Name:10");
@@ -288,7 +274,7 @@ TEST_F(TableDesigner, AnotherNameMakesTheListedColumnsANewTable) {
     ExpectMade("Persons");
     EditPeople([this] {
         Designer().txtTableName.SetByUser("Archive");
-        EXPECT_EQ(Designer().lstFields.Items().back(), "Notes\tText");
+        EXPECT_EQ(Listed().back(), "Notes\tText");
         Designer().txtTableName.SetByUser("Persons");
         Add("More");
         AcceptKey();
@@ -298,7 +284,7 @@ TEST_F(TableDesigner, AnotherNameMakesTheListedColumnsANewTable) {
     EXPECT_EQ(Columns("Archive"), "Email:10 Age:4 Notes:10");
 }
 
-TEST_F(TableDesigner, BadNamesAndFilesAreTold) {
+TEST_F(TableDesigner, NeedsAGoodNameAndAFile) {
     bench.Prompts().QueueInput("a,b");
     AnswerBox(BoxAnswer::Ok, "Invalid Table name: 'a,b'");
     view->cmdNewFolder.Press();
@@ -306,15 +292,22 @@ TEST_F(TableDesigner, BadNamesAndFilesAreTold) {
     view->cmdNewFolder.Press();
     EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDatabaseTable"));
 
-    view->Unload();
-    bench.Settle();
+    CloseView();
     AnswerBox(BoxAnswer::Ok, "Please create new database or open existing database first.");
-    auto& settings = bench.wb.forms.Get<frmSettings>();
-    settings.txtAccessDBPath.SetText("");
+    Settings().txtAccessDBPath.SetText("");
     DesignNewTable(bench.wb);
-    settings.txtAccessDBPath.SetText(path);
-    DeleteFile(path);
+    Settings().txtAccessDBPath.SetText(path);
+    ExpectMade("Orders");
     bench.Prompts().QueueInput("Orders");
+    Act([this] {
+        Add("Code");
+        AcceptKey();
+        Designer().cmdOk.Press();
+    });
+    DesignNewTable(bench.wb);
+    EXPECT_EQ(Settings().cmbAccessTable.Items().back(), "Orders");
+    DeleteFile(path);
+    bench.Prompts().QueueInput("More");
     AnswerBox(BoxAnswer::Ok, "Invalid database file. ");
     DesignNewTable(bench.wb);
     EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmDatabaseTable"));
@@ -333,20 +326,6 @@ TEST_F(TableDesigner, AFileThatHasGoneKeepsTheDialog) {
         AnswerBox(BoxAnswer::Ok, "Could not find file");
         Designer().cmdCancel.Press();
     });
-}
-
-TEST_F(TableDesigner, WithoutAViewTheSettingsKnowTheNewTable) {
-    view->Unload();
-    bench.Settle();
-    ExpectMade("Orders");
-    bench.Prompts().QueueInput("Orders");
-    Act([this] {
-        Add("Code");
-        AcceptKey();
-        Designer().cmdOk.Press();
-    });
-    DesignNewTable(bench.wb);
-    EXPECT_EQ(bench.wb.forms.Get<frmSettings>().cmbAccessTable.Items().back(), "Orders");
 }
 
 }  // namespace

@@ -13,7 +13,6 @@ protected:
 TEST_F(TableStructure, ColumnsComeGoAndChangeTheirNames) {
     Name(" Notes ");
     view->cmdNewColumn.Press();
-    EXPECT_EQ(Columns("People"), "Email:10 Name:10 Age:4 Notes:10");
     EXPECT_TRUE(Describe("People").FindField("Notes")->allowZeroLength);
     EXPECT_EQ(view->Grid1.Columns().size(), 4u);
 
@@ -30,21 +29,14 @@ TEST_F(TableStructure, ColumnsComeGoAndChangeTheirNames) {
     EXPECT_EQ(Rows("People"), "a@x.com Ann \nb@x.com Bob \nc@x.com Cid \n");
     EXPECT_EQ(Describe("People").indexes.size(), 1u);
 
+    view->SortGridByColumn(0);
     view->Grid1.SetCurrentColumn(0);
     AnswerBox(BoxAnswer::Yes, "`Email`");
     view->cmdDeleteColumn.Press();
+    EXPECT_EQ(view->Data1.CurrentTable(), "People") << "in another order";
+    EXPECT_EQ(view->Grid1.RowCount(), 3u);
     EXPECT_TRUE(Describe("People").indexes.empty());
     EXPECT_EQ(Columns("People"), "First Name:10 Notes:10");
-}
-
-TEST_F(TableStructure, ASortedColumnMayGo) {
-    view->SortGridByColumn(1);
-    view->Grid1.SetCurrentColumn(1);
-    AnswerBox(BoxAnswer::Yes, "`Name`");
-    view->cmdDeleteColumn.Press();
-    EXPECT_EQ(view->Data1.CurrentTable(), "People");
-    EXPECT_EQ(view->Grid1.RowCount(), 3u);
-    EXPECT_EQ(Columns("People"), "Email:10 Age:4");
 }
 
 TEST_F(TableStructure, TablesGoAndChangeTheirNames) {
@@ -68,28 +60,24 @@ TEST_F(TableStructure, TablesGoAndChangeTheirNames) {
 }
 
 TEST_F(TableStructure, NamesAndEngineErrorsAreTold) {
-    const struct {
-        Button& button;
-        const char* name;
-        const char* title;
-        const char* text;  ///< "" for none
-    } cases[] = {
-        {view->cmdNewColumn, "a.b", "New column", "Invalid Column name: 'a.b'"},
-        {view->cmdNewColumn, "  ", "New column", ""},
-        {view->cmdNewColumn, "EMAIL", "New column", "Email"},
-        {view->cmdRenameColumn, "a`b", "Rename column", "Invalid Column name: 'a`b'"},
-        {view->cmdRenameColumn, "Name", "Rename column", "Name"},
-        {view->cmdRenameFolder, "a[b", "Rename table", "Invalid Table name: 'a[b'"},
-        {view->cmdRenameFolder, "archive", "Rename table", "Table 'archive' already exists."},
+    // The box of each: "" for none.
+    const std::tuple<Button*, const char*, const char*, std::string> cases[] = {
+        {&view->cmdNewColumn, "a.b", "New column", "Invalid Column name: 'a.b'"},
+        {&view->cmdNewColumn, "  ", "New column", ""},
+        {&view->cmdNewColumn, "EMAIL", "New column", "Email"},
+        {&view->cmdRenameColumn, "a`b", "Rename column", "Invalid Column name: 'a`b'"},
+        {&view->cmdRenameColumn, "Name", "Rename column", "Name"},
+        {&view->cmdRenameFolder, "a[b", "Rename table", "Invalid Table name: 'a[b'"},
+        {&view->cmdRenameFolder, "archive", "Rename table", "Table 'archive' already exists."},
     };
-    for (const auto& one : cases) {
-        SCOPED_TRACE(one.name);
+    for (const auto& [button, name, title, box] : cases) {
+        SCOPED_TRACE(name);
         const std::size_t before = bench.Prompts().Shown().size();
-        if (*one.text) AnswerBox(BoxAnswer::Ok, "");
-        Name(one.name);
-        one.button.Press();
-        ASSERT_EQ(bench.Prompts().Shown().size(), before + (*one.text ? 2 : 1));
-        EXPECT_EQ(bench.Prompts().Shown()[before].title, one.title);
+        if (!box.empty()) AnswerBox(BoxAnswer::Ok, "");
+        Name(name);
+        button->Press();
+        ASSERT_EQ(bench.Prompts().Shown().size(), before + (box.empty() ? 1 : 2));
+        EXPECT_EQ(bench.Prompts().Shown()[before].title, title);
         EXPECT_EQ(view->Data1.CurrentTable(), "People");
         ASSERT_NE(view->Data1.Database(), nullptr) << "the view is connected again";
     }
@@ -164,12 +152,11 @@ TEST_F(DatabaseUpkeep, AFailureLeavesTheViewUsable) {
 }
 
 TEST_F(DatabaseUpkeep, LeftoversOfAKilledRunGoWhenTheViewComes) {
-    view->Unload();
-    bench.Settle();
+    CloseView();
     for (const char* name : {"lists.db.mailvane-new", "lists.db.bak.mailvane-new-journal"})
         bench.folder.Write(std::string("program/") + name, "half");
     bench.folder.Write("program/lists.db.new", "the user's");
-    view = &bench.wb.forms.Get<frmViewDatabase>();
+    Reopen();
     EXPECT_FALSE(FileExists(path + ".mailvane-new"));
     EXPECT_FALSE(FileExists(path + ".bak.mailvane-new-journal"));
     EXPECT_TRUE(FileExists(path + ".new"));

@@ -32,7 +32,7 @@ protected:
              {"('a@x.com', 'Ann', 31)", "('b@x.com', 'Bob', 32)", "('c@x.com', 'Cid', 33)"})
             ASSERT_TRUE((*made)->Execute(std::string("INSERT INTO People VALUES ") + row).Ok());
         (*made)->Close();
-        bench.wb.forms.Get<frmSettings>().txtAccessDBPath.SetText(path);
+        Settings().txtAccessDBPath.SetText(path);
         view = &bench.wb.forms.Get<frmViewDatabase>();
         // Modal forms stand open while the program is idle: that is when the user acts in them.
         whileOpen = bench.windows.idle.Observe([this] {
@@ -47,6 +47,18 @@ protected:
         EXPECT_EQ(next, acts.size()) << "dialogs that never came";
     }
 
+    frmSettings& Settings() { return bench.wb.forms.Get<frmSettings>(); }
+    std::string ProjectFile(const std::string& name) {
+        return bench.wb.state.ProjectFolder + "/" + name;
+    }
+    void CloseView() {
+        view->Unload();
+        bench.Settle();
+    }
+    void Reopen() {
+        if (bench.wb.forms.Find<frmViewDatabase>()) CloseView();
+        view = &bench.wb.forms.Get<frmViewDatabase>();
+    }
     template <class F>
     F& Form() {
         F* form = bench.wb.forms.Find<F>();

@@ -29,8 +29,12 @@ struct MergeBench : TestBench {
         // The notice at the end of a run waits for a click.
         SaveUserSetting(wb, "Messages", "Outbox", "1");
     }
+    ~MergeBench() { EXPECT_EQ(Prompts().Failure(), std::nullopt); }
 
     std::string DatabasePath() const { return folder.File("recipients.db"); }
+    std::string InProject(const std::string& name) const {
+        return wb.state.ProjectFolder + "/" + name;
+    }
 
     void MakeTable(const std::string& name, const std::vector<Field>& fields,
                    const std::vector<std::vector<Cell>>& rows) {
@@ -89,13 +93,13 @@ struct MergeBench : TestBench {
         EXPECT_TRUE(wb.state.MessageStore->Execute("DELETE * FROM [Outbox]").Ok());
     }
 
-    /// The first column of each row.
-    std::vector<std::string> FirstColumn(const std::string& table) {
-        std::vector<std::string> texts;
+    /// The first column of each row, a blank behind each.
+    std::string FirstColumn(const std::string& table) {
         const auto opened = database->OpenRecordset(table);
-        if (opened.Failed()) return {opened.Error().description};
+        if (opened.Failed()) return opened.Error().description;
+        std::string texts;
         for (const auto& rows = *opened; !rows->EndOfFile(); rows->MoveNext().Ignore())
-            texts.push_back(rows->Get(0)->TextOrEmpty());
+            texts += rows->Get(0)->TextOrEmpty() + " ";
         return texts;
     }
 
@@ -117,10 +121,11 @@ private:
     Subscription cancel_;
 };
 
-inline std::vector<std::string> Recipients(const std::vector<MessageRecord>& messages) {
-    std::vector<std::string> texts;
+/// A blank behind each.
+inline std::string Recipients(const std::vector<MessageRecord>& messages) {
+    std::string texts;
     for (const MessageRecord& message : messages)
-        texts.push_back(message.To);
+        texts += message.To + " ";
     return texts;
 }
 

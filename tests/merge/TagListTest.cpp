@@ -24,33 +24,22 @@ std::string FillPassByPass(const std::vector<std::string>& names, std::string te
 }
 
 TEST(TagList, ReplacesTagsPassByPass) {
-    struct Row {
-        const char* name;
-        std::string text;
-        Values values;  ///< of the columns First Name, Email, Stadt
-        std::string result;
-    };
-    const Row rows[] = {
+    // The values are those of the columns First Name, Email, Stadt.
+    const std::tuple<const char*, std::string, Values, std::string> rows[] = {
         {"every occurrence", "[Email], [Email]", {"", "e", ""}, "e, e"},
         {"letter case is ignored", "[EMAIL][first name]", {"F", "e", ""}, "eF"},
-        {"no column of that name",
-         "[Mail] [Email ] [ Email]",
-         {"", "e", ""},
-         "[Mail] [Email ] [ Email]"},
+        {"no column's name", "[Mail] [Email ] [ Email]", {"", "e", ""}, "[Mail] [Email ] [ Email]"},
         {"no text keeps the tag", "a [Email] b", {"", std::nullopt, ""}, "a [Email] b"},
         {"a later column's tag in a value", "[First Name]", {"[Stadt]!", "", "Ulm"}, "Ulm!"},
-        {"an earlier column's tag in a value",
-         "[Stadt]",
-         {"F", "", "[First Name]"},
-         "[First Name]"},
+        {"an earlier column's tag", "[Stadt]", {"F", "", "[First Name]"}, "[First Name]"},
         {"a value makes a tag of its surroundings", "[Sta[Email]t]", {"", "d", "Ulm"}, "Ulm"},
         {"a tag in brackets of its own", "[[Email]]", {"", "e", ""}, "[e]"},
         {"an open bracket before a closed pair", "[ [x] [Email]", {"", "e", ""}, "[ [x] e"},
         {"brackets that are never closed", "[Email", {"", "e", ""}, "[Email"},
     };
     const TagList tags({"First Name", "Email", "Stadt"});
-    for (const Row& row : rows)
-        EXPECT_EQ(Fill(tags, row.text, row.values), row.result) << row.name;
+    for (const auto& [name, text, values, result] : rows)
+        EXPECT_EQ(Fill(tags, text, values), result) << name;
 }
 
 TEST(TagList, RemoveTakesOutTagsOnly) {
@@ -60,14 +49,10 @@ TEST(TagList, RemoveTakesOutTagsOnly) {
     EXPECT_EQ(text, "x[C]y");
 }
 
-TEST(TagList, LetterCaseIsThatOfAllLetters) {
-    const TagList tags({"Größe", "STRASSE"});
-    EXPECT_EQ(Fill(tags, "[GRÖßE] [größe] [Straße]", {"1", "2"}), "1 1 [Straße]");
-}
-
-TEST(TagList, NamesWithBracketsAreNames) {
-    const TagList tags({"a]b", "[c"});
-    EXPECT_EQ(Fill(tags, "[a]b] [[c]", {"1", "2"}), "1 2");
+TEST(TagList, NamesMayHoldAnyLetter) {
+    EXPECT_EQ(Fill(TagList({"Größe", "STRASSE"}), "[GRÖßE] [größe] [Straße]", {"1", "2"}),
+              "1 1 [Straße]");
+    EXPECT_EQ(Fill(TagList({"a]b", "[c"}), "[a]b] [[c]", {"1", "2"}), "1 2");
 }
 
 TEST(TagList, OneWalkEqualsThePasses) {

@@ -10,14 +10,7 @@ namespace {
 
 TEST(AutoComplete, OffersTheFirstEntryThatBeginsWithTheSameLetter) {
     const std::string list = "\"Bob\" <bob@x>\",\" anna@x \",\"ANDREW@x\",\"éva@x\",\"";
-    struct Row {
-        const char* name;
-        const char* typed;
-        int key;
-        const char* shown;
-        const char* offered;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, int, const char*, const char*> rows[] = {
         {"the begin of an entry", "an", 'N', "anna@x", "na@x"},
         {"as typed", "AN", 'N', "ANna@x", "na@x"},
         {"a later entry", "and", 'D', "andREW@x", "REW@x"},
@@ -39,24 +32,17 @@ TEST(AutoComplete, OffersTheFirstEntryThatBeginsWithTheSameLetter) {
     completion.SetCompleteTextbox(box);
     completion.SearchList = list;
     completion.Delimeter = AddressDelimiter;
-    for (const Row& row : rows) {
-        box.SetText(row.typed);
+    for (const auto& [name, typed, key, shown, offered] : rows) {
+        box.SetText(typed);
         box.Select(box.Text().size(), 0);
-        box.onKeyUp(row.key);
-        EXPECT_EQ(box.Text(), row.shown) << row.name;
-        EXPECT_EQ(box.Text().substr(box.SelectionStart(), box.SelectionLength()), row.offered)
-            << row.name;
+        box.onKeyUp(key);
+        EXPECT_EQ(box.Text(), shown) << name;
+        EXPECT_EQ(box.Text().substr(box.SelectionStart(), box.SelectionLength()), offered) << name;
     }
 }
 
 TEST(AddressBook, AnAddressEntersOnce) {
-    struct Row {
-        const char* name;
-        std::string list;
-        std::string text;
-        std::string after;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, std::string, std::string, std::string> rows[] = {
         {"the first", "", "a@x", "a@x\",\""},
         {"another", "a@x\",\"", "b@x", "a@x\",\"b@x\",\""},
         {"in other letters", "a@x\",\"b@x\",\"", "A@X", "a@x\",\"b@x\",\""},
@@ -64,10 +50,10 @@ TEST(AddressBook, AnAddressEntersOnce) {
         {"nothing, to an empty list", "", "", ""},
         {"nothing, to a list", "a@x\",\"", "", "a@x\",\"\",\""},
     };
-    for (const Row& row : rows) {
-        std::string list = row.list;
-        EXPECT_EQ(AppendAddress(list, row.text), row.after != row.list) << row.name;
-        EXPECT_EQ(list, row.after) << row.name;
+    for (const auto& [name, before, text, after] : rows) {
+        std::string list = before;
+        EXPECT_EQ(AppendAddress(list, text), after != before) << name;
+        EXPECT_EQ(list, after) << name;
     }
 }
 

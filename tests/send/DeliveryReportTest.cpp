@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "send/DeliveryNotes.h"
 #include "send/SendBench.h"
@@ -33,18 +33,14 @@ struct DeliveryReport : testing::Test {
 };
 
 TEST_F(DeliveryReport, KeepsTextsAsTheyAre) {
-    const std::string texts[] = {"plain",
-                                 "",
-                                 " blanks ",
-                                 "tab\tquote\"comma,",
-                                 "550-one\r\n550 two",
-                                 "\"",
-                                 "\xC3\xA4\xF0\x9F\x98\x80",
-                                 "=1+1"};
+    const std::string tab = "tab\tquote\"comma,";
+    const std::vector<std::string> texts = {
+        "plain", "", " blanks ", tab, "550-one\r\n550 two", "\"", "\xC3\xA4\xF0\x9F\x98\x80",
+        "=1+1"};
     DeliveryRun merge;
     merge.began = Morning;
     merge.kind = DeliveryRun::Kind::Merge;
-    merge.table = texts[3];
+    merge.table = tab;
     merge.generated = 4711;
     DeliveryRun send = SendOf(3);
     send.left = 2;
@@ -62,8 +58,8 @@ TEST_F(DeliveryReport, KeepsTextsAsTheyAre) {
     EXPECT_EQ(runs[1].began, Morning);
     EXPECT_EQ(runs[1].left, 2);
     EXPECT_EQ(runs[1].domains, send.domains);
-    ASSERT_EQ(runs[1].refused.size(), std::size(texts));
-    for (std::size_t i = 0; i < std::size(texts); ++i)
+    ASSERT_EQ(runs[1].refused.size(), texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i)
         EXPECT_EQ(runs[1].refused[i].address + runs[1].refused[i].answer, texts[i] + texts[i]);
 }
 
@@ -153,12 +149,10 @@ TEST_F(DeliveryRuns, EveryAddressIsCountedWithWhatBecameOfIt) {
         return address.starts_with("gone") ? "550 No <b>" + address + "</b> here" : "";
     };
     EXPECT_EQ(Form().lblSummary.Text(), "No run has been recorded yet.");
-    Queue("a@example.com, b@Example.COM, a@example.com");
-    Queue("Doe, John <c@example.com>");
-    Queue("d@example.com, gone1@test.example");
-    Queue("gone2@test.example, gone3@example.com");
-    Queue("nobody");
-    Queue("");
+    for (const char* to : {"a@example.com, b@Example.COM, a@example.com",
+                           "Doe, John <c@example.com>", "d@example.com, gone1@test.example",
+                           "gone2@test.example, gone3@example.com", "nobody", ""})
+        Queue(to);
     Send();
 
     EXPECT_EQ(Delivered(), "a@example.com b@Example.COM c@example.com d@example.com ");
@@ -236,11 +230,9 @@ TEST_F(DeliveryRuns, ReportThatCannotBeWrittenIsToldByTheForm) {
     QueueMany(1);
     wb.state.UnattendedRun = false;
     Send();
-    EXPECT_EQ(ErrorLog(), "");
-    EXPECT_TRUE(Prompts().Shown().empty());
-    const std::string text = Form().lblSummary.Text();
-    EXPECT_NE(text.find("The run of 3/15/2024"), std::string::npos) << text;
-    EXPECT_NE(text.find("could not be added"), std::string::npos) << text;
+    EXPECT_EQ(ErrorLog() + FirstBox(), "");
+    EXPECT_THAT(Form().lblSummary.Text(), testing::HasSubstr("The run of 3/15/2024"));
+    EXPECT_THAT(Form().lblSummary.Text(), testing::HasSubstr("could not be added"));
 }
 
 }  // namespace

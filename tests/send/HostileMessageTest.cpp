@@ -1,10 +1,11 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <map>
 #include <set>
 #include <string_view>
 
+#include "core/Text.h"
 #include "platform/net/MessageSource.h"
 #include "platform/net/TextCoding.h"
 #include "send/SendBench.h"
@@ -13,12 +14,12 @@ namespace mailvane {
 namespace {
 
 using namespace std::string_literals;
-using test::SendBench;
+using testing::HasSubstr;
 
 constexpr const char* InvalidAddress = "Invalid e-mail address.";
 constexpr const char* Boundary = "--abcdfwefjsdvsdfg";
-const std::vector<std::vector<std::string>> Forms = {
-    {}, {"PIPELINING", "8BITMIME"}, {"PIPELINING", "CHUNKING"}};
+using Extensions = std::vector<std::string>;
+const Extensions Forms[] = {{}, {"PIPELINING", "8BITMIME"}, {"PIPELINING", "CHUNKING"}};
 
 // --- what arrives -----------------------------------------------------------------------------
 
@@ -29,9 +30,12 @@ struct Arrived {
     std::string fault;
 };
 
-bool IsHeaderName(std::string_view name) {
-    return !name.empty() &&
-           std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < 127; });
+/// A header that the program writes.
+bool IsKnown(const std::string& name) {
+    static constexpr std::string_view known =
+        ":Date:Message-ID:From:To:Cc:Subject:X-Mailer:Reply-To:Content-Type:X-Priority:"
+        "X-MSMail-Priority:MIME-Version:Content-Transfer-Encoding:";
+    return known.find(":" + name + ":") != known.npos;
 }
 
 std::string QuotedPrintableDecoded(const std::string& text) {
@@ -49,34 +53,23 @@ std::string QuotedPrintableDecoded(const std::string& text) {
 }
 
 void TakeHeaderLine(Arrived& arrived, const std::string& line, std::string& last) {
-    const bool folded = line[0] == ' ' || line[0] == '\t';
-    if (folded) {
+    if (line[0] == ' ' || line[0] == '\t') {
         if (last.empty() || Trimmed(line).empty()) arrived.fault = "folded: " + line;
         arrived.headers[last] += line;
         return;
     }
-    const std::size_t colon = std::min(line.find(':'), line.size());
+    const std::size_t colon = line.find(':');
     last = line.substr(0, colon);
-    if (colon == line.size() || !IsHeaderName(last)) arrived.fault = "no header: " + line;
+    if (colon == line.npos || !IsKnown(last)) {
+        arrived.fault = "added: " + line;
+        return;
+    }
     if (!IsAscii(line)) arrived.fault = "outside ASCII: " + line;
     const bool once = arrived.headers.emplace(last, line.substr(colon + 1)).second;
     if (!once) arrived.fault = "twice: " + last;
 }
 
 Arrived TakeApart(const std::string& raw) {
-    static const std::set<std::string> known = {"Date",
-                                                "Message-ID",
-                                                "From",
-                                                "To",
-                                                "Cc",
-                                                "Subject",
-                                                "X-Mailer",
-                                                "Reply-To",
-                                                "Content-Type",
-                                                "X-Priority",
-                                                "X-MSMail-Priority",
-                                                "MIME-Version",
-                                                "Content-Transfer-Encoding"};
     Arrived arrived;
     std::string last;
     std::size_t at = 0;
@@ -99,8 +92,6 @@ Arrived TakeApart(const std::string& raw) {
             arrived.body = raw.substr(at);
         }
     }
-    for (const auto& [name, value] : arrived.headers)
-        if (!known.contains(name)) arrived.fault = "added: " + name;
     const std::string& type = arrived.headers["Content-Type"];
     if (arrived.headers["Content-Transfer-Encoding"] == " quoted-printable")
         arrived.body = QuotedPrintableDecoded(arrived.body);
@@ -153,66 +144,54 @@ const std::vector<Value> HostileTexts = {
     {"megabytes", ManyLines(3 * 1024 * 1024)},
 };
 
-using Set = void (*)(MessageRecord&, const std::string&);
+using Member = std::string MessageRecord::*;
 struct Field {
     const char* name;
     bool isLong;  ///< takes more than 65535 bytes
-    Set set;
+    Member member;
+    const char* contentType = "";
+    const char* before = "";  ///< what stands in the field before the text
 };
 
 const std::vector<Field> TextFields = {
-    {"Subject", false, [](auto& record, auto& text) { record.Subject = text; }},
-    {"Body", true, [](auto& record, auto& text) { record.Body = text; }},
-    {"Body of an HTML message", true,
-     [](auto& record, auto& text) { record.ContentType = "html", record.Body = text; }},
-    {"ReplyTo", false, [](auto& record, auto& text) { record.ReplyTo = text; }},
-    {"Priority", false, [](auto& record, auto& text) { record.Priority = text; }},
-    {"Mailer", false, [](auto& record, auto& text) { record.Mailer = text; }},
-    {"ContentType", false, [](auto& record, auto& text) { record.ContentType = text; }},
-    {"HTML", false,
-     [](auto& record, auto& text) { record.ContentType = "html", record.HTML = text; }},
-    {"HTMLCode", true,
-     [](auto& record, auto& text) {
-         record.ContentType = "HTML", record.HTML = "code", record.Body = "";
-         record.HTMLCode = text;
-     }},
-    {"AllHeaders", true, [](auto& record, auto& text) { record.AllHeaders = text; }},
-    {"Attach", false, [](auto& record, auto& text) { record.Attach = "/dev/null/" + text; }},
+    {"Subject", false, &MessageRecord::Subject},
+    {"Body", true, &MessageRecord::Body},
+    {"Body of an HTML message", true, &MessageRecord::Body, "html"},
+    {"ReplyTo", false, &MessageRecord::ReplyTo},
+    {"Priority", false, &MessageRecord::Priority},
+    {"Mailer", false, &MessageRecord::Mailer},
+    {"ContentType", false, &MessageRecord::ContentType},
+    {"HTML", false, &MessageRecord::HTML, "html"},
+    {"HTMLCode", true, &MessageRecord::HTMLCode, "HTML"},
+    {"AllHeaders", true, &MessageRecord::AllHeaders},
+    {"Attach", false, &MessageRecord::Attach, "", "/dev/null/"},
 };
 
 /// Every message comes from a sender of its own, by which it is found again.
-class HostileBench : public SendBench {
-public:
-    explicit HostileBench(const std::vector<std::string>& extensions) {
-        server.extensions = extensions;
-        AnswerErrorPrompt(false);
-    }
+class HostileMessage : public testing::TestWithParam<Extensions>, protected test::SendBench {
+protected:
+    HostileMessage() { server.extensions = GetParam(); }
 
-    MessageRecord Plain(const std::string& sender) {
-        MessageRecord record;
-        record.From = sender;
-        record.To = "to@example.com";
-        record.Subject = "Hello";
+    static MessageRecord Plain(const std::string& sender) {
+        MessageRecord record = Message("to@example.com", sender);
         record.Body = ".plain";
         return record;
     }
     /// The message, and behind it one that must not suffer.
-    void Queue(MessageRecord record) {
-        MessageRecord other = Plain("other" + std::to_string(++queued_) + "@example.com");
-        for (MessageRecord* each : {&record, &other})
-            ASSERT_TRUE(
-                TrySaveMessageRecord(wb, *each, "", OutboxFolder, false, 0, "Read", false).Ok());
+    void QueueWithOther(const MessageRecord& record) {
+        Queue(record);
+        Queue(Plain("other" + std::to_string(++queued_) + "@example.com"));
     }
     void SendAll() {
         Send();
-        for (const auto& message : server.Messages())
-            EXPECT_TRUE(arrived_.emplace(message.from, message).second) << message.from;
+        const auto messages = server.Messages();
+        for (std::size_t i = arrived_.size(); i < messages.size(); ++i)
+            EXPECT_TRUE(arrived_.emplace(messages[i].from, messages[i]).second) << messages[i].from;
         for (int i = 1; i <= queued_; ++i) {
             const std::string sender = "other" + std::to_string(i) + "@example.com";
             EXPECT_EQ(Expect(sender, "to@example.com ").body, ".plain\r\n");
         }
-        for (const std::string& line : server.Lines())
-            EXPECT_EQ(line.find("evil"), std::string::npos) << line;
+        EXPECT_THAT(server.Lines(), testing::Not(testing::Contains(HasSubstr("evil"))));
     }
     /// A valid message from `sender` arrived, for exactly these recipients.
     Arrived Expect(const std::string& sender, const std::string& recipients) {
@@ -233,70 +212,70 @@ private:
     std::map<std::string, test::FakeSmtpServer::Message> arrived_;
 };
 
+INSTANTIATE_TEST_SUITE_P(All, HostileMessage, testing::ValuesIn(Forms));
+
 std::string Sender(std::size_t field, std::size_t value) {
     return "f" + std::to_string(field) + "v" + std::to_string(value) + "@example.com";
 }
 
-TEST(HostileMessage, TextInEveryField) {
-    for (const auto& form : Forms) {
-        HostileBench bench(form);
-        const auto forEach = [&](const auto& act) {
-            for (std::size_t f = 0; f < TextFields.size(); ++f)
-                for (std::size_t v = 0; v < HostileTexts.size(); ++v) {
-                    std::string text = HostileTexts[v].text;
-                    if (!TextFields[f].isLong)
-                        text.resize(std::min<std::size_t>(60000, text.size()));
-                    SCOPED_TRACE("form "s + std::to_string(form.size()) + ", " +
-                                 TextFields[f].name + ", " + HostileTexts[v].name);
-                    act(TextFields[f], text, Sender(f, v));
-                }
-        };
-        forEach([&](const Field& field, const std::string& text, const std::string& sender) {
-            MessageRecord record = bench.Plain(sender);
-            field.set(record, text);
-            bench.Queue(record);
-        });
-        bench.SendAll();
-        const std::string name = "Attach";
-        forEach([&](const Field& field, const std::string& text, const std::string& sender) {
-            const Arrived arrived =
-                bench.Expect(sender, field.name == name ? "" : "to@example.com ");
-            const bool sentAsItIs = std::string(field.name).starts_with("Body") ||
-                                    field.name == std::string("HTMLCode");
-            EXPECT_TRUE(!sentAsItIs || arrived.body == AsSent(text)) << arrived.body.substr(0, 99);
-        });
-        // What could not be sent stays, and the log says why.
-        const auto rows = bench.Rows("Outbox");
-        EXPECT_EQ(rows.size(), HostileTexts.size());
-        for (const MessageRecord& row : rows)
-            EXPECT_NE(
-                bench.ErrorLog().find("Error: The file \"" + row.Attach + "\" cannot be read"),
-                std::string::npos);
-    }
+TEST_P(HostileMessage, TextInEveryField) {
+    const auto forEach = [&](const auto& act) {
+        for (std::size_t f = 0; f < TextFields.size(); ++f)
+            for (std::size_t v = 0; v < HostileTexts.size(); ++v) {
+                std::string text = HostileTexts[v].text;
+                if (!TextFields[f].isLong) text.resize(std::min<std::size_t>(60000, text.size()));
+                SCOPED_TRACE(TextFields[f].name + ", "s + HostileTexts[v].name);
+                act(TextFields[f], text, Sender(f, v));
+            }
+    };
+    forEach([&](const Field& field, const std::string& text, const std::string& sender) {
+        MessageRecord record = Plain(sender);
+        record.ContentType = field.contentType;
+        if (field.member == &MessageRecord::HTMLCode) {
+            record.HTML = "code";
+            record.Body = "";
+        }
+        record.*field.member = field.before + text;
+        QueueWithOther(record);
+    });
+    SendAll();
+    forEach([&](const Field& field, const std::string& text, const std::string& sender) {
+        const bool lost = field.member == &MessageRecord::Attach;
+        const Arrived arrived = Expect(sender, lost ? "" : "to@example.com ");
+        const bool sentAsItIs =
+            field.member == &MessageRecord::Body || field.member == &MessageRecord::HTMLCode;
+        EXPECT_TRUE(!sentAsItIs || arrived.body == AsSent(text)) << arrived.body.substr(0, 99);
+    });
+    // What could not be sent stays, and the log says why.
+    const auto rows = Rows("Outbox");
+    EXPECT_EQ(rows.size(), HostileTexts.size());
+    const std::string log = ErrorLog();
+    for (const MessageRecord& row : rows)
+        EXPECT_THAT(log, HasSubstr("Error: The file \"" + row.Attach + "\" cannot be read"));
 }
 
-TEST(HostileMessage, TextInTheSettings) {
-    for (const Value& value : HostileTexts) {
-        SCOPED_TRACE(value.name);
-        HostileBench bench(Forms[1]);
-        bench.settings.optIdentityCustom.SetValue(true);
-        bench.settings.txtIdentityCustom.SetText(value.text);
-        bench.settings.chkAddHTMLHeader.SetChecked(true);
-        bench.settings.txtAddHTMLHeader.SetText(value.text);
-        MessageRecord record = bench.Plain("html@example.com");
+TEST_P(HostileMessage, TextInTheSettings) {
+    settings.optIdentityCustom.SetValue(true);
+    settings.chkAddHTMLHeader.SetChecked(true);
+    for (std::size_t v = 0; v < HostileTexts.size(); ++v) {
+        const std::string& text = HostileTexts[v].text;
+        SCOPED_TRACE(HostileTexts[v].name);
+        settings.txtIdentityCustom.SetText(text);
+        settings.txtAddHTMLHeader.SetText(text);
+        MessageRecord record = Plain(Sender(0, v));
         record.ContentType = "html";
         record.HTML = "code";
         record.HTMLCode = "<p>";
-        bench.Queue(record);
-        bench.SendAll();
-        const Arrived arrived = bench.Expect("html@example.com", "to@example.com ");
+        QueueWithOther(record);
+        SendAll();
+        const Arrived arrived = Expect(Sender(0, v), "to@example.com ");
         EXPECT_TRUE(arrived.body ==
-                    AsSent("---\r\n.plain<br><br>\r\n\r\n<!-- " + value.text + " -->\r\n<p>"));
+                    AsSent("---\r\n.plain<br><br>\r\n\r\n<!-- " + text + " -->\r\n<p>"));
         EXPECT_EQ(arrived.headers.count("X-Mailer"), 1u);
     }
 }
 
-TEST(HostileMessage, NamesOfAttachedFiles) {
+TEST_P(HostileMessage, NamesOfAttachedFiles) {
     const std::vector<std::string> names = {"a\r\nBcc: evil@example.com",
                                             "a\"; name=\"b",
                                             "caf\xE9 \xC5\xBE",
@@ -306,25 +285,22 @@ TEST(HostileMessage, NamesOfAttachedFiles) {
                                             "--abcdfwefjsdvsdfg--",
                                             ";",
                                             "\\"};
-    for (const auto& form : Forms) {
-        HostileBench bench(form);
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            MessageRecord record = bench.Plain(Sender(i, 0));
-            record.Attach = bench.folder.Write(names[i], "content");
-            bench.Queue(record);
-        }
-        bench.SendAll();
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            SCOPED_TRACE(names[i]);
-            const Arrived arrived = bench.Expect(Sender(i, 0), "to@example.com ");
-            const std::size_t part = arrived.body.rfind("\r\n"s + Boundary + "\r\n");
-            ASSERT_NE(part, std::string::npos);
-            const Arrived file =
-                TakeApart(arrived.body.substr(part + 2 + std::string(Boundary).size() + 2));
-            EXPECT_EQ(file.fault, "");
-            EXPECT_EQ(file.headers.size(), 2u) << "type and encoding";
-            EXPECT_EQ(file.body, "Y29udGVudA==\r\n"s + Boundary + "--\r\n");
-        }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        MessageRecord record = Plain(Sender(i, 0));
+        record.Attach = folder.Write(names[i], "content");
+        QueueWithOther(record);
+    }
+    SendAll();
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        SCOPED_TRACE(names[i]);
+        const Arrived arrived = Expect(Sender(i, 0), "to@example.com ");
+        const std::size_t part = arrived.body.rfind("\r\n"s + Boundary + "\r\n");
+        ASSERT_NE(part, std::string::npos);
+        const Arrived file =
+            TakeApart(arrived.body.substr(part + 2 + std::string(Boundary).size() + 2));
+        EXPECT_EQ(file.fault, "");
+        EXPECT_EQ(file.headers.size(), 2u) << "type and encoding";
+        EXPECT_EQ(file.body, "Y29udGVudA==\r\n"s + Boundary + "--\r\n");
     }
 }
 
@@ -362,49 +338,46 @@ const std::vector<Addresses> HostileLists = {
     {"one line of lines", "\r\na@example.com\r\n", "a@example.com "},
     {"twice the same", "a@example.com, A <a@example.com>; a@example.com", "a@example.com ", "",
      "a@example.com "},
+    {"five characters", " a@b.c ", "a@b.c ", "", ""},
+    {"six characters", "a@b.cd", "a@b.cd "},
+    {"no at sign", "somebody", "somebody ", "", ""},
+    {"nothing", "", ""},
+    {"comma in an unquoted name", "Doe, J <a@example.com\r\n>", "a@example.com "},
+    {"two in brackets", "<a@example.com>,<b@example.com>", "a@example.com b@example.com "},
     {"commas only", "a@example.com,,,;,,", "a@example.com "},
 };
 
-TEST(HostileMessage, AddressesInEveryField) {
-    using Member = std::string MessageRecord::*;
+TEST_P(HostileMessage, AddressesInEveryField) {
     const std::vector<std::pair<const char*, Member>> fields = {
         {"To", &MessageRecord::To}, {"CC", &MessageRecord::CC}, {"BCC", &MessageRecord::BCC}};
-    for (const auto& form : Forms) {
-        HostileBench bench(form);
-        for (std::size_t f = 0; f < fields.size(); ++f)
-            for (std::size_t v = 0; v < HostileLists.size(); ++v) {
-                MessageRecord record = bench.Plain(Sender(f, v));
-                record.*fields[f].second = HostileLists[v].list;
-                bench.Queue(record);
-            }
-        bench.SendAll();
-        const std::string log = bench.ErrorLog();
-        std::size_t failed = 0;
-        for (std::size_t f = 0; f < fields.size(); ++f)
-            for (std::size_t v = 0; v < HostileLists.size(); ++v) {
-                const Addresses& row = HostileLists[v];
-                SCOPED_TRACE("form "s + std::to_string(form.size()) + ", " + fields[f].first +
-                             ", " + row.name);
-                const std::string reached = f > 0 ? "to@example.com "s + row.reached
-                                                  : (row.asTo == "="s ? row.reached : row.asTo);
-                if (reached.empty()) ++failed;
-                const Arrived arrived = bench.Expect(Sender(f, v), reached);
-                EXPECT_FALSE(f == 2 && arrived.headers.contains("Cc"));
-                if (*row.invalid != '\0' && !reached.empty()) {
-                    EXPECT_NE(
-                        log.find("Error: "s + InvalidAddress + "\r\nTo: " + row.invalid + "\r"),
-                        std::string::npos);
-                }
-            }
-        for (const MessageRecord& row : bench.Rows("Outbox"))
-            EXPECT_NE(log.find("Error: "s + InvalidAddress + "\r\nTo: " + row.To + "\r\nSubj"),
-                      std::string::npos)
-                << row.To;
-        EXPECT_EQ(bench.Rows("Outbox").size(), failed);
-    }
+    for (std::size_t f = 0; f < fields.size(); ++f)
+        for (std::size_t v = 0; v < HostileLists.size(); ++v) {
+            MessageRecord record = Plain(Sender(f, v));
+            record.*fields[f].second = HostileLists[v].list;
+            QueueWithOther(record);
+        }
+    SendAll();
+    const std::string log = ErrorLog();
+    const std::string invalid = "Error: "s + InvalidAddress + "\r\nTo: ";
+    std::size_t failed = 0;
+    for (std::size_t f = 0; f < fields.size(); ++f)
+        for (std::size_t v = 0; v < HostileLists.size(); ++v) {
+            const Addresses& row = HostileLists[v];
+            SCOPED_TRACE(fields[f].first + ", "s + row.name);
+            const std::string reached = f > 0 ? "to@example.com "s + row.reached
+                                              : (row.asTo == "="s ? row.reached : row.asTo);
+            if (reached.empty()) ++failed;
+            const Arrived arrived = Expect(Sender(f, v), reached);
+            EXPECT_FALSE(f == 2 && arrived.headers.contains("Cc"));
+            const std::string told = invalid + row.invalid + "\r";
+            EXPECT_TRUE(*row.invalid == '\0' || reached.empty() || ContainsText(log, told));
+        }
+    for (const MessageRecord& row : Rows("Outbox"))
+        EXPECT_THAT(log, HasSubstr(invalid + row.To + "\r\nSubj"));
+    EXPECT_EQ(Rows("Outbox").size(), failed);
 }
 
-TEST(HostileMessage, Senders) {
+TEST_P(HostileMessage, Senders) {
     struct Row {
         const char* name;
         std::string from;
@@ -426,52 +399,48 @@ TEST(HostileMessage, Senders) {
          "The sender's address \xC5\xBE@example.com cannot be used: The server does not take "
          "addresses outside ASCII."},
     };
-    for (const auto& form : Forms) {
-        HostileBench bench(form);
-        for (const Row& row : rows)
-            bench.Queue(bench.Plain(row.from));
-        bench.SendAll();
-        for (const Row& row : rows) {
-            SCOPED_TRACE(row.name);
-            if (*row.sender != '\0') bench.Expect(row.sender, "to@example.com ");
-            if (!row.error.empty()) {
-                EXPECT_NE(bench.ErrorLog().find("Error: " + row.error + "\r\nTo: to@"),
-                          std::string::npos);
-            }
-        }
-        EXPECT_EQ(bench.Rows("Outbox").size(), 4u);
+    for (const Row& row : rows)
+        QueueWithOther(Plain(row.from));
+    SendAll();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        if (row.error.empty())
+            Expect(row.sender, "to@example.com ");
+        else
+            EXPECT_THAT(ErrorLog(), HasSubstr("Error: " + row.error + "\r\nTo: to@"));
     }
+    EXPECT_EQ(Rows("Outbox").size(), 4u);
 }
 
-TEST(HostileMessage, TenThousandHiddenRecipients) {
-    for (const auto& form : Forms) {
-        for (const std::size_t room : {100000u, 100u}) {
-            SCOPED_TRACE("form " + std::to_string(form.size()) + ", " + std::to_string(room));
-            HostileBench bench(form);
-            bench.server.answer = [&](const std::string& step, const auto& message) {
-                const bool full = step.starts_with("RCPT") && message.to.size() == room;
-                return std::string(full ? "452 4.5.3 Too many recipients" : "");
-            };
-            MessageRecord record = bench.Plain("many@example.com");
-            std::set<std::string> wanted = {record.To};
-            for (int i = 0; i < 10000; ++i) {
-                wanted.insert("r" + std::to_string(i) + "@example.com");
-                record.BCC +=
-                    "\"R, " + std::to_string(i) + "\" <r" + std::to_string(i) + "@example.com>, ";
-            }
-            SaveMessageRecord(bench.wb, record, "", OutboxFolder, false, 0, "Read", false);
-            bench.Send();
-            std::multiset<std::string> reached;
-            const auto messages = bench.server.Messages();
-            for (const auto& message : messages) {
-                reached.insert(message.to.begin(), message.to.end());
-                EXPECT_EQ(message.data, messages[0].data);
-            }
-            EXPECT_EQ(messages.size(), room == 100 ? 101u : 1u);
-            EXPECT_TRUE(std::equal(reached.begin(), reached.end(), wanted.begin(), wanted.end()));
-            EXPECT_EQ(TakeApart(messages[0].data).fault, "");
-            EXPECT_EQ(bench.Recipients("Outbox") + bench.ErrorLog(), "");
+TEST_P(HostileMessage, TenThousandHiddenRecipients) {
+    std::ptrdiff_t before = 0;
+    for (const std::size_t room : {100000u, 100u}) {
+        SCOPED_TRACE(room);
+        server.answer = [&](const std::string& step, const auto& message) {
+            const bool full = step.starts_with("RCPT") && message.to.size() == room;
+            return std::string(full ? "452 4.5.3 Too many recipients" : "");
+        };
+        MessageRecord record = Plain("many@example.com");
+        std::multiset<std::string> wanted = {record.To};
+        for (int i = 0; i < 10000; ++i) {
+            const std::string number = std::to_string(i);
+            wanted.insert("r" + number + "@example.com");
+            record.BCC += "\"R, " + number + "\" <r" + number + "@example.com>, ";
         }
+        Queue(record);
+        Send();
+        std::multiset<std::string> reached;
+        auto messages = server.Messages();
+        messages.erase(messages.begin(), messages.begin() + before);
+        before = std::ssize(messages);
+        for (const auto& message : messages) {
+            reached.insert(message.to.begin(), message.to.end());
+            EXPECT_EQ(message.data, messages[0].data);
+        }
+        EXPECT_EQ(messages.size(), room == 100 ? 101u : 1u);
+        EXPECT_TRUE(reached == wanted);
+        EXPECT_EQ(TakeApart(messages[0].data).fault, "");
+        EXPECT_EQ(Recipients("Outbox") + ErrorLog(), "");
     }
 }
 

@@ -19,9 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 struct FormsBench : test::TestBench {
-    explicit FormsBench(bool saved = true) {
-        if (saved) UseProject();
-    }
+    FormsBench() { UseProject(); }
 
     /// Lets `act` work on the form while it stands open.
     template <class F>
@@ -52,94 +50,91 @@ struct FormsBench : test::TestBench {
     frmSettings& settings = wb.forms.Get<frmSettings>();
 };
 
-TEST(SettingsButtons, OpenTheFormsWhileTheirChoiceIsOn) {
-    FormsBench bench;
-    EXPECT_FALSE(bench.settings.SSCommand1.Enabled() || bench.settings.cmdSMTPAuth.Enabled());
-    bench.settings.chkServer.SetByUser("1");
-    bench.settings.chkSMTPAuth.SetByUser("1");
-    EXPECT_TRUE(bench.settings.SSCommand1.Enabled() && bench.settings.cmdSMTPAuth.Enabled());
-    bench.With<frmMailServer>(bench.settings.SSCommand1, [](auto& form) {
+struct SendForms : testing::Test, FormsBench {};
+
+TEST_F(SendForms, SettingsButtonsOpenThemWhileTheirChoiceIsOn) {
+    EXPECT_FALSE(settings.SSCommand1.Enabled() || settings.cmdSMTPAuth.Enabled());
+    settings.chkServer.SetByUser("1");
+    settings.chkSMTPAuth.SetByUser("1");
+    EXPECT_TRUE(settings.SSCommand1.Enabled() && settings.cmdSMTPAuth.Enabled());
+    With<frmMailServer>(settings.SSCommand1, [](auto& form) {
         EXPECT_TRUE(form.chkEnable.Checked());
         form.chkEnable.SetByUser("0");
         form.cmdOk.Press();
     });
-    EXPECT_FALSE(bench.settings.chkServer.Checked());
-    EXPECT_TRUE(bench.settings.txtSMTPServer.Enabled());
-    EXPECT_FALSE(bench.settings.SSCommand1.Enabled());
-    bench.settings.chkServer.SetByUser("1");
-    bench.With<frmMailServer>(bench.settings.SSCommand1, [](auto& form) {
+    EXPECT_FALSE(settings.chkServer.Checked());
+    EXPECT_TRUE(settings.txtSMTPServer.Enabled());
+    EXPECT_FALSE(settings.SSCommand1.Enabled());
+    settings.chkServer.SetByUser("1");
+    With<frmMailServer>(settings.SSCommand1, [](auto& form) {
         EXPECT_TRUE(form.chkEnable.Checked()) << "a hidden form takes the choice again";
         form.chkEnable.SetByUser("0");
         form.cmdCancel.Press();
     });
-    EXPECT_TRUE(bench.settings.chkServer.Checked());
+    EXPECT_TRUE(settings.chkServer.Checked());
 }
 
-TEST(frmSMTPAuthentication, KeepsUserAndPasswordWithTheProject) {
-    FormsBench bench;
-    bench.settings.chkSMTPAuth.SetByUser("1");
+TEST_F(SendForms, LogonIsKeptWithTheProject) {
+    settings.chkSMTPAuth.SetByUser("1");
     const std::string user = "ann=;[x]\xC3\xA4";
     const std::string password = " %41+ \"quoted\" ";
     using Dialog = frmSMTPAuthentication;
-    bench.With<Dialog>(bench.settings.cmdSMTPAuth, [&](Dialog& dialog) {
+    With<Dialog>(settings.cmdSMTPAuth, [&](Dialog& dialog) {
         dialog.txtUser.SetText(user);
         dialog.txtPass.SetText(password);
         dialog.cmdOk.Press();
     });
-    EXPECT_EQ(ReadLogon(bench.wb), (LogonData{user, password}));
-    const std::string file = ReadFileText(LogonFile(bench.wb.state));
+    EXPECT_EQ(ReadLogon(wb), (LogonData{user, password}));
+    const std::string file = ReadFileText(LogonFile(wb.state));
     EXPECT_EQ(file.find("ann"), std::string::npos);
     EXPECT_EQ(file.find("quoted"), std::string::npos);
-    bench.With<Dialog>(bench.settings.cmdSMTPAuth, [&](Dialog& dialog) {
+    With<Dialog>(settings.cmdSMTPAuth, [&](Dialog& dialog) {
         EXPECT_EQ(dialog.txtUser.Text(), user);
         EXPECT_EQ(dialog.txtPass.Text(), password);
         dialog.txtUser.SetText("other");
         dialog.cmdCancel.Press();
     });
-    EXPECT_EQ(ReadLogon(bench.wb).user, user);
+    EXPECT_EQ(ReadLogon(wb).user, user);
 }
 
-TEST(frmSMTPAuthentication, SaysSoWhenTheLogonCannotBeStored) {
-    FormsBench bench;
-    bench.settings.chkSMTPAuth.SetByUser("1");
-    fs::create_directories(LogonFile(bench.wb.state) + "/in the way");
-    bench.Prompts().QueueBox(BoxAnswer::Ok, "could not be stored");
-    bench.With<frmSMTPAuthentication>(bench.settings.cmdSMTPAuth, [&](auto& dialog) {
+TEST_F(SendForms, LogonThatCannotBeStoredIsTold) {
+    settings.chkSMTPAuth.SetByUser("1");
+    fs::create_directories(LogonFile(wb.state) + "/in the way");
+    Prompts().QueueBox(BoxAnswer::Ok, "could not be stored");
+    With<frmSMTPAuthentication>(settings.cmdSMTPAuth, [&](auto& dialog) {
         dialog.txtUser.SetText("ann");
         dialog.cmdOk.Press();
         EXPECT_TRUE(dialog.Visible());
         dialog.cmdCancel.Press();
     });
-    EXPECT_EQ(bench.Prompts().Shown().size(), 1u);
+    EXPECT_EQ(Prompts().Shown().size(), 1u);
 }
 
-TEST(frmSMTPAuthentication, NeedsASavedProject) {
-    FormsBench bench(false);
-    bench.settings.chkSMTPAuth.SetByUser("1");
-    bench.Prompts().QueueBox(BoxAnswer::Ok);
-    bench.settings.cmdSMTPAuth.Press();
-    EXPECT_TRUE(bench.Prompts().ExpectBox(
+TEST_F(SendForms, LogonNeedsASavedProject) {
+    wb.state.ProjectFolder = "";
+    settings.chkSMTPAuth.SetByUser("1");
+    Prompts().QueueBox(BoxAnswer::Ok);
+    settings.cmdSMTPAuth.Press();
+    EXPECT_TRUE(Prompts().ExpectBox(
         "You need to save your project before you can configure this e-mail account."));
-    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmSMTPAuthentication"));
-    EXPECT_EQ(bench.windows.Pointer(), MousePointer::Normal);
+    EXPECT_FALSE(wb.forms.IsFormLoaded("frmSMTPAuthentication"));
+    EXPECT_EQ(windows.Pointer(), MousePointer::Normal);
 }
 
-TEST(frmMailServer, ChecksWhatIsEntered) {
+TEST(MailServer, ChecksWhatIsEntered) {
     struct Case {
         const char* name;
         const char* server;
+        bool valid;
         const char* days;
-        bool box;
-        const char* defaultServer;
-        const char* deletes;
         const char* storedDays;
     };
     const Case cases[] = {
-        {"three parts", "127.0.1", "10", true, "true", "1", "10"},
-        {"four parts of letters", "a.b.c.d", "10", false, "false", "1", "10"},
-        {"port", "127.0.0.1:5300", "0", false, "false", "1", "0"},
-        {"five parts", "1.2.3.4.5", "10", true, "true", "1", "10"},
-        {"no number of days", "1.2.3.4", "abc", false, "false", "0", "3"},
+        {"three parts", "127.0.1", false, "10", "10"},
+        {"four parts of letters", "a.b.c.d", true, "10", "10"},
+        {"port", "127.0.0.1:5300", true, "0", "0"},
+        {"five parts", "1.2.3.4.5", false, "10", "10"},
+        {"no number of days", "1.2.3.4", true, "abc", "3"},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
@@ -153,52 +148,52 @@ TEST(frmMailServer, ChecksWhatIsEntered) {
         EXPECT_TRUE(form.txtDNS.Enabled() && form.txtDays.Enabled());
         form.txtDNS.SetText(test.server);
         form.txtDays.SetText(test.days);
-        if (test.box) bench.Prompts().QueueBox(BoxAnswer::Ok);
+        if (!test.valid) bench.Prompts().QueueBox(BoxAnswer::Ok);
         form.cmdOk.Press();
-        EXPECT_EQ(bench.Prompts().ExpectBox("Wrong IP address of your DNS server."), test.box);
-        EXPECT_EQ(bench.Stored("DefDNS"), test.defaultServer);
+        EXPECT_EQ(bench.Prompts().ExpectBox("Wrong IP address of your DNS server."), !test.valid);
+        EXPECT_EQ(bench.Stored("DefDNS"), test.valid ? "false" : "true");
         EXPECT_EQ(bench.Stored("DNS"), test.server);
         EXPECT_EQ(bench.Stored("Logs"), "1");
-        EXPECT_EQ(bench.Stored("Delete"), test.deletes);
+        EXPECT_EQ(bench.Stored("Delete"), test.days == std::string("abc") ? "0" : "1");
         EXPECT_EQ(bench.Stored("Days"), test.storedDays);
         EXPECT_EQ(form.txtDays.Text(), test.storedDays);
         form.Unload();
         auto& again = bench.wb.forms.Get<frmMailServer>();
-        EXPECT_EQ(again.txtDNS.Enabled(), again.optCustomDNS.IsSet());
-        EXPECT_EQ(again.optCustomDNS.IsSet(), test.defaultServer == std::string("false"));
+        EXPECT_EQ(again.txtDNS.Enabled(), test.valid);
+        EXPECT_EQ(again.optCustomDNS.IsSet(), test.valid);
         EXPECT_EQ(again.txtDNS.Text(), test.server);
     }
 }
 
-TEST(frmMailServer, ListsLogsAndRemovesThoseThatAreOlderThanTheLimit) {
-    for (const bool deletes : {true, false}) {
-        SCOPED_TRACE(deletes);
-        FormsBench bench;
-        MakeFolders(bench.wb.state.ProjectFolder + "/Logs");
-        bench.WriteLog("today.txt", 0);
-        bench.WriteLog("3-12-2024 11.00.00 PM.txt", 3);
-        bench.WriteLog("older.TXT", 4);
-        bench.WriteLog("notes.doc", 9);
-        SaveUserSetting(bench.wb, "MailServer", "Delete", deletes ? "1" : "0");
-        auto& form = bench.wb.forms.Get<frmMailServer>();
-        std::vector<std::string> left = {"3-12-2024 11.00.00 PM", "older", "today"};
-        if (deletes) left.erase(left.begin() + 1);
+TEST_F(SendForms, LogsAreListedAndThoseOlderThanTheLimitRemoved) {
+    MakeFolders(wb.state.ProjectFolder + "/Logs");
+    WriteLog("today.txt", 0);
+    WriteLog("3-12-2024 11.00.00 PM.txt", 3);
+    WriteLog("older.TXT", 4);
+    WriteLog("notes.doc", 9);
+    std::vector<std::string> left = {"3-12-2024 11.00.00 PM", "older", "today"};
+    for (const char* deletes : {"0", "1"}) {
+        SaveUserSetting(wb, "MailServer", "Delete", deletes);
+        if (*deletes == '1') left.erase(left.begin() + 1);
+        auto& form = wb.forms.Get<frmMailServer>();
         EXPECT_EQ(form.cmbLogs.Items(), left);
         EXPECT_EQ(form.cmbLogs.Text(), "today") << "the newest";
-        EXPECT_TRUE(FileExists(bench.wb.state.ProjectFolder + "/Logs/notes.doc"));
+        EXPECT_TRUE(FileExists(wb.state.ProjectFolder + "/Logs/notes.doc"));
         form.cmbLogs.SetByUser("#0");
         form.cmdLogs.Press();
-        ASSERT_EQ(bench.processes.opened.size(), 1u);
-        EXPECT_TRUE(bench.processes.opened[0].first.ends_with("/Logs/3-12-2024 11.00.00 PM.txt"));
+        ASSERT_FALSE(processes.opened.empty());
+        EXPECT_TRUE(processes.opened.back().first.ends_with("/Logs/3-12-2024 11.00.00 PM.txt"));
+        form.Unload();
     }
 }
 
-TEST(frmMailServer, WithoutLogsThereIsNoneToShowAndWithoutAProjectNoFolder) {
-    for (const bool saved : {true, false}) {
-        FormsBench bench(saved);
-        auto& form = bench.wb.forms.Get<frmMailServer>();
+TEST_F(SendForms, WithoutLogsThereIsNoneToShowAndWithoutAProjectNoFolder) {
+    for (const std::string& project : {wb.state.ProjectFolder, std::string()}) {
+        wb.state.ProjectFolder = project;
+        auto& form = wb.forms.Get<frmMailServer>();
         EXPECT_FALSE(form.cmdLogs.Enabled());
-        EXPECT_EQ(FileExists(bench.wb.state.ProjectFolder + "/Logs", true), saved);
+        EXPECT_EQ(FileExists(project + "/Logs", true), !project.empty());
+        form.Unload();
     }
 }
 

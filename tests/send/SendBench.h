@@ -1,5 +1,8 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,20 +25,33 @@ struct SendBench : TestBench {
         UseProject();
         settings.txtSMTPServer.SetText("127.0.0.1");
         settings.txtSMTPPort.SetText(std::to_string(server.Port()));
+        AnswerErrorPrompt(false);
     }
 
-    void Queue(const std::string& to, const std::string& subject = "Hello",
-               const std::string& body = "Text") {
+    static MessageRecord Message(const std::string& to,
+                                 const std::string& from = "Ann <ann@example.com>") {
         MessageRecord record;
-        record.From = "Ann <ann@example.com>";
+        record.From = from;
         record.To = to;
-        record.Subject = subject;
-        record.Body = body;
-        SaveMessageRecord(wb, record, "", OutboxFolder, false, 0, "Read", false);
+        record.Subject = "Hello";
+        record.Body = "Text";
+        return record;
     }
-    void QueueMany(int count) {
+    void Queue(MessageRecord record, const char* where = OutboxFolder) {
+        EXPECT_TRUE(TrySaveMessageRecord(wb, record, "", where, false, 0, "Read", false).Ok());
+    }
+    void Queue(const std::string& to) { Queue(Message(to)); }
+    /// Gives what `Recipients` does then.
+    std::string QueueMany(int count) {
         for (int i = 1; i <= count; ++i)
             Queue("p" + std::to_string(i) + "@example.com");
+        return Recipients(OutboxFolder);
+    }
+    /// The server does not take recipients that begin so.
+    void Refuse(const std::string& beginning, const std::string& answer) {
+        server.answerToRecipient = [=](const std::string& address) {
+            return address.starts_with(beginning) ? answer : "";
+        };
     }
     /// As a run does that dies at once after it.
     void RecordAccepted(std::int32_t id) {
@@ -43,13 +59,25 @@ struct SendBench : TestBench {
         EXPECT_TRUE(ledger.Ok() && SentLedger::Record(**ledger, id, clock.Now()).Ok());
     }
     void Send() { settings.cmdSendEmail.Press(); }
-    /// The run's last question gets this answer.
+    /// The run's last question gets this answer; until then it gets No.
     void AnswerErrorPrompt(bool yes) {
         answering_ = windows.idle.Observe([this, yes] {
             auto* prompt = wb.forms.Find<frmMSGSndRecvError>();
             if (!prompt) return;
             promptText = prompt->lblText.Text();
             (yes ? prompt->cmdYes : prompt->cmdNo).Press();
+        });
+    }
+    void LeaveErrorPromptOpen() { answering_ = {}; }
+    /// Does something to the status form once, as soon as the run yields and it is `due`.
+    void PressOnce(const std::function<bool()>& due,
+                   const std::function<void(frmStatusEmail&)>& press) {
+        pressed = false;
+        pressing_ = windows.yielded.Observe([this, due, press] {
+            auto* status = wb.forms.Find<frmStatusEmail>();
+            if (!status || pressed || !due()) return;
+            pressed = true;
+            press(*status);
         });
     }
 
@@ -68,15 +96,21 @@ struct SendBench : TestBench {
     }
     std::string ErrorLog() const { return ReadFileText(wb.state.ProjectFolder + "/errorlog.txt"); }
     /// To whom the server got messages, in order.
-    std::string Delivered() const {
+    std::string Delivered() const { return TakenBy(server); }
+    static std::string TakenBy(const FakeSmtpServer& host) {
         std::string all;
-        for (const auto& message : server.Messages())
+        for (const auto& message : host.Messages())
             for (const std::string& to : message.to)
                 all += to + " ";
         return all;
     }
+    /// The text of the first message box; "" when there was none.
+    std::string FirstBox() {
+        return Prompts().Shown().empty() ? std::string() : Prompts().Shown()[0].text;
+    }
 
-    std::string promptText;  ///< of the run's last question
+    std::string promptText;  ///< of the run's last question; "" when it was not asked
+    bool pressed = false;    ///< by PressOnce
     FakeSmtpServer server;
     SendService service{wb};
     frmViewEmail& view = wb.forms.Get<frmViewEmail>();
@@ -84,6 +118,7 @@ struct SendBench : TestBench {
 
 private:
     Subscription answering_;
+    Subscription pressing_;
 };
 
 }  // namespace mailvane::test

@@ -1,6 +1,5 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <algorithm>
 #include <atomic>
 
 #include "core/Text.h"
@@ -10,6 +9,7 @@ namespace mailvane {
 namespace {
 
 using test::SendBench;
+using testing::HasSubstr;
 
 struct Form {
     const char* name;
@@ -46,6 +46,10 @@ struct Failure {
     std::string chunked = "=";  ///< the same when the message goes in chunks, where that differs
     int connections = 2;
     unsigned flags = 0;
+
+    const std::string& ErrorIn(const Form& form) const {
+        return form.extensions.size() == 2 && chunked != "=" ? chunked : error;
+    }
 };
 
 /// An Outbox of three messages, the second one with two recipients.
@@ -61,20 +65,13 @@ public:
             const bool again = reached.exchange(true);
             return again && (row.flags & Always) == 0 ? "" : row.answer;
         };
-        for (const char* number : {"1", "2", "3"}) {
-            MessageRecord record;
-            record.From = std::string("s") + number + "@example.com";
-            record.To = std::string("p") + number + "@example.com";
-            if (*number == '2') record.To += ",q2@example.com";
-            record.Subject = std::string("Message ") + number;
-            record.Body = "Text";
-            if (*number == '2' && (row.flags & Large) != 0)
-                while (record.Body.size() < LargeBody)
-                    record.Body += "\r\n.a line of the body that begins with a dot";
-            SaveMessageRecord(wb, record, "", OutboxFolder, false, 0, "Read", false);
-        }
+        Queue(Message("p1@example.com", "s1@example.com"));
+        MessageRecord second = Message("p2@example.com,q2@example.com", "s2@example.com");
+        while ((row.flags & Large) != 0 && second.Body.size() < LargeBody)
+            second.Body += "\r\n.a line of the body that begins with a dot";
+        Queue(second);
+        Queue(Message("p3@example.com", "s3@example.com"));
         EXPECT_TRUE(wb.state.MessageStore->Execute("UPDATE Outbox SET Retries = 2").Ok());
-        AnswerErrorPrompt(false);
     }
 
     /// The run is over: the one message is left with `error`, the others went out once.
@@ -91,14 +88,13 @@ public:
             untried += rows[i].To;
         }
         ExpectDelivered(to, untried, error == Lost);
-        const std::string log = ErrorLog();
-        const std::string subject = "\r\nSubject: " + rows[0].Subject + "\r\nDate: 3/15/2024";
-        EXPECT_NE(log.find("Error: " + error + "\r\nTo: " + to + subject + "\r\n\r\n"),
-                  std::string::npos)
-            << log.substr(0, 1000);
-        EXPECT_NE(log.find("Error: " + error + "\r\nFrom: " + rows[0].From + "\r\nTo: " + to +
-                           subject + " 10:"),
-                  std::string::npos);
+        const std::string text = "Error: " + error + "\r\n";
+        const std::string message = "To: " + to + "\r\nSubject: Hello\r\nDate: 3/15/2024";
+        EXPECT_THAT(ErrorLog(), HasSubstr(text + message + "\r\n\r\n"));
+        EXPECT_THAT(ErrorLog(),
+                    HasSubstr(text + "From: " + rows[0].From + "\r\n" + message + " 10:"));
+        const auto doubtful = CountOccurrences(promptText, "1 message may have been accepted");
+        EXPECT_EQ(doubtful, error == Lost ? 1 : 0);
     }
 
     /// Every recipient has the message once, but for those of `failed` and `untried`; with
@@ -106,12 +102,11 @@ public:
     void ExpectDelivered(const std::string& failed, const std::string& untried, bool perhaps) {
         const std::string delivered = Delivered();
         for (const char* name : {"p1", "p2", "q2", "p3"}) {
-            const std::string address = std::string(name) + "@example.com";
-            const auto count = CountOccurrences(delivered, address);
-            const bool doubtful = failed.find(address) != std::string::npos;
-            const bool wanted = !doubtful && untried.find(address) == std::string::npos;
+            const auto count = CountOccurrences(delivered, name);
+            const bool doubtful = ContainsText(failed, name);
+            const bool wanted = !doubtful && !ContainsText(untried, name);
             EXPECT_TRUE(count == (wanted ? 1 : 0) || (doubtful && perhaps && count == 1))
-                << address << " in " << delivered;
+                << name << " in " << delivered;
         }
         EXPECT_FALSE(wb.state.RunBusy);
         EXPECT_FALSE(wb.forms.IsFormLoaded("frmStatusEmail"));
@@ -124,36 +119,36 @@ private:
     const bool atConnection_;
 };
 
-/// Of one failure in each form in which it can happen.
-void PlayFailure(const Failure& row) {
-    for (const Form& form : Forms) {
-        const bool chunks = form.extensions.size() == 2;
-        const std::string step = row.step;
-        if ((chunks && step == "DATA") || (!chunks && step == "(chunk)")) continue;
-        SCOPED_TRACE(std::string(row.name) + ", " + form.name);
-        FailureBench bench(form, row);
-        bench.Send();
-        const std::string& error = chunks && row.chunked != "=" ? row.chunked : row.error;
-        if ((row.flags & Partly) != 0) {
-            bench.ExpectDelivered("q2@example.com", "", false);
-            EXPECT_EQ(bench.ErrorLog(), "Error: " + error +
-                                            "\r\nTo: q2@example.com\r\nSubject: Message 2\r\n"
-                                            "Date: 3/15/2024\r\n\r\n");
-            EXPECT_EQ(bench.Recipients("Outbox"), "");
-        } else if (error.empty()) {
-            bench.ExpectDelivered("", "", false);
-            EXPECT_EQ(bench.ErrorLog(), "");
-            EXPECT_EQ(bench.Recipients("Outbox"), "");
-        } else {
-            bench.ExpectFailed(error);
+/// Each failure in each form in which it can happen.
+void PlayFailures(const std::vector<Failure>& rows) {
+    for (const Failure& row : rows) {
+        for (const Form& form : Forms) {
+            const bool chunks = form.extensions.size() == 2;
+            if (row.step == std::string(chunks ? "DATA" : "(chunk)")) continue;
+            SCOPED_TRACE(std::string(row.name) + ", " + form.name);
+            FailureBench bench(form, row);
+            bench.Send();
+            const std::string& error = row.ErrorIn(form);
+            if ((row.flags & Partly) != 0) {
+                bench.ExpectDelivered("q2@example.com", "", false);
+                EXPECT_EQ(bench.Recipients("Outbox"), "");
+                EXPECT_EQ(bench.ErrorLog(), "Error: " + error +
+                                                "\r\nTo: q2@example.com\r\nSubject: Hello\r\n"
+                                                "Date: 3/15/2024\r\n\r\n");
+            } else if (error.empty()) {
+                bench.ExpectDelivered("", "", false);
+                EXPECT_EQ(bench.Recipients("Outbox") + bench.ErrorLog(), "");
+            } else {
+                bench.ExpectFailed(error);
+            }
+            const bool onceInChunks = chunks && error == Lost && (row.flags & Always) != 0;
+            EXPECT_EQ(bench.server.Connections(), onceInChunks ? 2 : row.connections);
         }
-        const bool onceInChunks = chunks && error == Lost && (row.flags & Always) != 0;
-        EXPECT_EQ(bench.server.Connections(), onceInChunks ? 2 : row.connections);
     }
 }
 
 TEST(SendFailures, TheServerDoesNotWantToTalk) {
-    const std::vector<Failure> rows = {
+    PlayFailures({
         {"greeting 554", Greeting, "554 go away", "554 go away"},
         {"greeting 421", Greeting, "421-busy\r\n421 later", "421 busy later"},
         {"EHLO and HELO refused", Hello, "550 not you", "550 not you", "=", 2, Always},
@@ -164,13 +159,11 @@ TEST(SendFailures, TheServerDoesNotWantToTalk) {
         {"endless line for a greeting", Greeting, "*x", "The server's answer has no end."},
         {"endless greeting", Greeting, "*220-x\r\n", Unclear("220-x")},
         {"endless answer to EHLO", Hello, "*250-\r\n", "The server's answer has no end."},
-    };
-    for (const Failure& row : rows)
-        PlayFailure(row);
+    });
 }
 
 TEST(SendFailures, TheServerRefusesTheMessage) {
-    const std::vector<Failure> rows = {
+    PlayFailures({
         {"MAIL 4xx", "MAIL", "451 later", "451 later", "=", 1},
         {"MAIL 5xx", "MAIL", "553 who", "553 who", "=", 1},
         {"one recipient 4xx", "RCPT TO:<q2", "450 busy", "450 busy", "=", 1, Partly | Always},
@@ -188,13 +181,11 @@ TEST(SendFailures, TheServerRefusesTheMessage) {
         {"421 at DATA", "DATA", "421 enough", "421 enough"},
         {"421 at the end of data", "(end)", "421 enough", "421 enough"},
         {"421 in the middle of the data", "(body)", "421 enough", "421 enough", "=", 2, Large},
-    };
-    for (const Failure& row : rows)
-        PlayFailure(row);
+    });
 }
 
 TEST(SendFailures, TheServerHangsUp) {
-    const std::vector<Failure> rows = {
+    PlayFailures({
         {"at MAIL", "MAIL", "!", "", Lost},
         {"at every MAIL", "MAIL", "!", Closed, Lost, 3, Always},
         {"at MAIL of a large message", "MAIL", "!", "", "=", 2, Large},
@@ -203,13 +194,11 @@ TEST(SendFailures, TheServerHangsUp) {
         {"at DATA", "DATA", "!", Closed},
         {"in the middle of the data", "(body)", "!", Closed, "=", 2, Large},
         {"after the end of data", "(end)", "!", Lost},
-    };
-    for (const Failure& row : rows)
-        PlayFailure(row);
+    });
 }
 
 TEST(SendFailures, TheServerTalksNonsense) {
-    const std::vector<Failure> rows = {
+    PlayFailures({
         {"at MAIL", "MAIL", "what", Unclear("what"), Lost},
         {"at RCPT", "RCPT", "999 what", Unclear("999 what"), Lost},
         {"at DATA", "DATA", "250 fine", Unclear("250 fine")},
@@ -222,9 +211,7 @@ TEST(SendFailures, TheServerTalksNonsense) {
         {"endless answer at RCPT", "RCPT", "*250-\r\n", Unclear("250-"), Lost},
         {"endless answer after the end of data", "(end)", "*250-x\r\n", Lost},
         {"endless line in the middle of the data", "(body)", "*x", Endless, "=", 2, Large},
-    };
-    for (const Failure& row : rows)
-        PlayFailure(row);
+    });
 }
 
 // The server falls silent, and the user, or the time-out on silence, gives the message up.
@@ -239,7 +226,7 @@ TEST(SendFailures, TheUserLosesPatience) {
     };
     const std::vector<std::pair<const char*, void (*)(SendBench&, frmStatusEmail&)>> ways = {
         {"Next", [](SendBench&, frmStatusEmail& status) { status.cmdNext.Press(); }},
-        {"Cancel", [](SendBench&, frmStatusEmail& status) { status.cmdCancel.Press(); }},
+        {"Cancel", [](SendBench&, frmStatusEmail& status) { status.OnCloseBox(); }},
         {"time-out",
          [](SendBench& bench, frmStatusEmail&) { bench.clock.Advance(std::chrono::minutes(3)); }},
     };
@@ -250,17 +237,11 @@ TEST(SendFailures, TheUserLosesPatience) {
                 FailureBench bench(form, row);
                 bench.settings.chkSndTimeOut.SetChecked(true);
                 bench.settings.Slider1.SetValue(3);
-                bool given = false;
-                const auto watch = bench.windows.yielded.Observe([&] {
-                    auto* status = bench.wb.forms.Find<frmStatusEmail>();
-                    if (!status || !bench.reached || std::exchange(given, true)) return;
-                    giveUp(bench, *status);
-                });
+                bench.PressOnce([&] { return bench.reached.load(); },
+                                [&](frmStatusEmail& status) { giveUp(bench, status); });
                 bench.Send();
-                const bool chunks = form.extensions.size() == 2;
                 const bool canceled = std::string(way) == "Cancel";
-                bench.ExpectFailed(chunks && row.chunked != "=" ? row.chunked : row.error,
-                                   canceled);
+                bench.ExpectFailed(row.ErrorIn(form), canceled);
                 EXPECT_EQ(bench.server.Connections(), canceled ? 1 : 2);
                 EXPECT_FALSE(bench.wb.state.CancelRequested);
             }

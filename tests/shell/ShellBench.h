@@ -49,14 +49,21 @@ protected:
         const Form* found = wb.forms.FindByName(form);
         return found && found->Visible();
     }
-    static TableDef PeopleTable() {
-        TableDef table;
-        table.name = "People";
+    /// Gives the path of a recipients database, in which `filler` was stored and deleted.
+    std::string MakePeople(const std::string& filler = {}) {
         Field notes;
         notes.name = "Notes";
         notes.type = FieldType::Memo;
+        TableDef table;
+        table.name = "People";
         table.fields = {notes};
-        return table;
+        const auto made = wb.state.MainWorkspace->CreateDatabase(Path("people.db"));
+        EXPECT_TRUE(made.Ok() && (*made)->AppendTable(table).Ok());
+        const std::string insert = "INSERT INTO People (Notes) VALUES ('" + filler + "')";
+        EXPECT_TRUE((*made)->Execute(insert).Ok());
+        EXPECT_TRUE((*made)->Execute("DELETE * FROM People").Ok());
+        (*made)->Close();
+        return Path("people.db");
     }
     std::string Setting(const std::string& key) { return GetUserSetting(wb, "Settings", key); }
 

@@ -13,20 +13,8 @@ namespace {
 
 using test::Shell;
 
-TEST_F(Shell, StartMakesTheProgramFolderAndTheHiddenForms) {
-    Start();
-    for (const char* made : {"Projects", "messages.dat", "prct.mp"})
-        EXPECT_TRUE(IsFile(Path("program/") + made) || IsFolder(Path("program/") + made)) << made;
-    for (const char* form : {"frmSettings", "frmViewEmail", "frmOptions"}) {
-        ASSERT_TRUE(wb.forms.IsFormLoaded(form)) << form;
-        EXPECT_FALSE(wb.forms.FindByName(form)->Visible()) << form;
-    }
-}
-
 TEST_F(Shell, InterruptedMergeIsToldUntilAPersonHasSeenIt) {
-    ASSERT_TRUE(MakeFolders(platform.programFolder));
-    EXPECT_TRUE(EnsureMessageStore(wb).Ok());
-    ASSERT_TRUE(OpenMessageStore(wb).Ok());
+    Start();
     UnfinishedMerge run;
     run.table = "People";
     run.total = 200;
@@ -35,10 +23,9 @@ TEST_F(Shell, InterruptedMergeIsToldUntilAPersonHasSeenIt) {
     ASSERT_TRUE(MergeMark::Set(*wb.state.MessageStore, run).Ok());
     MessageRecord record;
     SaveMessageRecord(wb, record, "", OutboxFolder, false, 0, "", false);
-    CloseMessageStore(wb);
+    LeaveProgram();
 
-    frmMain& form = Start({}, false);
-    EXPECT_EQ(form.Panel(),
+    EXPECT_EQ(Start().Panel(),
               "The last merge run was interrupted: 1 of 200 messages are in the Outbox.");
     AnswerStartUpDialogs();
     for (const bool told : {true, false}) {
@@ -70,6 +57,8 @@ TEST_F(Shell, NewSaveOpenRoundTrip) {
     EXPECT_EQ(form.ActiveBar1.FindTool("RecentFile1")->caption, Path("Summer.2026.poc"));
     EXPECT_TRUE(form.ActiveBar1.FindTool("RecentFile2")->visible);
     EXPECT_FALSE(form.ActiveBar1.FindTool("RecentFile3")->visible);
+    EXPECT_EQ(wb.shell->ExecuteCommand("RecentFile2", Path("Copy.poc")), ControlAnswer::Done);
+    EXPECT_EQ(wb.state.ProjectName, "Copy");
 }
 
 TEST_F(Shell, MissingProjectsAndTemplatesAreTold) {
@@ -82,20 +71,6 @@ TEST_F(Shell, MissingProjectsAndTemplatesAreTold) {
     windows.prompts.QueueBox(BoxAnswer::Ok, "corrupted");
     Command("New", Path("new.poc"));
     EXPECT_FALSE(IsFile(Path("new.poc")));
-    EXPECT_EQ(wb.state.CurrentProjectFile, "");
-}
-
-TEST_F(Shell, CommandLineNamesTheProject) {
-    Start();
-    Command("New", Path("first.poc"));
-    wb.forms.Get<frmSettings>().txtName.SetText("From the file");
-    Command("Save");
-    wb.forms.UnloadAllExcept({});
-    Start("\"" + Path("first.poc") + "\"");
-    EXPECT_EQ(wb.forms.Get<frmSettings>().txtName.Text(), "From the file");
-    wb.forms.UnloadAllExcept({});
-    wb.state = {};
-    Start(Path("missing.poc"));
     EXPECT_EQ(wb.state.CurrentProjectFile, "");
 }
 
@@ -116,33 +91,27 @@ TEST_F(Shell, SaveWithoutAProjectAsksForAName) {
     EXPECT_FALSE(IsFile(Path("named.poc"))) << "a name of one blank is none";
 }
 
-struct StoredPlace {
-    const char* name;
-    const char* state;
-    WindowState restored;
-    double width;
-};
-
-class StoredPlaces : public Shell, public testing::WithParamInterface<StoredPlace> {};
-
-TEST_P(StoredPlaces, Restored) {
+TEST_F(Shell, StoredPlaceIsRestored) {
+    struct Case {
+        const char* state;
+        WindowState restored;
+        double width;
+    };
+    const Case cases[] = {{nullptr, WindowState::Normal, 6000},
+                          {"1", WindowState::Normal, 6000},
+                          {"2", WindowState::Maximized, -1}};
     for (const char* key : {"MainLeft", "MainTop", "MainWidth", "MainHeight"})
         SaveUserSetting(wb, "Settings", key, "6000");
-    if (GetParam().state != nullptr)
-        SaveUserSetting(wb, "Settings", "WindowState", GetParam().state);
-    const frmMain& form = Start();
-    EXPECT_EQ(form.State(), GetParam().restored);
-    EXPECT_EQ(form.Rect().left, 6000);
-    EXPECT_EQ(form.Rect().width, GetParam().width);
-    EXPECT_EQ(form.Rect().height, 6000);
+    for (const Case& test : cases) {
+        if (test.state) SaveUserSetting(wb, "Settings", "WindowState", test.state);
+        const frmMain& form = Start();
+        EXPECT_EQ(form.State(), test.restored);
+        EXPECT_EQ(form.Rect().left, 6000);
+        EXPECT_EQ(form.Rect().width, test.width);
+        EXPECT_EQ(form.Rect().height, 6000);
+        LeaveProgram();
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(All, StoredPlaces,
-                         testing::Values(StoredPlace{"Absent", nullptr, WindowState::Normal, 6000},
-                                         StoredPlace{"Minimised", "1", WindowState::Normal, 6000},
-                                         StoredPlace{"MaximisedKeepsItsOwnWidth", "2",
-                                                     WindowState::Maximized, -1}),
-                         [](const auto& row) { return row.param.name; });
 
 TEST_F(Shell, ExitSavesByOptionAndStoresThePlace) {
     frmMain& form = Start();

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <tuple>
 
 #include "core/frmOptions.h"
 #include "core/shell/AssignedTask.h"
@@ -37,11 +38,25 @@ TEST_F(StartUp, FirstStartAsksInOrder) {
     EXPECT_FALSE(wb.state.ProjectOpen());
 }
 
-TEST_F(StartUp, ScriptsStartWithoutQuestions) {
+TEST_F(StartUp, ScriptsStartWithoutQuestionsAndFindAllInPlace) {
     Start();
     for (const char* form : {"frmConnectionWizard", "frmProjectDialog", "frmWelcome", "frmSplash"})
         EXPECT_FALSE(wb.forms.IsFormLoaded(form)) << form;
     EXPECT_TRUE(IsOpen("frmMain"));
+    for (const char* form : {"frmSettings", "frmViewEmail", "frmOptions"})
+        EXPECT_TRUE(wb.forms.IsFormLoaded(form) && !IsOpen(form)) << form;
+    EXPECT_TRUE(IsFolder(InProgramFolder("Projects")));
+    for (const char* file : {"messages.dat", "prct.mp"})
+        EXPECT_TRUE(IsFile(InProgramFolder(file))) << file;
+}
+
+TEST_F(StartUp, CommandLineNamesTheProject) {
+    MakeProject(Path("first.poc"), "From the file");
+    Start("\"" + Path("first.poc") + "\"");
+    EXPECT_EQ(Sender(), "From the file");
+    LeaveProgram();
+    Start(Path("missing.poc"));
+    EXPECT_EQ(wb.state.CurrentProjectFile, "");
 }
 
 TEST_F(StartUp, LastProjectByOption) {
@@ -128,50 +143,34 @@ TEST_F(StartUp, MissingTaskIsANormalStart) {
     EXPECT_EQ(opened_.size(), 1u);
 }
 
-struct Upkeep {
-    const char* name;
-    bool messages;
-    bool database;
-};
-
+using Upkeep = std::tuple<bool, bool>;  ///< of the messages, of the database
 class ExitUpkeep : public StartUp, public testing::WithParamInterface<Upkeep> {};
+INSTANTIATE_TEST_SUITE_P(StartUp, ExitUpkeep, testing::Combine(testing::Bool(), testing::Bool()));
 
 TEST_P(ExitUpkeep, CompactsByOption) {
+    const auto& [messages, database] = GetParam();
     Start();
-    const auto made = wb.state.MainWorkspace->CreateDatabase(Path("people.db"));
-    ASSERT_TRUE(made.Ok());
-    ASSERT_TRUE((*made)->AppendTable(PeopleTable()).Ok());
     const std::string filler(200'000, 'x');
-    ASSERT_TRUE((*made)->Execute("INSERT INTO People (Notes) VALUES ('" + filler + "')").Ok());
-    ASSERT_TRUE((*made)->Execute("DELETE * FROM People").Ok());
-    (*made)->Close();
     ASSERT_TRUE(
         wb.state.MessageStore->Execute("INSERT INTO Inbox (Body) VALUES ('" + filler + "')").Ok());
     ASSERT_TRUE(wb.state.MessageStore->Execute("DELETE * FROM Inbox").Ok());
-    wb.forms.Get<frmSettings>().txtAccessDBPath.SetText(Path("people.db"));
+    wb.forms.Get<frmSettings>().txtAccessDBPath.SetText(MakePeople(filler));
     Command("Database");
     WriteWholeFile(InProgramFolder("messages.dat.bak"), "left by a crash");
     auto& options = wb.forms.Get<frmOptions>();
-    options.chkCompactMessages.SetChecked(GetParam().messages);
-    options.chkCompactDatabase.SetChecked(GetParam().database);
+    options.chkCompactMessages.SetChecked(messages);
+    options.chkCompactDatabase.SetChecked(database);
     Command("exit");
     EXPECT_TRUE(windows.Quitting());
     constexpr std::int64_t Dense = 150'000;
-    EXPECT_EQ(FileSize(MessageStorePath(wb)) < Dense, GetParam().messages);
-    EXPECT_EQ(FileSize(Path("people.db")) < Dense, GetParam().database);
+    EXPECT_EQ(FileSize(MessageStorePath(wb)) < Dense, messages);
+    EXPECT_EQ(FileSize(Path("people.db")) < Dense, database);
     for (const std::string& file : {MessageStorePath(wb), Path("people.db")})
         EXPECT_FALSE(IsFile(file + ".bak")) << file;
     wb.state = {};
     Start();
     EXPECT_TRUE(wb.state.MessageStore->TableExists("Inbox"));
 }
-
-INSTANTIATE_TEST_SUITE_P(All, ExitUpkeep,
-                         testing::Values(Upkeep{"Nothing", false, false},
-                                         Upkeep{"Messages", true, false},
-                                         Upkeep{"Database", false, true},
-                                         Upkeep{"Both", true, true}),
-                         [](const auto& row) { return row.param.name; });
 
 TEST_F(StartUp, CompactingOnCommandLeavesTheStoreInUse) {
     frmMain& form = Start();

@@ -12,12 +12,12 @@ namespace {
 
 using test::TestBench;
 
-struct StoreBench : TestBench {
-    StoreBench() {
+struct StoreTest : testing::Test, TestBench {
+    StoreTest() {
         EXPECT_TRUE(EnsureMessageStore(wb).Ok());
         EXPECT_TRUE(OpenMessageStore(wb).Ok());
     }
-    ~StoreBench() { CloseMessageStore(wb); }
+    ~StoreTest() override { CloseMessageStore(wb); }
 
     std::vector<MessageRecord> Rows(const std::string& name) {
         std::vector<MessageRecord> rows;
@@ -29,6 +29,15 @@ struct StoreBench : TestBench {
             rows.push_back(*row);
         }
         return rows;
+    }
+    void Save(MessageRecord record, const std::string& target, const std::string& status = "Unread",
+              bool undo = false) {
+        SaveMessageRecord(wb, record, "", target, false, 0, status, undo);
+    }
+    void EmptyFolders() {
+        const auto tables = wb.state.MessageStore->UserTableNames();
+        for (const std::string& name : *tables)
+            EXPECT_TRUE(wb.state.MessageStore->Execute("DELETE * FROM [" + name + "]").Ok());
     }
     std::int32_t LastId(const std::string& name) {
         const auto opened = wb.state.MessageStore->OpenRecordset(name);
@@ -50,12 +59,11 @@ MessageRecord Sample() {
     return record;
 }
 
-TEST(MessageStore, NewStoreHasTheFoldersAndColumnsInOrder) {
-    StoreBench bench;
-    const auto folders = bench.wb.state.MessageStore->UserTableNames();
+TEST_F(StoreTest, NewStoreHasTheFoldersAndColumnsInOrder) {
+    const auto folders = wb.state.MessageStore->UserTableNames();
     EXPECT_EQ(*folders, (std::vector<std::string>{"Inbox", "Outbox", "Sent Items", "Deleted Items",
                                                   "Drafts", "Imported Messages"}));
-    const auto outbox = bench.wb.state.MessageStore->GetTableDef("Outbox");
+    const auto outbox = wb.state.MessageStore->GetTableDef("Outbox");
     ASSERT_TRUE(outbox.Ok());
     std::string layout;
     for (const Field& field : outbox->fields)
@@ -79,55 +87,44 @@ TEST(MessageStore, ExistingFileIsLeftAlone) {
     EXPECT_TRUE(OpenMessageStore(bench.wb).Failed());
 }
 
-TEST(MessageStore, UpgradeAddsAColumnToEveryFolderAndHidesIt) {
-    StoreBench bench;
-    Database& store = *bench.wb.state.MessageStore;
-    for (const char* folder : {"Inbox", "Drafts"})
-        ASSERT_TRUE(store.DeleteField(folder, "Status").Ok());
-    for (const char* folder : {"Outbox", "Sent Items", "Deleted Items", "Imported Messages"})
-        ASSERT_TRUE(store.DeleteField(folder, "Status").Ok());
-    CloseMessageStore(bench.wb);
+TEST_F(StoreTest, UpgradeAddsAColumnToEveryFolderAndHidesIt) {
+    Database& store = *wb.state.MessageStore;
+    const auto tables = store.UserTableNames();
+    for (const std::string& name : *tables)
+        ASSERT_TRUE(store.DeleteField(name, "Status").Ok());
+    CloseMessageStore(wb);
 
-    AddMissingColumn(bench.wb, "STATUS", FieldType::Text, "");
-    AddMissingColumn(bench.wb, "Retries", FieldType::Integer, "0");
-    ASSERT_TRUE(OpenMessageStore(bench.wb).Ok());
-    const auto folders = bench.wb.state.MessageStore->UserTableNames();
-    for (const std::string& folder : *folders)
-        EXPECT_TRUE(bench.wb.state.MessageStore->GetTableDef(folder)->FindField("Status"))
-            << folder;
-    EXPECT_EQ(GetUserSetting(bench.wb, "Columns", "STATUS"), "0");
-    EXPECT_EQ(GetUserSetting(bench.wb, "Columns", "Retries"), NotFound) << "was there already";
+    AddMissingColumn(wb, "STATUS", FieldType::Text, "");
+    AddMissingColumn(wb, "Retries", FieldType::Integer, "0");
+    ASSERT_TRUE(OpenMessageStore(wb).Ok());
+    for (const std::string& name : *tables)
+        EXPECT_TRUE(wb.state.MessageStore->GetTableDef(name)->FindField("Status")) << name;
+    EXPECT_EQ(GetUserSetting(wb, "Columns", "STATUS"), "0");
+    EXPECT_EQ(GetUserSetting(wb, "Columns", "Retries"), NotFound) << "was there already";
 }
 
-TEST(MessageStore, RowKeepsEveryFieldOfTheRecord) {
-    StoreBench bench;
+TEST_F(StoreTest, RowKeepsEveryFieldOfTheRecord) {
+    std::string MessageRecord::*const texts[] = {
+        &MessageRecord::From,        &MessageRecord::To,      &MessageRecord::Subject,
+        &MessageRecord::Body,        &MessageRecord::CC,      &MessageRecord::BCC,
+        &MessageRecord::AllHeaders,  &MessageRecord::Attach,  &MessageRecord::Priority,
+        &MessageRecord::Mailer,      &MessageRecord::ReplyTo, &MessageRecord::HTML,
+        &MessageRecord::ContentType, &MessageRecord::HTMLCode};
     MessageRecord record = Sample();
-    record.AllHeaders = "X: y\r\n";
-    record.CC = "cc@example.com";
-    record.Attach = "/tmp/a.pdf";
-    record.Priority = "1";
-    record.Mailer = "M";
-    record.ReplyTo = "r@example.com";
-    record.ContentType = "html";
-    record.HTML = "/tmp/a.html";
-    record.HTMLCode = "<b>\xC3\xA4</b>";
-    SaveMessageRecord(bench.wb, record, "", "Drafts", false, 0, "UnreadReplied", false);
-    ASSERT_EQ(bench.Rows("Drafts").size(), 1u);
-    const MessageRecord row = bench.Rows("Drafts")[0];
-    for (const auto member :
-         {&MessageRecord::From, &MessageRecord::To, &MessageRecord::Subject, &MessageRecord::Body,
-          &MessageRecord::AllHeaders, &MessageRecord::CC, &MessageRecord::BCC,
-          &MessageRecord::Attach, &MessageRecord::Priority, &MessageRecord::Mailer,
-          &MessageRecord::ReplyTo, &MessageRecord::ContentType, &MessageRecord::HTML,
-          &MessageRecord::HTMLCode})
-        EXPECT_EQ(row.*member, record.*member);
+    int number = 0;
+    for (const auto text : texts)
+        record.*text = "\xC3\xA4\r\n" + std::to_string(++number);
+    Save(record, "Drafts", "UnreadReplied");
+    const MessageRecord row = Rows("Drafts").at(0);
+    for (const auto text : texts)
+        EXPECT_EQ(row.*text, record.*text);
     EXPECT_EQ(row.Date, record.Date);
     EXPECT_EQ(row.Size, 1234);
     EXPECT_EQ(row.Retries, 2);
     EXPECT_EQ(row.Status, "UnreadReplied");
 }
 
-TEST(SaveMessageRecord, OldRowAndTarget) {
+TEST_F(StoreTest, OldRowAndTarget) {
     struct Case {
         const char* name;
         const char* oldFolder;
@@ -149,73 +146,63 @@ TEST(SaveMessageRecord, OldRowAndTarget) {
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
-        StoreBench bench;
+        EmptyFolders();
         MessageRecord record = Sample();
-        SaveMessageRecord(bench.wb, record, "", "Drafts", false, 0, "Read", false);
-        const std::int32_t id = test.knowsId ? bench.LastId("Drafts") : -1;
-        SaveMessageRecord(bench.wb, record, test.oldFolder, test.folder, test.deleteOld, id,
-                          "Unread", false);
-        EXPECT_EQ(bench.Rows("Drafts").size(), test.oldLeft);
-        EXPECT_EQ(bench.Rows("Inbox").size(), test.stored);
+        Save(record, "Drafts", "Read");
+        const std::int32_t id = test.knowsId ? LastId("Drafts") : -1;
+        SaveMessageRecord(wb, record, test.oldFolder, test.folder, test.deleteOld, id, "Unread",
+                          false);
+        EXPECT_EQ(Rows("Drafts").size(), test.oldLeft);
+        EXPECT_EQ(Rows("Inbox").size(), test.stored);
     }
 }
 
-TEST(SaveMessageRecord, SignatureAndWrapOnTheWayIntoTheOutbox) {
+TEST_F(StoreTest, SignatureAndWrapOnTheWayIntoTheOutbox) {
+    enum Source { None, Text, File, NoFile };
     struct Case {
         const char* name;
         const char* folder;
-        bool signature;
-        bool fromFile;
-        bool fileThere;
+        Source signature;
         const char* text;
-        bool wrap;
         const char* body;
-        const char* status;
+        bool wrap = false;
+        const char* status = "Read";
     };
+    const std::string file = folder.Write("sig.txt", "-- file");
+    const char* const others = " and everybody else here too ok";
     const Case cases[] = {
-        {"plain", "Outbox", false, false, false, "-- Ann", false, "Dear Bob", "Read"},
-        {"text", "Outbox", true, false, false, "-- Ann", false, "Dear Bob-- Ann", "Read"},
-        {"empty text", "Outbox", true, false, false, "", false, "Dear Bob", "Read"},
-        {"file", "Outbox", true, true, true, "unused", false, "Dear Bob-- file", "Read"},
-        {"missing file", "Outbox", true, true, false, "unused", false, "Dear Bob", "Read"},
-        {"wrap after the signature", "Outbox", true, false, false,
-         " and everybody else here too ok", true, "Dear Bob and everybody else\r\n here too ok",
-         "Read"},
-        {"other folder", "Sent Items", true, false, false, "-- Ann", true, "Dear Bob",
-         "UnreadForward"},
+        {"plain", "Outbox", None, "-- Ann", "Dear Bob"},
+        {"text", "Outbox", Text, "-- Ann", "Dear Bob-- Ann"},
+        {"empty text", "Outbox", Text, "", "Dear Bob"},
+        {"file", "Outbox", File, "unused", "Dear Bob-- file"},
+        {"missing file", "Outbox", NoFile, "unused", "Dear Bob"},
+        {"wrapped", "Outbox", Text, others, "Dear Bob and everybody else \r\nhere too ok", true},
+        {"other folder", "Sent Items", Text, "-- Ann", "Dear Bob", true, "UnreadForward"},
     };
+    auto& settings = wb.forms.Get<frmSettings>();
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
-        StoreBench bench;
-        auto& settings = bench.wb.forms.Get<frmSettings>();
-        settings.chkAddSignature.SetChecked(test.signature);
-        settings.optFile.SetValue(test.fromFile);
-        settings.optText.SetValue(!test.fromFile);
+        EmptyFolders();
+        settings.chkAddSignature.SetChecked(test.signature != None);
+        settings.optFile.SetValue(test.signature >= File);
+        settings.optText.SetValue(test.signature == Text);
         settings.txtSignature.SetText(test.text);
-        settings.txtSigFile.SetText(bench.InProgramFolder("sig.txt"));
-        if (test.fileThere) WriteFileText(settings.txtSigFile.Text(), "-- file");
+        settings.txtSigFile.SetText(test.signature == File ? file : "/nowhere");
         settings.chkWrap.SetChecked(test.wrap);
         settings.txtWrap.SetText("30");
         MessageRecord record = Sample();
         record.Body = "Dear Bob";
-        SaveMessageRecord(bench.wb, record, "", test.folder, false, 0, "UnreadForward", false);
-        ASSERT_EQ(bench.Rows(test.folder).size(), 1u);
-        const std::string stored = bench.Rows(test.folder)[0].Body;
-        if (test.wrap && std::string(test.folder) == "Outbox")
-            EXPECT_NE(stored.find("\r\n"), std::string::npos);
-        else
-            EXPECT_EQ(stored, test.body);
-        EXPECT_EQ(bench.Rows(test.folder)[0].Status, test.status);
+        Save(record, test.folder, "UnreadForward");
+        ASSERT_EQ(Rows(test.folder).size(), 1u);
+        EXPECT_EQ(Rows(test.folder)[0].Body, test.body);
+        EXPECT_EQ(Rows(test.folder)[0].Status, test.status);
     }
 }
 
-TEST(SaveMessageRecord, UndoRemovesOnlyTheNewestEqualRow) {
-    struct Case {
-        const char* name;
-        void (*change)(MessageRecord&);
-        std::size_t left;
-    };
-    const Case cases[] = {
+TEST_F(StoreTest, UndoRemovesOnlyTheNewestEqualRow) {
+    Save(Sample(), "Inbox", "Unread", true);
+    EXPECT_TRUE(Rows("Inbox").empty()) << "an empty folder has nothing to undo";
+    const std::tuple<const char*, void (*)(MessageRecord&), std::size_t> cases[] = {
         {"equal", [](MessageRecord&) {}, 1},
         {"other From", [](MessageRecord& r) { r.From += "x"; }, 2},
         {"other To", [](MessageRecord& r) { r.To += "x"; }, 2},
@@ -223,89 +210,74 @@ TEST(SaveMessageRecord, UndoRemovesOnlyTheNewestEqualRow) {
         {"other Date", [](MessageRecord& r) { r.Date = r.Date.PlusSeconds(1); }, 2},
         {"other Body only", [](MessageRecord& r) { r.Body = "x"; }, 1},
     };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.name);
-        StoreBench bench;
+    for (const auto& [name, change, left] : cases) {
+        SCOPED_TRACE(name);
+        EmptyFolders();
         MessageRecord record = Sample();
         for (int i = 0; i < 2; ++i)
-            SaveMessageRecord(bench.wb, record, "", "Inbox", false, 0, "Unread", false);
-        test.change(record);
-        SaveMessageRecord(bench.wb, record, "", "Inbox", false, 0, "Unread", true);
-        EXPECT_EQ(bench.Rows("Inbox").size(), test.left);
+            Save(record, "Inbox");
+        change(record);
+        Save(record, "Inbox", "Unread", true);
+        EXPECT_EQ(Rows("Inbox").size(), left);
     }
-    StoreBench bench;
-    MessageRecord record = Sample();
-    SaveMessageRecord(bench.wb, record, "", "Inbox", false, 0, "Unread", true);
-    EXPECT_TRUE(bench.Rows("Inbox").empty()) << "an empty folder has nothing to undo";
 }
 
-TEST(SaveMessageRecord, OversizedTextLosesTheRowAndNothingElse) {
-    StoreBench bench;
+TEST_F(StoreTest, OversizedTextLosesTheRowAndNothingElse) {
     MessageRecord record = Sample();
     record.To.assign(DefaultTextSize + 1, 'x');
-    SaveMessageRecord(bench.wb, record, "", "Inbox", false, 0, "Unread", false);
-    EXPECT_TRUE(bench.Rows("Inbox").empty());
+    Save(record, "Inbox");
+    EXPECT_TRUE(Rows("Inbox").empty());
     record.To.pop_back();
-    SaveMessageRecord(bench.wb, record, "", "Inbox", false, 0, "Unread", false);
-    EXPECT_EQ(bench.Rows("Inbox").size(), 1u);
+    Save(record, "Inbox");
+    EXPECT_EQ(Rows("Inbox").size(), 1u);
 }
 
-TEST(SaveMessageRecord, UserFolderKeepsTheDateAsGeneralDateText) {
-    StoreBench bench;
-    Database& store = *bench.wb.state.MessageStore;
-    TableDef folder = *store.GetTableDef("Inbox");
-    folder.name = "Mine";
-    for (Field& field : folder.fields)
-        if (field.name == "Date") field = *folder.FindField("Subject"), field.name = "Date";
-    ASSERT_TRUE(store.AppendTable(folder).Ok());
-    MessageRecord record = Sample();
-    SaveMessageRecord(bench.wb, record, "", "Mine", false, 0, "Unread", false);
+TEST_F(StoreTest, UserFolderKeepsTheDateAsGeneralDateText) {
+    Database& store = *wb.state.MessageStore;
+    TableDef mine = *store.GetTableDef("Inbox");
+    mine.name = "Mine";
+    for (Field& field : mine.fields)
+        if (field.name == "Date") field = *mine.FindField("Subject"), field.name = "Date";
+    ASSERT_TRUE(store.AppendTable(mine).Ok());
+    Save(Sample(), "Mine");
     const auto rows = store.OpenRecordset("Mine");
     ASSERT_TRUE(rows.Ok());
     EXPECT_EQ((*rows)->Get("Date")->TextOrEmpty(), "2/29/2024 11:59:58 PM");
-    SaveMessageRecord(bench.wb, record, "", "Mine", false, 0, "Unread", true);
-    EXPECT_TRUE(bench.Rows("Mine").empty()) << "undo reads the text as a date";
+    Save(Sample(), "Mine", "Unread", true);
+    EXPECT_TRUE(Rows("Mine").empty()) << "undo reads the text as a date";
 }
 
-TEST(SentLedger, KeepsIdsOutOfTheFolderListUntilTheirMessagesHaveGone) {
-    StoreBench bench;
-    Database& store = *bench.wb.state.MessageStore;
+TEST_F(StoreTest, LedgerKeepsIdsOutOfTheFolderListUntilTheirMessagesHaveGone) {
+    Database& store = *wb.state.MessageStore;
     EXPECT_TRUE(SentLedger::Entries(store)->empty());
     EXPECT_TRUE(SentLedger::RemoveGone(store).Ok());
-    MessageRecord record;
     for (int i = 0; i < 3; ++i)
-        SaveMessageRecord(bench.wb, record, "", OutboxFolder, false, 0, "", false);
+        Save({}, OutboxFolder);
     const auto ledger = SentLedger::Open(store);
     ASSERT_TRUE(ledger.Ok());
     for (const std::int32_t id : {3, 9, 1})
-        ASSERT_TRUE(SentLedger::Record(**ledger, id, bench.clock.Now()).Ok());
+        ASSERT_TRUE(SentLedger::Record(**ledger, id, clock.Now()).Ok());
     ASSERT_TRUE(store.Execute("DELETE FROM Outbox WHERE ID = 1").Ok());
     ASSERT_TRUE(SentLedger::RemoveGone(store).Ok());
-    CloseMessageStore(bench.wb);
-    ASSERT_TRUE(OpenMessageStore(bench.wb).Ok());
-    EXPECT_EQ(*SentLedger::Entries(*bench.wb.state.MessageStore),
-              (AcceptedMessages{{3, bench.clock.Now()}}));
-    EXPECT_EQ(bench.wb.state.MessageStore->UserTableNames()->size(), 6u);
+    CloseMessageStore(wb);
+    ASSERT_TRUE(OpenMessageStore(wb).Ok());
+    EXPECT_EQ(*SentLedger::Entries(*wb.state.MessageStore), (AcceptedMessages{{3, clock.Now()}}));
+    EXPECT_EQ(wb.state.MessageStore->UserTableNames()->size(), 6u);
 }
 
-TEST(MergeMark, CountsOnceHowFarTheRunCame) {
-    StoreBench bench;
-    Database& store = *bench.wb.state.MessageStore;
+TEST_F(StoreTest, MergeMarkCountsOnceHowFarTheRunCame) {
+    Database& store = *wb.state.MessageStore;
     EXPECT_FALSE(MergeMark::Find(store)->has_value()) << "no run yet";
-    MessageRecord record;
-    const auto add = [&] {
-        SaveMessageRecord(bench.wb, record, "", OutboxFolder, false, 0, "", false);
-    };
-    add();  // from before the run
+    Save({}, OutboxFolder);  // from before the run
     UnfinishedMerge run;
     run.table = "People";
     run.total = 500;
     run.firstRow = 3;
-    run.started = bench.clock.Now();
+    run.started = clock.Now();
     ASSERT_TRUE(MergeMark::Set(store, UnfinishedMerge()).Ok());
     ASSERT_TRUE(MergeMark::Set(store, run).Ok()) << "in place of the one before";
     for (int i = 0; i < 7; ++i)
-        add();
+        Save({}, OutboxFolder);
     for (int start = 0; start < 2; ++start) {
         const auto found = MergeMark::Find(store);
         ASSERT_TRUE(found.Ok() && found->has_value());

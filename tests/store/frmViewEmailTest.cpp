@@ -7,7 +7,7 @@
 namespace mailvane {
 namespace {
 
-struct ViewBench : test::TestBench {
+struct ViewEmailTest : testing::Test, test::TestBench {
     frmViewEmail& view = wb.forms.Get<frmViewEmail>();
 
     void Store(const std::string& target, const std::string& subject, const std::string& body) {
@@ -18,61 +18,53 @@ struct ViewBench : test::TestBench {
     }
 };
 
-TEST(frmViewEmail, StartsOnTheInboxOfANewStore) {
-    ViewBench bench;
-    EXPECT_EQ(bench.view.cmbFolder.Count(), 6);
-    EXPECT_EQ(bench.view.cmbFolder.Text(), "Inbox");
-    EXPECT_EQ(bench.view.pnlTable.Text(), "      Inbox ");
-    EXPECT_TRUE(bench.wb.state.MessageStore->IsOpen());
+TEST_F(ViewEmailTest, StartsOnTheInboxOfANewStore) {
+    EXPECT_EQ(view.cmbFolder.Count(), 6);
+    EXPECT_EQ(view.cmbFolder.Text(), "Inbox");
+    EXPECT_EQ(view.pnlTable.Text(), "      Inbox ");
     std::string shown;
-    for (const GridColumn& column : bench.view.EmailGrid.Columns())
+    for (const GridColumn& column : view.EmailGrid.Columns())
         if (column.visible) shown += column.name + " ";
     EXPECT_EQ(shown, "From To Subject Date Size Status Retries ");
 }
 
-TEST(frmViewEmail, ShowsTheChosenFolderAndTheTextOfItsCurrentRow) {
-    ViewBench bench;
-    bench.Store("Drafts", "first", "text one");
-    bench.Store("Drafts", "second", "text two");
-    ASSERT_EQ(bench.view.cmbFolder.SetByUser("Drafts"), ControlAnswer::Done);
-    EXPECT_EQ(bench.view.pnlTable.Text(), "      Drafts ");
-    EXPECT_EQ(bench.view.EmailGrid.RowCount(), 2u);
-    EXPECT_EQ(bench.view.txtPreview.Text(), "text one");
-    bench.view.EmailGrid.SetCurrentRow(1);
-    EXPECT_EQ(bench.view.txtPreview.Text(), "text two");
-    bench.view.cmbFolder.SetByUser("Inbox");
-    EXPECT_EQ(bench.view.txtPreview.Text(), "");
+TEST_F(ViewEmailTest, ShowsTheChosenFolderAndTheTextOfItsCurrentRow) {
+    Store("Drafts", "first", "text one");
+    Store("Drafts", "second", "text two");
+    ASSERT_EQ(view.cmbFolder.SetByUser("Drafts"), ControlAnswer::Done);
+    EXPECT_EQ(view.pnlTable.Text(), "      Drafts ");
+    EXPECT_EQ(view.EmailGrid.RowCount(), 2u);
+    EXPECT_EQ(view.txtPreview.Text(), "text one");
+    view.EmailGrid.SetCurrentRow(1);
+    EXPECT_EQ(view.txtPreview.Text(), "text two");
+    view.cmbFolder.SetByUser("Inbox");
+    EXPECT_EQ(view.txtPreview.Text(), "");
 }
 
-TEST(frmViewEmail, RefreshReadsAgainAndStaysOnItsMessage) {
-    ViewBench bench;
-    bench.Store("Inbox", "first", "text one");
-    bench.Store("Inbox", "second", "text two");
-    bench.view.cmdRefresh.Press();
-    ASSERT_EQ(bench.view.EmailGrid.RowCount(), 2u);
-    bench.view.EmailGrid.SetCurrentRow(1);
-    bench.view.EmailGrid.SetColumnWidth(2, 4321);
-    ASSERT_TRUE(
-        bench.wb.state.MessageStore->Execute("DELETE FROM Inbox WHERE Subject = 'first'").Ok());
-    bench.Store("Inbox", "third", "text three");
-    bench.view.ActiveBar1.Press("Refresh");
-    EXPECT_EQ(bench.view.EmailGrid.RowCount(), 2u);
-    EXPECT_EQ(bench.view.EmailGrid.CurrentRow(), std::optional<std::size_t>(0));
-    EXPECT_EQ(bench.view.txtPreview.Text(), "text two");
-    EXPECT_EQ(bench.view.EmailGrid.Columns()[2].width, 4321) << "chosen by the user";
+TEST_F(ViewEmailTest, RefreshReadsAgainAndStaysOnItsMessage) {
+    Store("Inbox", "first", "text one");
+    Store("Inbox", "second", "text two");
+    view.cmdRefresh.Press();
+    ASSERT_EQ(view.EmailGrid.RowCount(), 2u);
+    view.EmailGrid.SetCurrentRow(1);
+    view.EmailGrid.SetColumnWidth(2, 4321);
+    ASSERT_TRUE(wb.state.MessageStore->Execute("DELETE FROM Inbox WHERE Subject = 'first'").Ok());
+    Store("Inbox", "third", "text three");
+    view.ActiveBar1.Press("Refresh");
+    EXPECT_EQ(view.EmailGrid.RowCount(), 2u);
+    EXPECT_EQ(view.EmailGrid.CurrentRow(), std::optional<std::size_t>(0));
+    EXPECT_EQ(view.txtPreview.Text(), "text two");
+    EXPECT_EQ(view.EmailGrid.Columns()[2].width, 4321) << "chosen by the user";
 }
 
-TEST(frmViewEmail, ClosingHidesUnloadingReleasesTheStore) {
-    ViewBench bench;
-    bench.view.Show();
-    bench.view.OnCloseBox();
-    EXPECT_FALSE(bench.view.Visible());
-    EXPECT_TRUE(bench.view.IsLoaded());
-    bench.view.Unload();
-    EXPECT_FALSE(bench.wb.state.MessageStore);
+TEST_F(ViewEmailTest, ClosingHidesUnloadingReleasesTheStore) {
+    view.Show();
+    view.OnCloseBox();
+    EXPECT_TRUE(!view.Visible() && view.IsLoaded());
+    view.Unload();
+    EXPECT_FALSE(wb.state.MessageStore);
     EXPECT_TRUE(
-        bench.wb.state.MainWorkspace->OpenDatabase(MessageStorePath(bench.wb), OpenMode::Exclusive)
-            .Ok());
+        wb.state.MainWorkspace->OpenDatabase(MessageStorePath(wb), OpenMode::Exclusive).Ok());
 }
 
 TEST(frmViewEmail, SaysWhyTheStoreCannotBeOpened) {

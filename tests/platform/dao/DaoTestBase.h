@@ -20,6 +20,13 @@ inline testing::AssertionResult IsDone(const char* operation, const DaoError& ou
 #define EXPECT_DONE(operation) EXPECT_PRED_FORMAT1(IsDone, operation)
 #define EXPECT_FAILS(operation, expectedNumber) EXPECT_EQ((operation).number, expectedNumber)
 
+/// Sets one value of the row where the recordset stands.
+inline DaoError Change(Recordset& recordset, const std::string& field, const DaoValue& value) {
+    DaoError failed = recordset.Edit();
+    if (failed.Ok()) failed = recordset.Set(field, value);
+    return failed.Ok() ? recordset.Update() : failed;
+}
+
 /// A fresh database in a folder of its own.
 class DaoTest : public testing::Test {
 protected:
@@ -39,6 +46,16 @@ protected:
         Field field = Column(name, FieldType::Long);
         field.attributes = AutoIncrementAttribute;
         return field;
+    }
+
+    void Reopen(const std::string& path) {
+        database_ = workspace_->OpenDatabase(path).ValueOr(nullptr);
+        ASSERT_NE(database_, nullptr);
+    }
+
+    void MakeTable(const std::string& name, const std::vector<Field>& fields,
+                   const std::vector<Index>& indexes = {}) {
+        EXPECT_DONE(database_->AppendTable({name, 0, fields, indexes}));
     }
 
     std::shared_ptr<Recordset> Open(const std::string& source) {
@@ -62,10 +79,7 @@ protected:
 
     /// A table "People" of Name and Age with a row for each name, in that order, aged 1, 2, 3...
     void MakePeople(const std::vector<std::string>& names) {
-        TableDef table;
-        table.name = "People";
-        table.fields = {Column("Name"), Column("Age", FieldType::Long)};
-        EXPECT_DONE(database_->AppendTable(table));
+        MakeTable("People", {Column("Name"), Column("Age", FieldType::Long)});
         const auto people = Open("People");
         for (std::size_t i = 0; i < names.size(); ++i)
             EXPECT_DONE(AddRow(*people, {names[i], static_cast<int>(i) + 1}));

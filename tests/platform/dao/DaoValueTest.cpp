@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include "platform/dao/DaoValue.h"
 #include "platform/dao/FieldTypes.h"
 #include "platform/dao/StatementHandler.h"
@@ -9,104 +7,85 @@
 namespace mailvane {
 namespace {
 
-struct TextCase {
-    const char* name;
-    DaoValue value;
-    const char* text;
+constexpr int Refused = dao_error::DataConversion;
+const DateTime Ninth = *DateTime::FromParts(2001, 3, 9);
 
-    friend void PrintTo(const TextCase& row, std::ostream* out) { *out << row.name; }
-};
-
-class DaoValueText : public testing::TestWithParam<TextCase> {};
-
-TEST_P(DaoValueText, IsTheDefaultConversion) {
-    EXPECT_EQ(GetParam().value.TextOrEmpty(), GetParam().text);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Values, DaoValueText,
-    testing::Values(TextCase{"True", true, "True"}, TextCase{"False", false, "False"},
-                    TextCase{"Whole", 5, "5"}, TextCase{"WholeFraction", 5.0, "5"},
-                    TextCase{"Tenth", 0.1, "0.1"}, TextCase{"SumOfTenths", 0.1 + 0.2, "0.3"},
-                    TextCase{"FifteenDigits", 1.0 / 3.0, "0.333333333333333"},
-                    TextCase{"Large", 1e15, "1E+15"}, TextCase{"Small", 1e-7, "1E-07"},
-                    TextCase{"NegativeZero", -0.0, "0"},
-                    TextCase{"Date", *DateTime::FromParts(2001, 3, 9, 13, 5),
-                             "3/9/2001 1:05:00 PM"},
-                    TextCase{"Null", DaoValue(), ""}),
-    [](const auto& row) { return row.param.name; });
-
-TEST(DaoValue, NullIsNoText) {
+TEST(DaoValue, TextsAreTheDefaultConversion) {
+    const std::pair<DaoValue, const char*> rows[] = {
+        {true, "True"},
+        {false, "False"},
+        {5, "5"},
+        {5.0, "5"},
+        {0.1, "0.1"},
+        {0.1 + 0.2, "0.3"},
+        {1.0 / 3.0, "0.333333333333333"},
+        {1e15, "1E+15"},
+        {1e-7, "1E-07"},
+        {-0.0, "0"},
+        {*DateTime::FromParts(2001, 3, 9, 13, 5), "3/9/2001 1:05:00 PM"},
+        {DaoValue(), ""},
+    };
+    for (const auto& [value, text] : rows)
+        EXPECT_EQ(value.TextOrEmpty(), text);
     EXPECT_EQ(DaoValue().ToText().Error().number, dao_error::InvalidNull);
     EXPECT_EQ(*DaoValue("").ToText(), "");
 }
 
 TEST(DaoValue, NumbersComeOutOfTexts) {
-    EXPECT_EQ(DaoValue(" 12 ").NumberOr(-1), 12);
-    EXPECT_EQ(DaoValue("12.5").NumberOr(-1), 12);
-    EXPECT_EQ(DaoValue("13.5").NumberOr(-1), 14);
-    EXPECT_EQ(DaoValue("12a").NumberOr(-1), -1);
-    EXPECT_EQ(DaoValue("1e300").NumberOr(-1), -1);
-    EXPECT_EQ(DaoValue().NumberOr(-1), -1);
-    EXPECT_EQ(DaoValue(std::int64_t{9007199254740993}).NumberOr(-1), 9007199254740993);
+    const std::pair<DaoValue, std::int64_t> rows[] = {
+        {" 12 ", 12},
+        {"12.5", 12},
+        {"13.5", 14},
+        {"12a", -1},
+        {"1e300", -1},
+        {DaoValue(), -1},
+        {std::int64_t{9007199254740993}, 9007199254740993},
+    };
+    for (const auto& [value, number] : rows)
+        EXPECT_EQ(value.NumberOr(-1), number) << value.TextOrEmpty();
 }
 
-struct ConvertCase {
-    const char* name;
-    FieldType type;
-    DaoValue value;
-    DaoValue stored;
-    int error = 0;
-
-    friend void PrintTo(const ConvertCase& row, std::ostream* out) { *out << row.name; }
-};
-
-class FieldConversion : public testing::TestWithParam<ConvertCase> {};
-
-TEST_P(FieldConversion, ConvertsOrRefuses) {
-    Field field;
-    field.type = GetParam().type;
-    field.size = field.type == FieldType::Text ? 4 : 0;
-    const auto stored = ConvertForField(GetParam().value, field);
-    EXPECT_EQ(stored.Failed() ? stored.Error().number : 0, GetParam().error);
-    if (stored.Ok()) {
-        EXPECT_EQ(*stored, GetParam().stored) << stored->TextOrEmpty();
+TEST(FieldConversion, ConvertsOrRefuses) {
+    const struct {
+        const char* name;
+        FieldType type;
+        DaoValue value;
+        DaoValue stored;
+        int error = 0;
+    } rows[] = {
+        {"word into Long", FieldType::Long, "abc", {}, Refused},
+        {"empty into Long", FieldType::Long, "", {}, Refused},
+        {"digits into Long", FieldType::Long, "00123", 123},
+        {"half into Long", FieldType::Long, 2.5, 2},
+        {"too large for Long", FieldType::Long, 2147483648.0, {}, Refused},
+        {"too large for Integer", FieldType::Integer, 40000, {}, Refused},
+        {"negative for Byte", FieldType::Byte, -1, {}, Refused},
+        {"True into Long", FieldType::Long, true, -1},
+        {"yes into Boolean", FieldType::Boolean, "yes", true},
+        {"number into Boolean", FieldType::Boolean, "-1", true},
+        {"word into Boolean", FieldType::Boolean, "perhaps", {}, Refused},
+        {"Null into Boolean", FieldType::Boolean, DaoValue(), false},
+        {"Null into Long", FieldType::Long, DaoValue(), DaoValue()},
+        {"text into Date", FieldType::Date, "3/9/2001", Ninth},
+        {"nonsense into Date", FieldType::Date, "13/13/2001", {}, Refused},
+        {"Date into text", FieldType::Memo, Ninth, "3/9/2001"},
+        {"number into text", FieldType::Memo, 1.5, "1.5"},
+        {"bytes count", FieldType::Text, "\xc3\xa4\xc3\xa4", "\xc3\xa4\xc3\xa4"},
+        {"a byte too long", FieldType::Text, "\xc3\xa4\xc3\xa4x", {}, dao_error::FieldTooSmall},
+        {"Single keeps seven digits", FieldType::Single, 0.123456789, 0.1234568},
+        {"too large for Single", FieldType::Single, 1e39, {}, Refused},
+        {"Currency keeps four places", FieldType::Currency, "1.23456", 1.2346},
+        {"infinity is no number", FieldType::Double, "inf", {}, Refused},
+    };
+    for (const auto& row : rows) {
+        Field field;
+        field.type = row.type;
+        field.size = row.type == FieldType::Text ? 4 : 0;
+        const auto stored = ConvertForField(row.value, field);
+        EXPECT_EQ(stored.Failed() ? stored.Error().number : 0, row.error) << row.name;
+        EXPECT_TRUE(stored.Failed() || *stored == row.stored) << row.name;
     }
 }
-
-const DateTime Ninth = *DateTime::FromParts(2001, 3, 9);
-
-INSTANTIATE_TEST_SUITE_P(
-    Values, FieldConversion,
-    testing::Values(
-        ConvertCase{"WordIntoLong", FieldType::Long, "abc", {}, dao_error::DataConversion},
-        ConvertCase{"EmptyIntoLong", FieldType::Long, "", {}, dao_error::DataConversion},
-        ConvertCase{"DigitsIntoLong", FieldType::Long, "00123", 123},
-        ConvertCase{"HalfIntoLong", FieldType::Long, 2.5, 2},
-        ConvertCase{
-            "TooLargeForLong", FieldType::Long, 2147483648.0, {}, dao_error::DataConversion},
-        ConvertCase{"TooLargeForInteger", FieldType::Integer, 40000, {}, dao_error::DataConversion},
-        ConvertCase{"NegativeForByte", FieldType::Byte, -1, {}, dao_error::DataConversion},
-        ConvertCase{"TrueIntoLong", FieldType::Long, true, -1},
-        ConvertCase{"YesIntoBoolean", FieldType::Boolean, "yes", true},
-        ConvertCase{"NumberIntoBoolean", FieldType::Boolean, "-1", true},
-        ConvertCase{
-            "WordIntoBoolean", FieldType::Boolean, "perhaps", {}, dao_error::DataConversion},
-        ConvertCase{"NullIntoBoolean", FieldType::Boolean, DaoValue(), false},
-        ConvertCase{"NullIntoLong", FieldType::Long, DaoValue(), DaoValue()},
-        ConvertCase{"TextIntoDate", FieldType::Date, "3/9/2001", Ninth},
-        ConvertCase{
-            "NonsenseIntoDate", FieldType::Date, "13/13/2001", {}, dao_error::DataConversion},
-        ConvertCase{"DateIntoText", FieldType::Memo, Ninth, "3/9/2001"},
-        ConvertCase{"NumberIntoText", FieldType::Memo, 1.5, "1.5"},
-        ConvertCase{"BytesCount", FieldType::Text, "\xc3\xa4\xc3\xa4", "\xc3\xa4\xc3\xa4"},
-        ConvertCase{
-            "OneByteTooLong", FieldType::Text, "\xc3\xa4\xc3\xa4x", {}, dao_error::FieldTooSmall},
-        ConvertCase{"SingleKeepsSevenDigits", FieldType::Single, 0.123456789, 0.1234568},
-        ConvertCase{"TooLargeForSingle", FieldType::Single, 1e39, {}, dao_error::DataConversion},
-        ConvertCase{"CurrencyKeepsFourPlaces", FieldType::Currency, "1.23456", 1.2346},
-        ConvertCase{"InfinityIsNoNumber", FieldType::Double, "inf", {}, dao_error::DataConversion}),
-    [](const auto& row) { return row.param.name; });
 
 TEST(DeclaredTypes, EveryFieldTypeComesBack) {
     for (const FieldType type :

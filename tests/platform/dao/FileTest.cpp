@@ -25,9 +25,9 @@ protected:
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
-    void Reopen() {
-        database_ = workspace_->OpenDatabase(path_).ValueOr(nullptr);
-        ASSERT_NE(database_, nullptr);
+    bool RefusedInChild(OpenMode mode) {
+        return InChild([&] { return OpenNumber(path_, mode) == dao_error::OpenedExclusively; }) ==
+               1;
     }
 
     static void Overwrite(const std::string& path, std::int64_t place, const std::string& bytes) {
@@ -43,37 +43,30 @@ TEST_F(FileTest, OnlyDatabasesOpen) {
     database_->Close();
     const std::string access =
         std::string("\0\1\0\0", 4) + "Standard ACE DB" + std::string(4096, 1);
-    const std::pair<std::string, int> cases[] = {
-        {folder_.File("missing.db"), dao_error::FileNotFound},
-        {folder_.Path(), dao_error::UnrecognizedFormat},
-        {folder_.Write("empty.db", ""), dao_error::UnrecognizedFormat},
-        {folder_.Write("text.db", std::string(5000, 'x')), dao_error::UnrecognizedFormat},
-        {folder_.Write("short.db", "x"), dao_error::UnrecognizedFormat},
-        {folder_.Write("access.mdb", access), dao_error::UnrecognizedFormat},
-        {folder_.Write("header.db", "SQLite format 3" + std::string(2000, '\0')),
-         dao_error::DamagedFile},
-    };
-    for (const auto& [path, number] : cases)
-        EXPECT_EQ(OpenNumber(path), number) << path;
+    for (const std::string& path :
+         {folder_.Path(), folder_.Write("empty.db", ""), folder_.Write("short.db", "x"),
+          folder_.Write("text.db", std::string(5000, 'x')), folder_.Write("access.mdb", access)})
+        EXPECT_EQ(OpenNumber(path), dao_error::UnrecognizedFormat) << path;
+    EXPECT_EQ(OpenNumber(folder_.File("missing.db")), dao_error::FileNotFound);
+    const std::string header = "SQLite format 3" + std::string(2000, '\0');
+    EXPECT_EQ(OpenNumber(folder_.Write("header.db", header)), dao_error::DamagedFile);
     EXPECT_EQ(folder_.Read("access.mdb"), access);
-    EXPECT_NE(workspace_->OpenDatabase(folder_.File("access.mdb"))
-                  .Error()
-                  .description.find("Microsoft Access"),
-              std::string::npos);
+    const auto told = workspace_->OpenDatabase(folder_.File("access.mdb")).Error().description;
+    EXPECT_NE(told.find("Microsoft Access"), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(folder_.File("missing.db")));
     EXPECT_FALSE(std::filesystem::exists(folder_.File("text.db.lock")));
 }
 
 TEST_F(FileTest, NewDatabaseTakesNoFilesPlace) {
-    EXPECT_EQ(workspace_->CreateDatabase(path_).Error().number, dao_error::DatabaseExists);
-    folder_.Write("other", "x");
-    EXPECT_EQ(workspace_->CreateDatabase(folder_.File("other")).Error().number,
-              dao_error::DatabaseExists);
+    const auto create = [this](const std::string& path) {
+        return workspace_->CreateDatabase(path).Error().number;
+    };
+    EXPECT_EQ(create(path_), dao_error::DatabaseExists);
+    EXPECT_EQ(create(folder_.Write("other", "x")), dao_error::DatabaseExists);
     EXPECT_EQ(folder_.Read("other"), "x");
-    EXPECT_EQ(workspace_->CreateDatabase(folder_.File("no/such/folder.db")).Error().number,
-              dao_error::CannotOpenFile);
+    EXPECT_EQ(create(folder_.File("no/such/folder.db")), dao_error::CannotOpenFile);
     database_->Close();
-    Reopen();  // a database without tables is one
+    Reopen(path_);  // a database without tables is one
 }
 
 TEST_F(FileTest, ExclusiveOpeningStandsAlone) {
@@ -81,10 +74,7 @@ TEST_F(FileTest, ExclusiveOpeningStandsAlone) {
     std::filesystem::create_symlink(path_, link);
     EXPECT_EQ(OpenNumber(path_), 0);
     EXPECT_EQ(OpenNumber(link, OpenMode::Exclusive), dao_error::OpenedExclusively);
-    EXPECT_EQ(InChild([&] {
-                  return OpenNumber(path_, OpenMode::Exclusive) == dao_error::OpenedExclusively;
-              }),
-              1);
+    EXPECT_TRUE(RefusedInChild(OpenMode::Exclusive));
     database_->Close();
     EXPECT_FALSE(LockFileExists());
     {
@@ -92,7 +82,7 @@ TEST_F(FileTest, ExclusiveOpeningStandsAlone) {
         ASSERT_TRUE(alone.Ok());
         EXPECT_EQ(OpenNumber(path_), dao_error::OpenedExclusively);
         EXPECT_EQ(OpenNumber(link), dao_error::OpenedExclusively);
-        EXPECT_EQ(InChild([&] { return OpenNumber(path_) == dao_error::OpenedExclusively; }), 1);
+        EXPECT_TRUE(RefusedInChild(OpenMode::Shared));
         EXPECT_FAILS(DBEngine::RepairDatabase(path_), dao_error::OpenedExclusively);
     }
     EXPECT_EQ(OpenNumber(path_), 0);
@@ -131,7 +121,7 @@ TEST_F(FileTest, KilledTransactionLeavesWholeUnits) {
                 .number;
         }),
         -1);
-    Reopen();
+    Reopen(path_);
     EXPECT_EQ(Walk("People"), "Ann committed");
 }
 
@@ -156,7 +146,7 @@ TEST_F(FileTest, CompactMakesADenseCopy) {
     EXPECT_EQ(left, 2);  // the file and its copy
 
     std::filesystem::copy_file(target, path_, std::filesystem::copy_options::overwrite_existing);
-    Reopen();
+    Reopen(path_);
     EXPECT_EQ(Walk("People"), "Ann");
     EXPECT_TRUE(database_->GetTableDef("People")->indexes.at(0).primary);
     EXPECT_TRUE(std::filesystem::exists(path_ + "-wal"));  // still logs ahead
@@ -173,11 +163,11 @@ TEST_F(FileTest, CompactInPlaceLeavesACopyBeside) {
     EXPECT_LT(std::filesystem::file_size(path_), 50'000u);
     EXPECT_EQ(std::filesystem::status(path_).permissions(), std::filesystem::perms(0600));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.Path()), {}), 2);
-    Reopen();
+    Reopen(path_);
     Execute("DELETE FROM People");
     database_->Close();
     path_ = backup;
-    Reopen();
+    Reopen(path_);
     EXPECT_EQ(Walk("People"), "Ann");
 }
 
@@ -195,11 +185,8 @@ TEST_F(FileTest, LeftoversGoUnlessAnybodyIsAtWork) {
 }
 
 TEST_F(FileTest, RepairSavesTheRowsAroundTheDamage) {
-    TableDef table;
-    table.name = "Mail";
-    table.fields = {AutoNumber(), Column("Name"), Column("Body", FieldType::Memo)};
-    table.indexes = {{"Index1", {"ID"}, true, false}, {"Name", {"Name"}, false, true}};
-    ASSERT_EQ(database_->AppendTable(table).number, 0);
+    MakeTable("Mail", {AutoNumber(), Column("Name"), Column("Body", FieldType::Memo)},
+              {{"Index1", {"ID"}, true}, {"Name", {"Name"}, false, true}});
     constexpr int Rows = 3000;
     const auto mail = Open("Mail");
     EXPECT_DONE(database_->Transaction([&]() -> DaoError {
@@ -213,13 +200,12 @@ TEST_F(FileTest, RepairSavesTheRowsAroundTheDamage) {
     EXPECT_DONE(DBEngine::RepairDatabase(path_));  // a sound file stays as it is
 
     const std::string garbage(4096, '\x5a');
-    Overwrite(path_, 40 * 4096, garbage);
-    Overwrite(path_, 60 * 4096, garbage);
-    Overwrite(path_, 61 * 4096, garbage);
+    for (const int page : {40, 60, 61})
+        Overwrite(path_, page * 4096, garbage);
     EXPECT_DONE(DBEngine::RepairDatabase(path_));
     EXPECT_FALSE(LockFileExists());
 
-    Reopen();
+    Reopen(path_);
     const auto saved = Open("Mail");
     EXPECT_GT(saved->RecordCount(), Rows - 100);
     EXPECT_LT(saved->RecordCount(), Rows - 1);
@@ -238,7 +224,7 @@ TEST_F(FileTest, DamageMetWhileReadingIsTold) {
     MakePeople({"Ann"});
     database_->Close();
     Overwrite(path_, 4096, std::string(4096, '\x5a'));
-    Reopen();
+    Reopen(path_);
     EXPECT_EQ(database_->OpenRecordset("People").Error().number, dao_error::DamagedFile);
 }
 

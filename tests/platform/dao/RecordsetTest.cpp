@@ -3,25 +3,35 @@
 namespace mailvane {
 namespace {
 
-class RecordsetTest : public DaoTest {};
+class RecordsetTest : public DaoTest {
+protected:
+    /// Goes to the next, previous, first or last row (n, p, f, l) or deletes this one (d). The
+    /// number of the step that failed, or the first value of the row where the steps lead.
+    static std::string After(Recordset& rows, const char* steps) {
+        for (; *steps != '\0'; ++steps) {
+            const DaoError outcome = *steps == 'n'   ? rows.MoveNext()
+                                     : *steps == 'p' ? rows.MovePrevious()
+                                     : *steps == 'f' ? rows.MoveFirst()
+                                     : *steps == 'l' ? rows.MoveLast()
+                                                     : rows.Delete();
+            if (outcome.Failed()) return "failed " + std::to_string(outcome.number);
+        }
+        return TextOf(rows.Get(0));
+    }
+};
 
 TEST_F(RecordsetTest, WalksToBothEndsAndNoFurther) {
     MakePeople({"Ann", "Bob"});
     const auto people = Open("People");
-    EXPECT_EQ(TextOf(people->Get("Name")), "Ann");
-    EXPECT_EQ(people->RecordCount(), 2);
-    EXPECT_DONE(people->MoveNext());
-    EXPECT_DONE(people->MoveNext());
-    EXPECT_TRUE(people->EndOfFile());
-    EXPECT_EQ(TextOf(people->Get("Name")), "error 3021");
-    EXPECT_FAILS(people->MoveNext(), dao_error::NoCurrentRecord);
-    EXPECT_DONE(people->MovePrevious());
-    EXPECT_EQ(TextOf(people->Get("Name")), "Bob");
-    EXPECT_DONE(people->MoveFirst());
-    EXPECT_DONE(people->MovePrevious());
-    EXPECT_TRUE(people->BeginOfFile());
-    EXPECT_FAILS(people->MovePrevious(), dao_error::NoCurrentRecord);
-    EXPECT_DONE(people->MoveNext());
+    const std::pair<const char*, const char*> rows[] = {
+        {"", "Ann"},  {"nn", "error 3021"}, {"n", "failed 3021"}, {"p", "Bob"},
+        {"f", "Ann"}, {"p", "error 3021"},  {"p", "failed 3021"}, {"n", "Ann"},
+    };
+    for (const auto& [steps, shown] : rows) {
+        EXPECT_EQ(After(*people, steps), shown) << steps;
+        const bool outside = std::string(shown).ends_with("3021");
+        EXPECT_EQ(people->EndOfFile() || people->BeginOfFile(), outside) << steps;
+    }
     EXPECT_EQ(TextOf(people->Get("name")), "Ann");
     EXPECT_EQ(TextOf(people->Get("Nothing")), "error 3265");
     EXPECT_EQ(TextOf(people->Get(2)), "error 3265");
@@ -30,16 +40,13 @@ TEST_F(RecordsetTest, WalksToBothEndsAndNoFurther) {
 TEST_F(RecordsetTest, EmptyTableHasNoCurrentRow) {
     MakePeople({});
     const auto people = Open("People");
-    EXPECT_TRUE(people->BeginOfFile());
-    EXPECT_TRUE(people->EndOfFile());
-    EXPECT_FAILS(people->MoveFirst(), dao_error::NoCurrentRecord);
-    EXPECT_FAILS(people->MoveLast(), dao_error::NoCurrentRecord);
+    EXPECT_TRUE(people->BeginOfFile() && people->EndOfFile());
+    for (const char* step : {"f", "l", "d"})
+        EXPECT_EQ(After(*people, step), "failed 3021") << step;
     EXPECT_FAILS(people->Edit(), dao_error::NoCurrentRecord);
-    EXPECT_FAILS(people->Delete(), dao_error::NoCurrentRecord);
     EXPECT_DONE(AddRow(*people, {"Ann", 1}));
     EXPECT_EQ(people->RecordCount(), 1);
-    EXPECT_DONE(people->MoveFirst());
-    EXPECT_EQ(TextOf(people->Get(0)), "Ann");
+    EXPECT_EQ(After(*people, "f"), "Ann");
 }
 
 TEST_F(RecordsetTest, RowsAddedJoinTheEndHereAndComeElsewhereByRequery) {
@@ -63,7 +70,6 @@ TEST_F(RecordsetTest, EditShowsItsValuesAndAMoveDropsThem) {
     MakePeople({"Ann", "Bob"});
     const auto people = Open("People");
     EXPECT_FAILS(people->Set("Name", "x"), dao_error::UpdateWithoutEdit);
-    EXPECT_FAILS(people->Update(), dao_error::UpdateWithoutEdit);
     EXPECT_DONE(people->Edit());
     EXPECT_DONE(people->Set("Age", "41"));
     EXPECT_EQ(TextOf(people->Get("Age")), "41");
@@ -73,9 +79,7 @@ TEST_F(RecordsetTest, EditShowsItsValuesAndAMoveDropsThem) {
     EXPECT_FAILS(people->Update(), dao_error::UpdateWithoutEdit);
     EXPECT_EQ(Walk("SELECT Age FROM People"), "1 2");
     EXPECT_DONE(people->MoveFirst());
-    EXPECT_DONE(people->Edit());
-    EXPECT_DONE(people->Set("Age", 41));
-    EXPECT_DONE(people->Update());
+    EXPECT_DONE(Change(*people, "Age", 41));
     EXPECT_EQ(TextOf(people->Get("Age")), "41");
 }
 
@@ -93,21 +97,14 @@ TEST_F(RecordsetTest, RowChangedByAStatementIsReadAgain) {
 }
 
 TEST_F(RecordsetTest, DefaultsNumbersAndDatesAreStoredAsTheyShould) {
-    TableDef table;
-    table.name = "T";
     Field count = Column("Count", FieldType::Integer);
     count.defaultValue = "0";
     Field word = Column("Word");
     word.defaultValue = "\"it's\"";
     Field needed = Column("Needed");
     needed.required = true;
-    table.fields = {AutoNumber(),
-                    count,
-                    word,
-                    needed,
-                    Column("When", FieldType::Date),
-                    Column("Flag", FieldType::Boolean)};
-    ASSERT_EQ(database_->AppendTable(table).number, 0);
+    MakeTable("T", {AutoNumber(), count, word, needed, Column("When", FieldType::Date),
+                    Column("Flag", FieldType::Boolean)});
     const auto rows = Open("T");
     EXPECT_DONE(rows->AddNew());
     EXPECT_EQ(TextOf(rows->Get("Count")), "0");
@@ -117,23 +114,19 @@ TEST_F(RecordsetTest, DefaultsNumbersAndDatesAreStoredAsTheyShould) {
     EXPECT_DONE(rows->Set("When", "3/9/2001 1:00:00 PM"));
     EXPECT_DONE(rows->Set("Flag", -1));
     EXPECT_DONE(rows->Update());
-    EXPECT_DONE(rows->MoveFirst());
-    EXPECT_EQ(TextOf(rows->Get("ID")), "1");
+    EXPECT_EQ(After(*rows, "f"), "1");
     EXPECT_EQ(TextOf(rows->Get("Word")), "it's");
     EXPECT_EQ(TextOf(rows->Get("Flag")), "True");
     EXPECT_EQ(rows->Get("When")->DateOr({}), *DateTime::FromParts(2001, 3, 9, 13));
     EXPECT_EQ(Walk("SELECT Count(*) FROM T WHERE [When] > #3/9/2001 12:30:00 PM#"), "1");
-    EXPECT_DONE(rows->Edit());
-    EXPECT_DONE(rows->Set("ID", 1));
-    EXPECT_FAILS(rows->Set("ID", 2), dao_error::FieldNotUpdatable);
+    EXPECT_DONE(Change(*rows, "ID", 1));
+    EXPECT_FAILS(Change(*rows, "ID", 2), dao_error::FieldNotUpdatable);
 }
 
 TEST_F(RecordsetTest, DefaultTextSizeIsTheLimit) {
-    MakePeople({});
-    const auto people = Open("People");
-    EXPECT_DONE(AddRow(*people, {std::string(65535, 'x')}));
-    EXPECT_DONE(people->AddNew());
-    EXPECT_FAILS(people->Set("Name", std::string(65536, 'x')), dao_error::FieldTooSmall);
+    MakePeople({std::string(65535, 'x')});
+    EXPECT_FAILS(Change(*Open("People"), "Name", std::string(65536, 'x')),
+                 dao_error::FieldTooSmall);
 }
 
 TEST_F(RecordsetTest, DeletedRowLeavesItsPlaceUntilTheMove) {
@@ -141,19 +134,13 @@ TEST_F(RecordsetTest, DeletedRowLeavesItsPlaceUntilTheMove) {
     const auto people = Open("People");
     EXPECT_DONE(people->MoveNext());
     const Bookmark removed = *people->GetBookmark();
-    EXPECT_DONE(people->Delete());
-    EXPECT_EQ(TextOf(people->Get(0)), "error 3167");
+    EXPECT_EQ(After(*people, "d"), "error 3167");
     EXPECT_EQ(people->RecordCount(), 3);
     EXPECT_FAILS(people->SetBookmark(removed), dao_error::NoCurrentRecord);
-    EXPECT_DONE(people->MoveNext());
-    EXPECT_EQ(TextOf(people->Get(0)), "c");
+    EXPECT_EQ(After(*people, "n"), "c");
     EXPECT_EQ(*people->PositionOf(*people->GetBookmark()), 1u);
-    EXPECT_DONE(people->MovePrevious());
-    EXPECT_EQ(TextOf(people->Get(0)), "a");
-    EXPECT_DONE(people->Delete());
-    EXPECT_DONE(people->MoveLast());
-    EXPECT_DONE(people->Delete());
-    EXPECT_DONE(people->MoveNext());
+    EXPECT_EQ(After(*people, "p"), "a");
+    EXPECT_EQ(After(*people, "dldn"), "error 3021");
     EXPECT_TRUE(people->EndOfFile());
     EXPECT_EQ(Walk(*people), "c");
 }
@@ -161,8 +148,7 @@ TEST_F(RecordsetTest, DeletedRowLeavesItsPlaceUntilTheMove) {
 TEST_F(RecordsetTest, PagesFollowThePositionsThatAreLeft) {
     MakePeople({"a", "b", "c", "d", "e"});
     const auto people = Open("SELECT Age, Name FROM People ORDER BY Name DESC");
-    EXPECT_DONE(people->MoveNext());
-    EXPECT_DONE(people->Delete());  // "d"
+    After(*people, "nd");  // "d"
     EXPECT_EQ(Execute("DELETE FROM People WHERE Name = 'b'"), 1);
     const auto page = people->ReadRows(1, 10);
     ASSERT_TRUE(page.Ok());
@@ -181,9 +167,7 @@ std::string FindAll(Recordset& recordset, const std::string& condition, bool cha
     while (outcome.Ok() && !recordset.NoMatch()) {
         found += recordset.Get("Name")->TextOrEmpty();
         if (change) {
-            EXPECT_DONE(recordset.Edit());
-            EXPECT_DONE(recordset.Set("Age", 0));
-            EXPECT_DONE(recordset.Update());
+            EXPECT_DONE(Change(recordset, "Age", 0));
         }
         outcome = recordset.FindNext(condition);
     }
@@ -192,18 +176,19 @@ std::string FindAll(Recordset& recordset, const std::string& condition, bool cha
 
 TEST_F(RecordsetTest, SearchFollowsTheRecordsetsOrder) {
     MakePeople({"a1", "b", "a2", "c", "A3"});
-    for (const bool change : {false, true}) {
-        EXPECT_EQ(FindAll(*Open("People"), "[Name] LIKE 'a*'", change), "a1a2A3");
-        EXPECT_EQ(
-            FindAll(*Open("SELECT * FROM People ORDER BY Name DESC"), "Name LIKE 'a*'", change),
-            "A3a2a1");
-        EXPECT_EQ(FindAll(*Open("SELECT TOP 3 * FROM People"), "Name LIKE 'a*'", change), "a1a2");
-    }
+    const std::pair<const char*, const char*> rows[] = {
+        {"People", "a1a2A3"},
+        {"SELECT * FROM People ORDER BY Name DESC", "A3a2a1"},
+        {"SELECT TOP 3 * FROM People", "a1a2"},
+    };
+    for (const bool change : {false, true})
+        for (const auto& [source, found] : rows)
+            EXPECT_EQ(FindAll(*Open(source), "[Name] LIKE 'a*'", change), found) << source;
     EXPECT_EQ(FindAll(*Open("SELECT DISTINCT Name FROM People"), "[Name] = 'A1'", false), "a1");
 }
 
 TEST_F(RecordsetTest, NoMatchLeavesThePosition) {
-    MakePeople({"a", "b"});
+    MakePeople({"a", "b", "c"});
     const auto people = Open("People");
     EXPECT_DONE(people->MoveNext());
     EXPECT_DONE(people->FindFirst("Age = 7"));
@@ -213,32 +198,27 @@ TEST_F(RecordsetTest, NoMatchLeavesThePosition) {
     EXPECT_EQ(TextOf(people->Get(0)), "b");
     EXPECT_DONE(people->FindFirst("age = 1"));
     EXPECT_EQ(TextOf(people->Get(0)), "a");
-}
-
-TEST_F(RecordsetTest, RowsThatComeToMatchDuringASearchAreFound) {
-    MakePeople({"a", "b", "c"});
-    const auto people = Open("People");
-    EXPECT_DONE(people->FindFirst("Age = 1"));
     EXPECT_EQ(Execute("UPDATE People SET Age = 1 WHERE Name = 'c'"), 1);
-    EXPECT_DONE(people->FindNext("Age = 1"));
-    EXPECT_EQ(TextOf(people->Get(0)), "c");
+    EXPECT_DONE(people->FindNext("age = 1"));
+    EXPECT_EQ(TextOf(people->Get(0)), "c") << "a row that came to match during the search";
 }
 
 TEST_F(RecordsetTest, FilterTakesEffectInTheRecordsetThatItOpens) {
     MakePeople({"a", "b", "c", "d"});
     for (const char* source : {"SELECT TOP 3 * FROM People", "SELECT DISTINCT * FROM People"}) {
+        SCOPED_TRACE(source);
         const auto people = Open(source);
         people->SetFilter("[Age] BETWEEN 2 AND 9");
-        EXPECT_EQ(Walk(*people).substr(0, 3), "a b") << source;
+        EXPECT_EQ(Walk(*people).substr(0, 3), "a b");
         const auto filtered = *people->OpenFiltered();
-        EXPECT_EQ(Walk(*filtered).substr(0, 3), "b c") << source;
-        EXPECT_EQ(filtered->RecordCount(), people->RecordCount() - 1) << source;
+        EXPECT_EQ(Walk(*filtered).substr(0, 3), "b c");
+        EXPECT_EQ(filtered->RecordCount(), people->RecordCount() - 1);
         EXPECT_DONE(filtered->FindFirst("Name = 'c'"));
-        EXPECT_EQ(TextOf(filtered->Get(0)), "c") << source;
+        EXPECT_EQ(TextOf(filtered->Get(0)), "c");
         filtered->SetFilter("Name = 'c' OR Name = 'a'");
-        EXPECT_EQ(Walk(**filtered->OpenFiltered()), "c") << source;
+        EXPECT_EQ(Walk(**filtered->OpenFiltered()), "c");
         people->SetFilter("nothing = 1");
-        EXPECT_TRUE(people->OpenFiltered().Failed()) << source;
+        EXPECT_TRUE(people->OpenFiltered().Failed());
     }
 }
 
@@ -260,12 +240,14 @@ TEST_F(RecordsetTest, ClosedObjectsAnswerSo) {
     first->Close();
     EXPECT_FALSE(first->IsOpen());
     EXPECT_EQ(TextOf(first->Get(0)), "error 3420");
-    EXPECT_FAILS(first->MoveNext(), dao_error::ObjectInvalid);
     workspace_->Close();
     EXPECT_FALSE(database_->IsOpen());
-    EXPECT_EQ(TextOf(second->Get(0)), "error 3420");
-    EXPECT_FAILS(second->AddNew(), dao_error::ObjectInvalid);
-    EXPECT_FAILS(second->Requery(), dao_error::ObjectInvalid);
+    for (Recordset* rows : {first.get(), second.get()}) {
+        EXPECT_EQ(TextOf(rows->Get(0)), "error 3420");
+        EXPECT_EQ(After(*rows, "n"), "failed 3420");
+        EXPECT_FAILS(rows->AddNew(), dao_error::ObjectInvalid);
+        EXPECT_FAILS(rows->Requery(), dao_error::ObjectInvalid);
+    }
     EXPECT_EQ(database_->Execute("DELETE * FROM People").Error().number, dao_error::ObjectInvalid);
     EXPECT_FAILS(database_->DeleteTable("People"), dao_error::ObjectInvalid);
     EXPECT_FAILS(database_->Transaction([] { return DaoError(); }), dao_error::ObjectInvalid);

@@ -28,15 +28,10 @@ public:
                  Column("Notes", FieldType::Memo)},
                 {}});
         Create({Quoted, 0, {id, Column("E-mail"), Column("City")}, {}});
-        Create({"Outbox",
-                0,
-                {id, Column("Subject"), Column("Date", FieldType::Date),
-                 Column("Retries", FieldType::Integer)},
-                {}});
-        Create({"Mine",
-                0,
-                {id, Column("Subject"), Column("Date"), Column("Retries", FieldType::Integer)},
-                {}});
+        const Field retries = Column("Retries", FieldType::Integer);
+        const Field date = Column("Date", FieldType::Date);
+        Create({"Outbox", 0, {id, Column("Subject"), date, retries}, {}});
+        Create({"Mine", 0, {id, Column("Subject"), Column("Date"), retries}, {}});
         Run(R"sql(INSERT INTO "Clients 1/2/2003 4:05:06 PM" VALUES
             (1, 'Ann', 'ANN@a.com', '2003-01-02 00:00:00', 1.5, 1, 'x'),
             (2, 'Bob', 'bob@b.com', '2003-01-31 12:00:00', 10, 0, NULL),
@@ -79,9 +74,8 @@ public:
 
     SchemaReader Schema() const {
         return [this](const std::string& name) -> std::optional<TableDef> {
-            for (const auto& [known, table] : tables_) {
+            for (const auto& [known, table] : tables_)
                 if (SameName(known, name)) return table;
-            }
             return std::nullopt;
         };
     }
@@ -100,9 +94,8 @@ public:
                 Run("ROLLBACK TO plan");
                 return -1;
             }
-            if (counted != nullptr && i == plan->countedStatement) {
+            if (counted != nullptr && i == plan->countedStatement)
                 *counted = sqlite3_changes(database_);
-            }
         }
         for (const std::string& table : plan->droppedTables) {
             Run("DROP TABLE " + QuoteName(table));

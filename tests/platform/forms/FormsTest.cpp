@@ -13,8 +13,7 @@ namespace {
 using std::chrono::milliseconds;
 using Lines = std::vector<std::string>;
 
-/// What happened to the forms, by name.
-using Journal = std::vector<std::string>;
+using Journal = Lines;  // what happened to the forms, by name
 
 class LoggedForm : public Form {
 public:
@@ -43,13 +42,11 @@ private:
     void Note(const std::string& what) { journal_.push_back(Name() + " " + what); }
     Journal& journal_;
 };
-class frmOne final : public LoggedForm {
-public:
-    frmOne(WindowSystem& windows, Journal& journal) : LoggedForm(windows, journal, "frmOne") {}
+struct frmOne final : LoggedForm {
+    frmOne(WindowSystem& w, Journal& j) : LoggedForm(w, j, "frmOne") {}
 };
-class frmTwo final : public LoggedForm {
-public:
-    frmTwo(WindowSystem& windows, Journal& journal) : LoggedForm(windows, journal, "frmTwo") {}
+struct frmTwo final : LoggedForm {
+    frmTwo(WindowSystem& w, Journal& j) : LoggedForm(w, j, "frmTwo") {}
 };
 
 class FormsTest : public testing::Test {
@@ -166,12 +163,10 @@ TEST_F(FormsTest, RunsPumpOnlyEveryTenMilliseconds) {
     form.Timer1.onTimer = [&] { ++fired; };
     form.Timer1.Start();
     const auto watch = windows.yielded.Observe([&] { ++yields; });
-    clock.Advance(milliseconds(60));
-    windows.YieldBriefly();
-    clock.Advance(milliseconds(59));
-    windows.YieldBriefly();
-    clock.Advance(milliseconds(9));
-    windows.YieldBriefly();
+    for (const int pause : {60, 59, 9}) {
+        clock.Advance(milliseconds(pause));
+        windows.YieldBriefly();
+    }
     EXPECT_EQ(fired, 2);
     EXPECT_EQ(yields, 3);
 }

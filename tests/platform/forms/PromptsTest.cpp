@@ -65,9 +65,8 @@ TEST_F(Prompts, FilesComeInOrderAndGetTheirExtensionWhenSaved) {
     windows.prompts.QueueFile(std::nullopt);
     windows.prompts.QueueFileFirst("/first");
     EXPECT_EQ(windows.FileDialog(open), "/first");
-    EXPECT_EQ(windows.FileDialog(save), "/p.d/plain.poc");
-    EXPECT_EQ(windows.FileDialog(save), "/p.d/named.txt");
-    EXPECT_EQ(windows.FileDialog(save), "");
+    for (const char* path : {"/p.d/plain.poc", "/p.d/named.txt", ""})
+        EXPECT_EQ(windows.FileDialog(save), path);
     EXPECT_EQ(windows.FileDialog(open), "/p.d/plain");
     EXPECT_EQ(windows.FileDialog(save), std::nullopt);
     EXPECT_EQ(windows.prompts.Failure(), std::nullopt);
@@ -79,11 +78,10 @@ TEST_F(Prompts, ExpectedBoxesAreFoundOnceAndInOrder) {
     windows.prompts.UseDefaults();
     for (const auto* text : {"first", "second", "first"})
         Box(text, BoxButtons::Ok);
-    EXPECT_FALSE(windows.prompts.ExpectBox("fir"));
-    EXPECT_TRUE(windows.prompts.ExpectBox("second"));
-    EXPECT_FALSE(windows.prompts.ExpectBox("second"));
-    EXPECT_TRUE(windows.prompts.ExpectBox("first"));
-    EXPECT_FALSE(windows.prompts.ExpectBox("first"));
+    const std::pair<const char*, bool> rows[] = {
+        {"fir", false}, {"second", true}, {"second", false}, {"first", true}, {"first", false}};
+    for (const auto& [text, found] : rows)
+        EXPECT_EQ(windows.prompts.ExpectBox(text), found) << text;
 }
 
 }  // namespace

@@ -48,55 +48,39 @@ const std::string Fine = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\nX: y\r\n\r\nfi
 const KeepWaiting Patient = [] { return true; };
 
 TEST(HttpRequest, SendsWhatItIsTold) {
-    struct Row {
-        const char* name;
+    const struct {
         HttpMethod method;
         const char* path;
         const char* query;
         const char* line;
         const char* body;
-        const char* content;
-    };
-    const Row rows[] = {
-        {"get", HttpMethod::Get, "/a.pl", "x=1&y=%26+z", "GET /a.pl?x=1&y=%26+z HTTP/1.1", "",
-         "fine"},
-        {"get without a query", HttpMethod::Get, "", "", "GET / HTTP/1.1", "", "fine"},
-        {"get behind a query of the URL", HttpMethod::Get, "/a?k=v#top", "x=1",
-         "GET /a?k=v&x=1 HTTP/1.1", "", "fine"},
-        {"characters that no URL may have", HttpMethod::Get, "/a b", "n=[First Name]#\"\xC3\xA4",
-         "GET /a%20b?n=[First%20Name]%23%22%C3%A4 HTTP/1.1", "", "fine"},
-        {"line ends", HttpMethod::Get, "/a", "x\r\nHost: evil",
-         "GET /a?x%0D%0AHost:%20evil HTTP/1.1", "", "fine"},
-        {"post", HttpMethod::Post, "/a?k=v", "x=1&y=%26", "POST /a?k=v HTTP/1.1", "x=1&y=%26",
-         "fine"},
-        {"head", HttpMethod::Head, "/a", "x=1", "HEAD /a?x=1 HTTP/1.1", "",
+        const char* content = "fine";
+    } rows[] = {
+        {HttpMethod::Get, "/a.pl", "x=1&y=%26+z", "GET /a.pl?x=1&y=%26+z HTTP/1.1", ""},
+        {HttpMethod::Get, "", "", "GET / HTTP/1.1", ""},
+        {HttpMethod::Get, "/a?k=v#top", "x=1", "GET /a?k=v&x=1 HTTP/1.1", ""},
+        {HttpMethod::Get, "/a b", "n=[First Name]#\"\xC3\xA4",
+         "GET /a%20b?n=[First%20Name]%23%22%C3%A4 HTTP/1.1", ""},
+        {HttpMethod::Get, "/a", "x\r\nHost: evil", "GET /a?x%0D%0AHost:%20evil HTTP/1.1", ""},
+        {HttpMethod::Post, "/a?k=v", "x=1&y=%26", "POST /a?k=v HTTP/1.1", "x=1&y=%26"},
+        {HttpMethod::Head, "/a", "x=1", "HEAD /a?x=1 HTTP/1.1", "",
          "HTTP/1.1 200 OK\r\nContent-Length: 4\r\nX: y\r\n\r\n"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
         WebServer web({row.method == HttpMethod::Head ? Fine.substr(0, Fine.size() - 4) : Fine});
-        HttpRequest request;
-        request.url = web.Url(row.path);
-        request.method = row.method;
-        request.query = row.query;
+        HttpRequest request{.url = web.Url(row.path), .method = row.method, .query = row.query};
         request.referer = "http://from/\r\nEvil: 1";
         const HttpAnswer answer = SendHttpRequest(request, Patient);
-        EXPECT_TRUE(answer.error.Ok()) << row.name << answer.error.description;
-        EXPECT_EQ(answer.status, 200) << row.name;
-        EXPECT_EQ(answer.content, row.content) << row.name;
-        ASSERT_EQ(web.heard.size(), 1u) << row.name;
-        EXPECT_EQ(web.heard[0].line, row.line) << row.name;
-        EXPECT_EQ(web.heard[0].body, row.body) << row.name;
-        EXPECT_THAT(web.heard[0].head, HasSubstr("Referer: http://from/Evil: 1\n")) << row.name;
-        EXPECT_THAT(web.heard[0].head, Not(HasSubstr("Expect:"))) << row.name;
+        EXPECT_TRUE(answer.error.Ok()) << answer.error.description;
+        EXPECT_EQ(answer.status, 200);
+        EXPECT_EQ(answer.content, row.content);
+        ASSERT_EQ(web.heard.size(), 1u);
+        EXPECT_EQ(web.heard[0].line, row.line);
+        EXPECT_EQ(web.heard[0].body, row.body);
+        EXPECT_THAT(web.heard[0].head, HasSubstr("Referer: http://from/Evil: 1\n"));
+        EXPECT_THAT(web.heard[0].head, Not(HasSubstr("Expect:")));
     }
-}
-
-TEST(HttpRequest, ReportsOfErrorsAreAnswers) {
-    WebServer web({"HTTP/1.1 404 Gone\r\nContent-Length: 2\r\n\r\nno"});
-    const HttpAnswer answer = SendHttpRequest({.url = web.Url("/")}, Patient);
-    EXPECT_TRUE(answer.error.Ok());
-    EXPECT_EQ(answer.status, 404);
-    EXPECT_EQ(answer.content, "no");
 }
 
 TEST(HttpRequest, FollowsDirections) {
@@ -117,11 +101,14 @@ TEST(HttpRequest, FollowsDirections) {
     EXPECT_TRUE(SendHttpRequest({.url = file.Url("/a")}, Patient).error.Failed());
 }
 
-TEST(HttpRequest, GoesThroughAProxy) {
-    WebServer web({Fine});
+TEST(HttpRequest, GoesThroughAProxyAndTakesReportsOfErrorsForAnswers) {
+    WebServer web({"HTTP/1.1 404 Gone\r\nContent-Length: 2\r\n\r\nno"});
     HttpRequest request{.url = "somewhere.invalid/a?u=http://b", .proxyServer = "127.0.0.1"};
     request.proxyPort = web.server.Port();
-    EXPECT_EQ(SendHttpRequest(request, Patient).content, "fine");
+    const HttpAnswer answer = SendHttpRequest(request, Patient);
+    EXPECT_TRUE(answer.error.Ok());
+    EXPECT_EQ(answer.status, 404);
+    EXPECT_EQ(answer.content, "no");
     EXPECT_EQ(web.heard.at(0).line, "GET http://somewhere.invalid/a?u=http://b HTTP/1.1");
 }
 
@@ -136,31 +123,27 @@ TEST(HttpRequest, GivesUp) {
         while (peer.ReadLine())
             continue;
     };
-    struct Row {
+    const auto answerWith = [](const std::string& text) {
+        return [text](test::Peer& peer, int) {
+            ReadRequest(peer);
+            peer.Send(text);
+        };
+    };
+    const struct {
         const char* name;
         test::LoopbackServer::Talk talk;
         int calls;  ///< of keepWaiting, before it says no
         int code;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"a server without an answer", silent, 1000, net_error::TimedOut},
         {"the user", silent, 2, net_error::Canceled},
-        {"a server that hangs up", [](test::Peer& peer, int) { peer.ReadLine(); }, 1000,
+        {"a server that hangs up", answerWith(""), 1000, net_error::ConnectionLost},
+        {"an answer cut off", answerWith(Fine.substr(0, Fine.size() - 1)), 1000,
          net_error::ConnectionLost},
-        {"an answer cut off",
-         [](test::Peer& peer, int) {
-             ReadRequest(peer);
-             peer.Send(Fine.substr(0, Fine.size() - 1));
-         },
-         1000, net_error::ConnectionLost},
-        {"an answer without end",
-         [](test::Peer& peer, int) {
-             ReadRequest(peer);
-             peer.Send("HTTP/1.1 200 OK\r\n\r\n" + std::string(5000, 'x'));
-         },
+        {"an answer without end", answerWith("HTTP/1.1 200 OK\r\n\r\n" + std::string(5000, 'x')),
          1000, net_error::TooLarge},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         test::LoopbackServer server(row.talk);
         HttpRequest request{.url = "127.0.0.1:" + std::to_string(server.Port())};
         request.answerTimeout = 1;

@@ -14,12 +14,11 @@ using namespace std::string_literals;
 using List = std::vector<std::string>;
 
 TEST(MailAddress, AddressesOfAList) {
-    struct Row {
+    const struct {
         const char* name;
         std::string list;
         List addresses;
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"empty", "", {}},
         {"nothing but separators", " , ;, <>,", {}},
         {"bare", "a@b.c", {"a@b.c"}},
@@ -45,7 +44,7 @@ TEST(MailAddress, AddressesOfAList) {
          "Žan <ž@š.si>, a@BÜCHER.example, b@[ž], c@ž..x, d@\xFF",
          {"ž@xn--pga.si", "a@xn--bcher-kva.example", "b@[ž]", "c@ž..x", "d@\xFF"}},
     };
-    for (const Row& row : rows)
+    for (const auto& row : rows)
         EXPECT_EQ(AddressesOf(row.list), row.addresses) << row.name;
 }
 
@@ -95,7 +94,7 @@ TEST(MailAddress, HeaderText) {
         {"no line of blanks alone", words + std::string(30, ' ') + "h",
          words.substr(0, 59) + "\r\n" + std::string(31, ' ') + "h"},
     };
-    for (const Row& row : rows)
+    for (const auto& row : rows)
         EXPECT_EQ(EncodeHeaderText(row.value, 8), row.header) << row.name;
 }
 
@@ -117,12 +116,11 @@ TEST(MailAddress, LongTextIsCutBetweenCharacters) {
 }
 
 TEST(MailAddress, HeaderAddresses) {
-    struct Row {
+    const struct {
         const char* name;
         std::string value;
         std::string header;
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"as it stands", "\"Doe, J\" <j@x>; b@x", "\"Doe, J\" <j@x>, b@x"},
         {"only the name is encoded", "Žan <z@x>, b@x", "=?utf-8?B?xb1hbg==?= <z@x>, b@x"},
         {"quoted name", "\"Žan, Ž\" <z@x>", "=?utf-8?B?xb1hbiwgxb0=?= <z@x>"},
@@ -142,7 +140,7 @@ TEST(MailAddress, HeaderAddresses) {
          "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaa@example.com,\r\n "
          "bbbbbbbbbbbbbbbbbbbbbbbbbbbbbb@example.com"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(EncodeHeaderAddresses(row.value, 3, false), row.header) << row.name;
     }
     std::string many;

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -10,6 +7,7 @@
 #include "platform/net/NetCode.h"
 #include "platform/net/SmtpMessage.h"
 #include "platform/net/TextCoding.h"
+#include "support/TempFolder.h"
 
 namespace mailvane {
 namespace {
@@ -43,13 +41,12 @@ TEST(SmtpMessage, Head) {
 }
 
 TEST(SmtpMessage, HeadLines) {
-    struct Row {
+    const struct {
         const char* name;
         MessageFields fields;
         const char* present;
         const char* absent;
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"own MIME-Version",
          {"a@x", "", "", "", "mime-version: 1.0", "", "", "me"},
          "mime-version: 1.0\r\n\r\n",
@@ -81,7 +78,7 @@ TEST(SmtpMessage, HeadLines) {
          "@me.org>\r\n",
          "From"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const std::string wire = Wire(row.fields, {});
         EXPECT_NE(wire.find(row.present), std::string::npos) << row.name << "\n" << wire;
         EXPECT_EQ(wire.find(row.absent), std::string::npos) << row.name << "\n" << wire;
@@ -103,13 +100,8 @@ TEST(SmtpMessage, IdsDiffer) {
     EXPECT_TRUE(ids[0] != ids[1] && ids[0] != ids[2] && ids[1] != ids[2]);
 }
 
-struct BodyRow {
-    const char* name;
-    std::string headers;
-    std::string text;
-    bool eightBit;
-    std::string wire;  ///< from the first line of the block on
-};
+const std::string EightBit = "\r\nContent-Transfer-Encoding: 8bit\r\n";
+const std::string QuotedPrintable = "\r\nContent-Transfer-Encoding: quoted-printable\r\n";
 
 TEST(SmtpMessage, Body) {
     const std::string plain = "Content-Type: text/plain; charset=us-ascii\r\nX: y";
@@ -119,40 +111,34 @@ TEST(SmtpMessage, Body) {
     AppendQuotedPrintable(longCoded, longLine);
     std::string grown;
     AppendQuotedPrintable(grown, ToUtf8(std::string(400, '\x80')));
-    const std::vector<BodyRow> rows = {
+    const std::string ascii = "Content-Type: text/plain; charset=us-ascii";
+    const std::string utf8 = "Content-Type: text/plain; charset=utf-8";
+    const struct {
+        const char* name;
+        std::string headers;
+        std::string text;
+        bool eightBit;
+        std::string wire;  ///< from the first line of the block on
+    } rows[] = {
         {"ASCII", plain, "a\nb\rc\r\n\r\nd", false,
-         "Content-Type: text/plain; charset=us-ascii\r\n" + plainEnd + "a\r\nb\r\nc\r\n\r\nd\r\n"},
-        {"empty", plain, "", false, "Content-Type: text/plain; charset=us-ascii\r\n" + plainEnd},
-        {"8 bits taken", plain, "ž", true,
-         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n" +
-             plainEnd + "ž\r\n"},
+         ascii + "\r\n" + plainEnd + "a\r\nb\r\nc\r\n\r\nd\r\n"},
+        {"empty", plain, "", false, ascii + "\r\n" + plainEnd},
+        {"8 bits taken", plain, "ž", true, utf8 + EightBit + plainEnd + "ž\r\n"},
         {"8 bits not taken", plain, "ž=\r\n.", false,
-         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: "
-         "quoted-printable\r\n" +
-             plainEnd + "=C5=BE=3D\r\n.\r\n"},
-        {"Windows-1252", plain, "\xE9", true,
-         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n" +
-             plainEnd + "é\r\n"},
+         utf8 + QuotedPrintable + plainEnd + "=C5=BE=3D\r\n.\r\n"},
+        {"Windows-1252", plain, "\xE9", true, utf8 + EightBit + plainEnd + "é\r\n"},
         {"Windows-1252 that outgrows the line", plain, std::string(400, '\x80'), true,
-         "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: "
-         "quoted-printable\r\n" +
-             plainEnd + grown + "\r\n"},
+         utf8 + QuotedPrintable + plainEnd + grown + "\r\n"},
         {"long line", plain, longLine, true,
-         "Content-Type: text/plain; charset=us-ascii\r\nContent-Transfer-Encoding: "
-         "quoted-printable\r\n" +
-             plainEnd + longCoded + "\r\n"},
-        {"NUL", plain, "a\0b"s, true,
-         "Content-Type: text/plain; charset=us-ascii\r\nContent-Transfer-Encoding: "
-         "quoted-printable\r\n" +
-             plainEnd + "a=00b\r\n"},
+         ascii + QuotedPrintable + plainEnd + longCoded + "\r\n"},
+        {"NUL", plain, "a\0b"s, true, ascii + QuotedPrintable + plainEnd + "a=00b\r\n"},
         {"other parameters stay", "content-type: text/html;charset=\"iso-8859-1\" ; a=b", "ž", true,
-         "Content-Type: text/html;charset=utf-8; a=b\r\nContent-Transfer-Encoding: 8bit\r\n"
-         "MIME-Version: 1.0\r\n\r\nž\r\n"},
+         "Content-Type: text/html;charset=utf-8; a=b" + EightBit +
+             "MIME-Version: 1.0\r\n\r\nž\r\n"},
         {"no type told", "Content-Transfer-Encoding: 7bit\r\nX: y", "ž", true,
-         "X: y\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: 8bit\r\n"
-         "MIME-Version: 1.0\r\n\r\nž\r\n"},
+         "X: y\r\n" + utf8 + EightBit + "MIME-Version: 1.0\r\n\r\nž\r\n"},
     };
-    for (const BodyRow& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         const std::string wire =
             Wire({"a@x", "", "", "", row.headers, row.text, "", "me"}, {row.eightBit, false});
@@ -167,32 +153,29 @@ TEST(SmtpMessage, Multipart) {
                "\r\n--bnd\r\nContent-Type: application/octet-stream; name=" + name +
                "\r\nContent-Transfer-Encoding: base64\r\n\r\n";
     };
-    const std::string coded =
-        "Content-Type: text/plain; charset=utf-8\r\nContent-Transfer-Encoding: ";
+    const std::string coded = "Content-Type: text/plain; charset=utf-8";
     const std::string html =
         "Content-Type: text/html;    charset=\"iso-8859-1\"Content-Transfer-Encoding: "
         "quoted-printable\r\n";
-    const std::string codedHtml =
-        "Content-Type: text/html;    charset=utf-8\r\nContent-Transfer-Encoding: ";
-    struct Row {
+    const std::string codedHtml = "Content-Type: text/html;    charset=utf-8";
+    const struct {
         const char* name;
         std::string text;
         bool eightBit;
         std::string wire;
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"ASCII as it stands", body(html + "<p>a", "x.doc"), false, body(html + "<p>a", "x.doc")},
-        {"plain, 8 bits taken", body("\r\nž", "x"), true, body(coded + "8bit\r\n\r\nž", "x")},
+        {"plain, 8 bits taken", body("\r\nž", "x"), true, body(coded + EightBit + "\r\nž", "x")},
         {"plain, 8 bits not taken", body("\r\nž\r\n", "x"), false,
-         body(coded + "quoted-printable\r\n\r\n=C5=BE\r\n", "x")},
+         body(coded + QuotedPrintable + "\r\n=C5=BE\r\n", "x")},
         {"HTML that follows its header line at once", body(html + "<p>ž", "x"), false,
-         body(codedHtml + "quoted-printable\r\n\r\n<p>=C5=BE", "x")},
+         body(codedHtml + QuotedPrintable + "\r\n<p>=C5=BE", "x")},
         {"boundary inside the text", body("\r\nž\r\n--bnd\r\nž", "x"), false,
-         body(coded + "quoted-printable\r\n\r\n=C5=BE\r\n--bnd\r\n=C5=BE", "x")},
+         body(coded + QuotedPrintable + "\r\n=C5=BE\r\n--bnd\r\n=C5=BE", "x")},
         {"file name outside ASCII", body("\r\na", "Ž.doc"), false,
          body("\r\na", "\"=?utf-8?B?xb0uZG9j?=\"")},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         const std::string wire =
             Wire({"a@x", "", "", "", type, row.text, "", "me"}, {row.eightBit, false});
@@ -202,70 +185,50 @@ TEST(SmtpMessage, Multipart) {
 
 // Normalisation gives the same bytes wherever the pieces are cut.
 TEST(MessageSource, LinesInPieces) {
-    struct Row {
+    const struct {
         std::string text;
         std::string wire;
         std::string stuffed;
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"", "", ""},
         {".", ".\r\n", "..\r\n"},
         {"a\r\r\n\n\nb", "a\r\n\r\n\r\n\r\nb\r\n", "a\r\n\r\n\r\n\r\nb\r\n"},
         {".a\r.b\n.\r\n..c.\r", ".a\r\n.b\r\n.\r\n..c.\r\n", "..a\r\n..b\r\n..\r\n...c.\r\n"},
         {"a\r\n", "a\r\n", "a\r\n"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         for (std::size_t piece = 1; piece < 6; ++piece) {
-            std::string plain;
-            std::string stuffed;
-            WireLines plainLines;
-            WireLines stuffedLines;
-            for (std::size_t i = 0; i < row.text.size(); i += piece) {
-                plainLines.Append(plain, std::string_view(row.text).substr(i, piece), false);
-                stuffedLines.Append(stuffed, std::string_view(row.text).substr(i, piece), true);
+            for (const bool stuff : {false, true}) {
+                std::string out;
+                WireLines lines;
+                for (std::size_t i = 0; i < row.text.size(); i += piece)
+                    lines.Append(out, std::string_view(row.text).substr(i, piece), stuff);
+                lines.Finish(out);
+                EXPECT_EQ(out, stuff ? row.stuffed : row.wire);
             }
-            plainLines.Finish(plain);
-            stuffedLines.Finish(stuffed);
-            EXPECT_EQ(plain, row.wire);
-            EXPECT_EQ(stuffed, row.stuffed);
         }
     }
-}
-
-std::string ReadAll(const std::string& file) {
-    std::ostringstream text;
-    text << std::ifstream(file, std::ios::binary).rdbuf();
-    return text.str();
 }
 
 class NetCodeTest : public testing::Test {
 protected:
     void SetUp() override {
-        code.DecodedFile = testing::TempDir() + "netcode_in";
-        code.EncodedFile = testing::TempDir() + "netcode_out";
+        code.DecodedFile = folder.File("in");
+        code.EncodedFile = folder.File("out");
         code.Overwrite = true;
-        std::remove(code.EncodedFile.c_str());
-    }
-    void TearDown() override {
-        std::remove(code.DecodedFile.c_str());
-        std::remove(code.EncodedFile.c_str());
     }
     std::string Encoded(const std::string& bytes) {
-        std::ofstream(code.DecodedFile, std::ios::binary) << bytes;
+        folder.Write("in", bytes);
         EXPECT_TRUE(code.SetAction(NetCode::Action::Encode).Ok());
-        return ReadAll(code.EncodedFile);
+        return folder.Read("out");
     }
+    test::TempFolder folder;
     NetCode code;
 };
 
 TEST_F(NetCodeTest, Lines) {
-    const std::vector<std::pair<std::string, std::string>> rows = {
-        {"", ""},
-        {"a", "YQ==\r\n"},
-        {"ab", "YWI=\r\n"},
-        {"\xFF\xFE\xFD", "//79\r\n"},
-        {"user@example.com", "dXNlckBleGFtcGxlLmNvbQ==\r\n"},
-    };
+    const std::pair<const char*, const char*> rows[] = {
+        {"", ""}, {"a", "YQ==\r\n"}, {"ab", "YWI=\r\n"}, {"\xFF\xFE\xFD", "//79\r\n"}};
     for (const auto& [bytes, lines] : rows)
         EXPECT_EQ(Encoded(bytes), lines);
     const std::string large = Encoded(std::string(57 * 1024 + 58, '\0'));
@@ -284,11 +247,11 @@ TEST_F(NetCodeTest, Failures) {
     code.DecodedFile.resize(code.DecodedFile.size() - 5);
     code.Overwrite = false;
     EXPECT_EQ(code.SetAction(NetCode::Action::Encode).code, net_error::FileUnwritable);
-    EXPECT_EQ(ReadAll(code.EncodedFile), "YQ==\r\n");
+    EXPECT_EQ(folder.Read("out"), "YQ==\r\n");
 }
 
 TEST_F(NetCodeTest, FileFollowsTheText) {
-    std::ofstream(code.DecodedFile, std::ios::binary) << std::string(200 * 1024, 'x') << "\n.y";
+    folder.Write("in", std::string(200 * 1024, 'x') + "\n.y");
     MessageSource source;
     ASSERT_TRUE(source.Open("H: h\r\n\r\n", "text\r", 14, code.DecodedFile).Ok());
     EXPECT_EQ(source.Size(), 14 + 200 * 1024 + 3);

@@ -6,14 +6,14 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "platform/net/LoopbackServer.h"
 #include "platform/net/SmtpClient.h"
+#include "support/FakeSmtpServer.h"
+#include "support/TempFolder.h"
 
 namespace mailvane {
 namespace {
@@ -54,15 +54,11 @@ private:
 class SmtpTlsTest : public testing::Test {
 protected:
     void SetUp() override {
-        folder = testing::TempDir() + "smtp_tls_" + std::to_string(getpid());
-        std::filesystem::create_directories(folder);
         MakeAuthority("ca");
         MakeAuthority("otherca");
         MakeCertificate("good", "DNS:localhost,IP:127.0.0.1");
         MakeCertificate("wrongname", "DNS:mail.test");
     }
-    void TearDown() override { std::filesystem::remove_all(folder); }
-
     void MakeAuthority(const std::string& name) const {
         Shell(
             "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj "
@@ -90,17 +86,17 @@ protected:
         client.Date = "d";
     }
 
-    std::string folder;
+    const test::TempFolder own;
+    const std::string& folder = own.Path();
 };
 
 TEST_F(SmtpTlsTest, SecuredConnections) {
     const TlsServer startTls(folder, "starttls", "good");
     const TlsServer implicit(folder, "implicit", "good");
     const TlsServer wrongName(folder, "starttls", "wrongname");
-    test::MailServerScript script;
-    const test::LoopbackServer plain([&](auto& peer, int number) { script.Talk(peer, number); });
+    const test::FakeSmtpServer plain;
     ASSERT_TRUE(startTls.Port() > 0 && implicit.Port() > 0 && wrongName.Port() > 0);
-    struct Row {
+    const struct {
         const char* name;
         int port;
         Security security;
@@ -108,14 +104,13 @@ TEST_F(SmtpTlsTest, SecuredConnections) {
         bool verify;
         const char* answer;  ///< the end of the answer to the message, "" when TLS fails
         const char* host = "127.0.0.1";
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"STARTTLS when offered", startTls.Port(), Security::Automatic, "ca", true, "secured"},
         {"STARTTLS required", startTls.Port(), Security::RequireStartTls, "ca", true, "secured"},
         {"implicit", implicit.Port(), Security::ImplicitTls, "ca", true, "secured"},
         {"by name", implicit.Port(), Security::ImplicitTls, "ca", true, "secured", "localhost"},
         {"none wanted", startTls.Port(), Security::None, "ca", true, "clear"},
-        {"none offered", plain.Port(), Security::Automatic, "ca", true, "queued"},
+        {"none offered", plain.Port(), Security::Automatic, "ca", true, "OK"},
         {"required, none offered", plain.Port(), Security::RequireStartTls, "ca", true, ""},
         {"unknown authority", startTls.Port(), Security::Automatic, "otherca", true, ""},
         {"unknown authority, implicit", implicit.Port(), Security::ImplicitTls, "otherca", true,
@@ -124,7 +119,7 @@ TEST_F(SmtpTlsTest, SecuredConnections) {
         {"wrong name, not checked", wrongName.Port(), Security::Automatic, "ca", false, "secured"},
         {"no such file of authorities", implicit.Port(), Security::ImplicitTls, "none", true, ""},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         SmtpClient client;
         Prepare(client, row.port);
@@ -152,12 +147,12 @@ TEST_F(SmtpTlsTest, SecuredConnections) {
 
 TEST_F(SmtpTlsTest, BytesBeforeTheHandshakeAreNoAnswers) {
     // Somebody on the way adds answers in clear text behind the one to STARTTLS.
-    test::MailServerScript script;
-    script.hello = "250-x\r\n250 STARTTLS";
-    script.answer = [](const std::string& line, int) -> std::string {
-        return line == "STARTTLS" ? "220 go\r\n250-evil\r\n250 CHUNKING" : "";
+    std::string reply = "220 go\r\n250-evil\r\n250 CHUNKING";
+    test::FakeSmtpServer server;
+    server.extensions = {"STARTTLS"};
+    server.answer = [&](const std::string& step, const auto&) {
+        return step == "STARTTLS" ? reply : "";
     };
-    const test::LoopbackServer server([&](auto& peer, int number) { script.Talk(peer, number); });
     SmtpClient client;
     Prepare(client, server.Port());
     client.Timeout = 2;
@@ -165,9 +160,7 @@ TEST_F(SmtpTlsTest, BytesBeforeTheHandshakeAreNoAnswers) {
     EXPECT_FALSE(client.IsConnected());
     EXPECT_FALSE(client.Offers("CHUNKING"));
 
-    script.answer = [](const std::string& line, int) -> std::string {
-        return line == "STARTTLS" ? "454 no TLS today" : "";
-    };
+    reply = "454 no TLS today";
     client.ConnectionSecurity = Security::RequireStartTls;
     EXPECT_EQ(client.SetAction(Action::Connect).description, "454 no TLS today");
 }
