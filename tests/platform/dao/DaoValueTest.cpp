@@ -11,7 +11,10 @@ constexpr int Refused = dao_error::DataConversion;
 const DateTime Ninth = *DateTime::FromParts(2001, 3, 9);
 
 TEST(DaoValue, TextsAreTheDefaultConversion) {
-    const std::pair<DaoValue, const char*> rows[] = {
+    const struct {
+        DaoValue value;
+        const char* text;
+    } rows[] = {
         {true, "True"},
         {false, "False"},
         {5, "5"},
@@ -23,7 +26,7 @@ TEST(DaoValue, TextsAreTheDefaultConversion) {
         {1e-7, "1E-07"},
         {-0.0, "0"},
         {*DateTime::FromParts(2001, 3, 9, 13, 5), "3/9/2001 1:05:00 PM"},
-        {DaoValue(), ""},
+        {{}, ""},
     };
     for (const auto& [value, text] : rows)
         EXPECT_EQ(value.TextOrEmpty(), text);
@@ -32,13 +35,16 @@ TEST(DaoValue, TextsAreTheDefaultConversion) {
 }
 
 TEST(DaoValue, NumbersComeOutOfTexts) {
-    const std::pair<DaoValue, std::int64_t> rows[] = {
+    const struct {
+        DaoValue value;
+        std::int64_t number;
+    } rows[] = {
         {" 12 ", 12},
         {"12.5", 12},
         {"13.5", 14},
         {"12a", -1},
         {"1e300", -1},
-        {DaoValue(), -1},
+        {{}, -1},
         {std::int64_t{9007199254740993}, 9007199254740993},
     };
     for (const auto& [value, number] : rows)
