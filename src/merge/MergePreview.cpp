@@ -107,17 +107,17 @@ DaoError MergePreview::MoveTo(std::size_t row) const {
     return bookmark.Ok() ? recipients.SetBookmark(*bookmark) : bookmark.Error();
 }
 
-std::optional<std::size_t> MergePreview::Find(const std::string& text, std::size_t from,
-                                              const std::function<bool(std::size_t)>& goOn) {
+DaoResult<std::optional<std::size_t>> MergePreview::Find(
+    const std::string& text, std::size_t from, const std::function<bool(std::size_t)>& goOn) {
     const auto& settings = wb_.forms.Get<frmSettings>();
     for (std::size_t looked = 0; looked < count_; ++looked) {
         const std::size_t number = (from + looked) % count_;
         const DaoResult<MessageRecord> message = Message(number);
-        if (message.Failed()) return std::nullopt;
-        if (Holds(settings, *message, text)) return number;
-        if (!goOn(looked + 1)) return std::nullopt;
+        if (message.Failed()) return message.Error();
+        if (Holds(settings, *message, text)) return std::optional(number);
+        if (!goOn(looked + 1)) break;
     }
-    return std::nullopt;
+    return std::optional<std::size_t>();
 }
 
 }  // namespace mailvane

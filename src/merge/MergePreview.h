@@ -29,10 +29,10 @@ public:
     /// The message of that number, from 0, as it would stand in the Outbox.
     DaoResult<MessageRecord> Message(std::size_t number);
     /// The first message from `from` on, the ones before it last, that holds the text in an
-    /// address, the subject or the body, in any letter case. Nothing when there is none, a row
-    /// cannot be read, or `goOn`, told the messages looked at, says no.
-    std::optional<std::size_t> Find(const std::string& text, std::size_t from,
-                                    const std::function<bool(std::size_t)>& goOn);
+    /// address, the subject or the body, in any letter case. Nothing when there is none or `goOn`,
+    /// told the messages looked at, says no; a row that cannot be read is an error.
+    DaoResult<std::optional<std::size_t>> Find(const std::string& text, std::size_t from,
+                                               const std::function<bool(std::size_t)>& goOn);
 
 private:
     std::size_t CountPackets() const;

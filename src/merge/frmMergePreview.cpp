@@ -102,8 +102,10 @@ void frmMergePreview::Search(const std::string& text) {
     });
     if (!IsLoaded()) return;
     const bool stopped = !std::exchange(searching_, false);
-    if (found)
-        GoTo(*found);
+    if (found.Failed())
+        lblFound.SetText(found.Error().description);
+    else if (*found)
+        GoTo(**found);
     else
         lblFound.SetText(stopped ? "The search was stopped." : "'" + text + "' was not found.");
 }

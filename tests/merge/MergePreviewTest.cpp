@@ -86,7 +86,8 @@ TEST_F(PreviewTest, RunsAndWritesNothing) {
 
 TEST_F(PreviewTest, PagesAndFinds) {
     auto& form = wb.forms.Get<frmMergePreview>();
-    form.Preview(Plan(true));
+    const MergePlan plan = Plan(true);
+    form.Preview(plan);
     EXPECT_EQ(form.lblPosition.Text(), "Message 1 of 5, HTML");
     EXPECT_EQ(form.tabMessage.Current(), 1);
     EXPECT_NE(form.htmMessage.Text().find("<b>Ann</b>"), std::string::npos);
@@ -114,6 +115,9 @@ TEST_F(PreviewTest, PagesAndFinds) {
     form.cmdFind.Press();
     EXPECT_EQ(form.lblFound.Text(), "The search was stopped.");
     EXPECT_TRUE(form.cmdFirst.Enabled());
+    plan.rows.recipients->Close();
+    form.cmdFind.Press();
+    EXPECT_EQ(form.lblFound.Text(), "Object invalid or no longer set.");
 }
 
 TEST_F(PreviewTest, OpensForTheRowsOfTheRun) {

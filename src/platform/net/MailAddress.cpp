@@ -5,8 +5,8 @@
 
 #include "platform/net/AddressList.h"
 #include "platform/net/Base64.h"
+#include "platform/net/DomainName.h"
 #include "platform/net/TextCoding.h"
-#include "platform/os/DomainName.h"
 
 namespace mailvane {
 

@@ -1,9 +1,10 @@
-#include "platform/os/DomainName.h"
+#include "platform/net/DomainName.h"
 
 #include <unicode/uidna.h>
 
-#include <algorithm>
 #include <memory>
+
+#include "platform/net/TextCoding.h"
 
 namespace mailvane {
 
@@ -23,16 +24,11 @@ std::unique_ptr<const UIDNA, CloseIdna> OpenIdna() {
     return std::unique_ptr<const UIDNA, CloseIdna>(U_SUCCESS(failure) ? idna : nullptr);
 }
 
-bool IsAsciiText(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 }  // namespace
 
 std::string AsciiDomain(std::string_view domain) {
     const std::string asItIs(domain);
-    if (IsAsciiText(domain)) return asItIs;
+    if (IsAscii(domain)) return asItIs;
     static const std::unique_ptr<const UIDNA, CloseIdna> idna = OpenIdna();
     if (!idna) return asItIs;
     UErrorCode failure = U_ZERO_ERROR;
