@@ -3,14 +3,14 @@
 #include <string>
 
 #include "BenchSupport.h"
-#include "core/Settings.h"
 #include "core/Workbench.h"
-#include "core/frmSettings.h"
-#include "core/shell/frmMain.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
 #include "database/DatabaseService.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "platform/os/Files.h"
 #include "send/SendService.h"
+#include "shell/frmMain.h"
 
 namespace mailvane::bench {
 

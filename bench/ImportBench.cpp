@@ -11,10 +11,10 @@
 
 #include "BenchSupport.h"
 #include "Tools.h"
-#include "database/TableExport.h"
-#include "database/TableFile.h"
-#include "platform/dao/Workspace.h"
-#include "platform/tables/FormatGuess.h"
+#include "database/exchange/TableExport.h"
+#include "database/exchange/TableFile.h"
+#include "platform/dao/file/Workspace.h"
+#include "platform/tables/text/FormatGuess.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 
 #include "MergeCampaign.h"
 #include "core/Paths.h"
-#include "merge/TagList.h"
+#include "merge/tags/TagList.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "HeadlessProgram.h"
-#include "database/frmViewDatabase.h"
-#include "merge/MergeGenerator.h"
-#include "merge/frmMerge.h"
-#include "merge/frmViewMerge.h"
-#include "platform/dao/Workspace.h"
+#include "database/view/frmViewDatabase.h"
+#include "merge/message/frmViewMerge.h"
+#include "merge/run/MergeGenerator.h"
+#include "merge/run/frmMerge.h"
+#include "platform/dao/file/Workspace.h"
 #include "store/MessageStore.h"
 
 namespace mailvane::bench {

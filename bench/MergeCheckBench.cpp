@@ -7,7 +7,7 @@
 #include <string>
 
 #include "MergeCampaign.h"
-#include "merge/MergeCheck.h"
+#include "merge/check/MergeCheck.h"
 
 namespace {
 

@@ -16,9 +16,9 @@
 #include "PassingClock.h"
 #include "Tools.h"
 #include "core/Paths.h"
-#include "send/frmStatusEmail.h"
+#include "send/run/frmStatusEmail.h"
 #include "store/MessageStore.h"
-#include "store/frmViewEmail.h"
+#include "store/view/frmViewEmail.h"
 
 namespace {
 

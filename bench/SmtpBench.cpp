@@ -6,7 +6,7 @@
 
 #include "BenchSupport.h"
 #include "MailSink.h"
-#include "platform/net/SmtpClient.h"
+#include "platform/net/smtp/SmtpClient.h"
 
 namespace {
 

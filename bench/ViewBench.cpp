@@ -16,7 +16,7 @@
 #include "HeadlessProgram.h"
 #include "ProcessMemory.h"
 #include "Tools.h"
-#include "database/frmViewDatabase.h"
+#include "database/view/frmViewDatabase.h"
 #include "platform/qt/QtWindows.h"
 
 namespace {

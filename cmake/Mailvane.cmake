@@ -23,10 +23,10 @@ if(MAILVANE_FUZZ)
     add_custom_target(fuzz_targets)
 endif()
 
-# mailvane_library(NAME FOLDER DEPENDENCIES...): every .cpp directly in FOLDER makes one static
+# mailvane_library(NAME FOLDER DEPENDENCIES...): every .cpp in FOLDER and below makes one static
 # library; headers are included by their path below src/.
 function(mailvane_library name folder)
-    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
     if(NOT sources)
         add_library(${name} INTERFACE)
         target_link_libraries(${name} INTERFACE mailvane_options ${ARGN})

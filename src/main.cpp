@@ -8,12 +8,12 @@
 
 #include "connection/ConnectionService.h"
 #include "core/Workbench.h"
-#include "core/shell/frmMain.h"
 #include "database/DatabaseService.h"
 #include "platform/forms/HeadlessWindows.h"
-#include "platform/forms/ScriptRunner.h"
 #include "platform/os/FolderClaim.h"
+#include "platform/script/ScriptRunner.h"
 #include "send/SendService.h"
+#include "shell/frmMain.h"
 #ifdef MAILVANE_WITH_QT
 #include "platform/qt/QtWindows.h"
 #endif

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "connection/frmConnectionTest.h"
-#include "core/Settings.h"
-#include "core/Text.h"
+#include "core/settings/Settings.h"
+#include "core/text/Text.h"
 
 namespace mailvane {
 

@@ -1,9 +1,9 @@
 #include "connection/ConnectionTest.h"
 
-#include "core/Text.h"
-#include "platform/net/Base64.h"
-#include "platform/net/NameResolver.h"
-#include "platform/net/PopClient.h"
+#include "core/text/Text.h"
+#include "platform/net/dns/NameResolver.h"
+#include "platform/net/mime/Base64.h"
+#include "platform/net/pop/PopClient.h"
 
 namespace mailvane {
 

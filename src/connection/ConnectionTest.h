@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/net/SmtpClient.h"
+#include "platform/net/smtp/SmtpClient.h"
 
 namespace mailvane {
 

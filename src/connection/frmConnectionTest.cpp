@@ -1,6 +1,6 @@
 #include "connection/frmConnectionTest.h"
 
-#include "core/Progress.h"
+#include "core/run/Progress.h"
 
 namespace mailvane {
 

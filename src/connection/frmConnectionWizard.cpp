@@ -1,7 +1,7 @@
 #include "connection/frmConnectionWizard.h"
 
-#include "core/Settings.h"
-#include "core/frmOptions.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmOptions.h"
 
 namespace mailvane {
 

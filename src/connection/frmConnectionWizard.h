@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/Proxy.h"
-#include "core/WizardPages.h"
 #include "core/Workbench.h"
+#include "core/project/WizardPages.h"
+#include "core/settings/Proxy.h"
 
 namespace mailvane {
 

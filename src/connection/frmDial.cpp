@@ -1,9 +1,9 @@
 #include "connection/frmDial.h"
 
-#include "core/Progress.h"
 #include "core/Running.h"
-#include "core/Settings.h"
-#include "core/Text.h"
+#include "core/run/Progress.h"
+#include "core/settings/Settings.h"
+#include "core/text/Text.h"
 
 namespace mailvane {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/dao/Workspace.h"
+#include "platform/dao/file/Workspace.h"
 #include "platform/os/DateTime.h"
 
 namespace mailvane {

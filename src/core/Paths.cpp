@@ -1,6 +1,6 @@
 #include "core/Paths.h"
 
-#include "core/Text.h"
+#include "core/text/Text.h"
 #include "platform/os/Files.h"
 #include "platform/os/Processes.h"
 

@@ -1,8 +1,8 @@
 #include "core/Running.h"
 
 #include "core/Paths.h"
-#include "core/Progress.h"
-#include "core/Text.h"
+#include "core/run/Progress.h"
+#include "core/text/Text.h"
 
 namespace mailvane {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "core/Workbench.h"
-#include "core/frmSettings.h"
+#include "core/settings/frmSettings.h"
 
 namespace mailvane {
 

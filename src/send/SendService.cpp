@@ -3,16 +3,16 @@
 #include <algorithm>
 
 #include "connection/ConnectionService.h"
+#include "connection/Logon.h"
 #include "connection/frmConnectionTest.h"
+#include "connection/frmSMTPAuthentication.h"
 #include "core/Running.h"
-#include "core/Text.h"
-#include "core/frmSettings.h"
-#include "send/Logon.h"
-#include "send/SendRun.h"
-#include "send/frmMSGSndRecvError.h"
-#include "send/frmMailServer.h"
-#include "send/frmSMTPAuthentication.h"
-#include "send/frmStatusEmail.h"
+#include "core/settings/frmSettings.h"
+#include "core/text/Text.h"
+#include "send/direct/frmMailServer.h"
+#include "send/run/SendRun.h"
+#include "send/run/frmMSGSndRecvError.h"
+#include "send/run/frmStatusEmail.h"
 
 namespace mailvane {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/dao/Database.h"
+#include "platform/dao/file/Database.h"
 
 namespace mailvane {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/dao/Database.h"
+#include "platform/dao/file/Database.h"
 #include "platform/os/DateTime.h"
 
 namespace mailvane {

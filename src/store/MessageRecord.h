@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/dao/Recordset.h"
+#include "platform/dao/records/Recordset.h"
 #include "platform/os/DateTime.h"
 
 namespace mailvane {

@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "core/Paths.h"
-#include "core/Settings.h"
-#include "core/Text.h"
+#include "core/settings/Settings.h"
+#include "core/text/Text.h"
 #include "platform/os/Files.h"
 
 namespace mailvane {

@@ -1,6 +1,6 @@
 #include "core/Paths.h"
-#include "core/Text.h"
-#include "core/frmSettings.h"
+#include "core/settings/frmSettings.h"
+#include "core/text/Text.h"
 #include "store/MessageStore.h"
 
 namespace mailvane {

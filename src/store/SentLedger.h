@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/dao/Database.h"
+#include "platform/dao/file/Database.h"
 #include "platform/os/DateTime.h"
 
 namespace mailvane {

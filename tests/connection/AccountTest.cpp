@@ -4,7 +4,7 @@
 
 #include "connection/ConnectionService.h"
 #include "connection/frmConnectionTest.h"
-#include "core/Text.h"
+#include "core/text/Text.h"
 #include "platform/net/LoopbackServer.h"
 #include "support/TestBench.h"
 

@@ -2,8 +2,8 @@
 
 #include "connection/frmConnectionWizard.h"
 #include "connection/frmDial.h"
-#include "core/Settings.h"
-#include "core/frmOptions.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmOptions.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

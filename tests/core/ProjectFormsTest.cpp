@@ -1,14 +1,14 @@
 #include <gtest/gtest.h>
 
 #include "core/ProgramFolder.h"
-#include "core/Progress.h"
-#include "core/Project.h"
-#include "core/Settings.h"
-#include "core/frmAbout.h"
-#include "core/frmProjectDialog.h"
-#include "core/frmProjectWizard.h"
-#include "core/frmSettings.h"
-#include "core/frmWelcome.h"
+#include "core/project/Project.h"
+#include "core/project/frmProjectDialog.h"
+#include "core/project/frmProjectWizard.h"
+#include "core/project/frmWelcome.h"
+#include "core/run/Progress.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
+#include "shell/frmAbout.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "core/ProgramFolder.h"
-#include "core/Progress.h"
-#include "core/Project.h"
-#include "core/Settings.h"
-#include "core/Sifrant.h"
-#include "core/Text.h"
-#include "core/frmSettings.h"
-#include "core/frmStatus.h"
+#include "core/project/Project.h"
+#include "core/records/Sifrant.h"
+#include "core/run/Progress.h"
+#include "core/run/frmStatus.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
+#include "core/text/Text.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/RecordFile.h"
+#include "core/records/RecordFile.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

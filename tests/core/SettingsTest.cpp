@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "core/RegistryStore.h"
-#include "core/Settings.h"
-#include "core/cRegistry.h"
+#include "core/settings/RegistryStore.h"
+#include "core/settings/Settings.h"
+#include "core/settings/cRegistry.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

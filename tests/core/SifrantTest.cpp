@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "core/Sifrant.h"
+#include "core/records/Sifrant.h"
 
 namespace mailvane {
 namespace {

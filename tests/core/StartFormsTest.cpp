@@ -1,14 +1,14 @@
 #include <gtest/gtest.h>
 
 #include "core/Paths.h"
-#include "core/Progress.h"
-#include "core/Settings.h"
-#include "core/frmMSGCompact.h"
-#include "core/frmMSGLargeEmailDB.h"
-#include "core/frmMSGResources.h"
-#include "core/frmOptions.h"
-#include "core/frmSettings.h"
-#include "core/frmWelcome.h"
+#include "core/notices/frmMSGCompact.h"
+#include "core/notices/frmMSGLargeEmailDB.h"
+#include "core/notices/frmMSGResources.h"
+#include "core/project/frmWelcome.h"
+#include "core/run/Progress.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmOptions.h"
+#include "core/settings/frmSettings.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

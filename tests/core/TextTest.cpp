@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/Text.h"
+#include "core/text/Text.h"
 
 namespace mailvane {
 namespace {

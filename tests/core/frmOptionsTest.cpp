@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "core/Progress.h"
-#include "core/RegistryStore.h"
-#include "core/Settings.h"
-#include "core/frmOptions.h"
+#include "core/run/Progress.h"
+#include "core/settings/RegistryStore.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmOptions.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

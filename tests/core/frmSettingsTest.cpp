@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "core/Project.h"
 #include "core/Running.h"
-#include "core/Sifrant.h"
-#include "core/frmSettings.h"
+#include "core/project/Project.h"
+#include "core/records/Sifrant.h"
+#include "core/settings/frmSettings.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "database/ColumnGuess.h"
+#include "database/exchange/ColumnGuess.h"
 
 namespace mailvane {
 namespace {

@@ -1,8 +1,8 @@
 #include <cstdlib>
 
-#include "core/frmStatus.h"
+#include "core/run/frmStatus.h"
 #include "database/TableToolsTest.h"
-#include "database/frmDataWizard.h"
+#include "database/exchange/frmDataWizard.h"
 
 namespace mailvane {
 namespace {

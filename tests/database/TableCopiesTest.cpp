@@ -1,8 +1,8 @@
-#include "core/frmStatus.h"
+#include "core/run/frmStatus.h"
 #include "database/TableToolsTest.h"
-#include "database/frmDatabaseCopy.h"
-#include "database/frmDatabaseTable.h"
-#include "database/frmDatabaseTablePK.h"
+#include "database/design/frmDatabaseTable.h"
+#include "database/design/frmDatabaseTablePK.h"
+#include "database/tools/frmDatabaseCopy.h"
 #include "support/FullDisk.h"
 
 namespace mailvane {

@@ -1,6 +1,6 @@
 #include "database/TableToolsTest.h"
-#include "database/frmDatabaseTable.h"
-#include "database/frmDatabaseTablePK.h"
+#include "database/design/frmDatabaseTable.h"
+#include "database/design/frmDatabaseTablePK.h"
 #include "platform/os/Files.h"
 
 namespace mailvane {

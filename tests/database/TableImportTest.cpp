@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "database/TableExport.h"
-#include "database/TableFile.h"
-#include "platform/dao/Workspace.h"
+#include "database/exchange/TableExport.h"
+#include "database/exchange/TableFile.h"
+#include "platform/dao/file/Workspace.h"
 #include "platform/os/Files.h"
 #include "support/TempFolder.h"
 

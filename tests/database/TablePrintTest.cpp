@@ -1,6 +1,6 @@
-#include "core/frmStatus.h"
+#include "core/run/frmStatus.h"
 #include "database/TableToolsTest.h"
-#include "database/frmDatabasePrint.h"
+#include "database/exchange/frmDatabasePrint.h"
 
 namespace mailvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "core/frmMSGCompact.h"
+#include "core/notices/frmMSGCompact.h"
 #include "database/TableToolsTest.h"
 #include "platform/os/Files.h"
 

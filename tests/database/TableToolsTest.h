@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "core/Settings.h"
-#include "core/frmSettings.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
 #include "database/DatabaseService.h"
-#include "database/frmViewDatabase.h"
+#include "database/view/frmViewDatabase.h"
 #include "support/TestBench.h"
 
 namespace mailvane::test {

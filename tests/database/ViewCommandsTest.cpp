@@ -1,9 +1,9 @@
-#include "core/frmStatus.h"
-#include "database/SuspendedConnection.h"
+#include "core/run/frmStatus.h"
 #include "database/TableToolsTest.h"
-#include "database/frmFind.h"
-#include "database/frmMSGDeleteDatabase.h"
-#include "database/frmMSGMemo.h"
+#include "database/upkeep/SuspendedConnection.h"
+#include "database/view/frmFind.h"
+#include "database/view/frmMSGDeleteDatabase.h"
+#include "database/view/frmMSGMemo.h"
 
 namespace mailvane {
 namespace {

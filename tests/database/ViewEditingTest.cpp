@@ -1,5 +1,5 @@
 #include "database/TableToolsTest.h"
-#include "database/ViewCells.h"
+#include "database/view/ViewCells.h"
 
 namespace mailvane {
 namespace {

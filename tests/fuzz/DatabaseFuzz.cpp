@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/dao/Workspace.h"
+#include "platform/dao/file/Workspace.h"
 #include "platform/os/Files.h"
 
 namespace {

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "fuzz/Require.h"
-#include "platform/tables/DelimitedWriter.h"
-#include "platform/tables/FormatGuess.h"
+#include "platform/tables/text/DelimitedWriter.h"
+#include "platform/tables/text/FormatGuess.h"
 
 namespace mailvane::fuzz {
 namespace {

@@ -9,10 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include "core/ProfileText.h"
-#include "core/Project.h"
-#include "core/RegistryStore.h"
-#include "core/Sifrant.h"
+#include "core/project/Project.h"
+#include "core/records/Sifrant.h"
+#include "core/settings/ProfileText.h"
+#include "core/settings/RegistryStore.h"
 #include "fuzz/Require.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "platform/os/Files.h"

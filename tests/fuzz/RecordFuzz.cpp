@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "core/RecordFile.h"
+#include "core/records/RecordFile.h"
 #include "fuzz/Require.h"
 
 namespace mailvane::fuzz {

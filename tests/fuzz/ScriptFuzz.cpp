@@ -15,9 +15,9 @@
 #include "fuzz/Require.h"
 #include "platform/forms/FormRegistry.h"
 #include "platform/forms/HeadlessWindows.h"
-#include "platform/forms/ScriptCommands.h"
-#include "platform/forms/ScriptParser.h"
-#include "platform/forms/ScriptRunner.h"
+#include "platform/script/ScriptCommands.h"
+#include "platform/script/ScriptParser.h"
+#include "platform/script/ScriptRunner.h"
 #include "support/TempFolder.h"
 
 namespace mailvane::fuzz {

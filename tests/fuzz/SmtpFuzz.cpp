@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fuzz/Require.h"
-#include "platform/net/SmtpSession.h"
+#include "platform/net/smtp/SmtpSession.h"
 
 namespace mailvane::fuzz {
 namespace {

@@ -11,13 +11,13 @@
 #include <vector>
 
 #include "fuzz/Require.h"
-#include "platform/dao/SqlContext.h"
-#include "platform/dao/SqlConvert.h"
-#include "platform/dao/SqlLexer.h"
-#include "platform/dao/SqlLike.h"
-#include "platform/dao/SqlParser.h"
-#include "platform/dao/SqlPlan.h"
-#include "platform/dao/Workspace.h"
+#include "platform/dao/file/Workspace.h"
+#include "platform/dao/sql/SqlContext.h"
+#include "platform/dao/sql/SqlConvert.h"
+#include "platform/dao/sql/SqlLexer.h"
+#include "platform/dao/sql/SqlLike.h"
+#include "platform/dao/sql/SqlParser.h"
+#include "platform/dao/sql/SqlPlan.h"
 #include "support/TempFolder.h"
 
 namespace mailvane::fuzz {

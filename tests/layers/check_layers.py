@@ -5,8 +5,8 @@ import pathlib
 import re
 import sys
 
-# What each folder may include, besides itself. core/shell stands above all others.
-PLATFORM = ["platform/forms", "platform/dao", "platform/net", "platform/tables", "platform/os"]
+# What each folder may include, besides itself and what lies below it. shell stands above all others.
+PLATFORM = ["platform/forms", "platform/script", "platform/dao", "platform/net", "platform/tables", "platform/os"]
 CORE = ["core", *PLATFORM]
 ALLOWED = {
     "platform/os": [],
@@ -14,6 +14,7 @@ ALLOWED = {
     "platform/net": ["platform/os"],
     "platform/tables": ["platform/os"],
     "platform/forms": ["platform/os"],
+    "platform/script": ["platform/forms", "platform/os"],
     "platform/qt": ["platform/forms", "platform/os"],
     "core": PLATFORM,
     "store": CORE,
@@ -22,7 +23,7 @@ ALLOWED = {
     "send": ["store", "database", "connection", *CORE],
     "merge": ["send", "store", "database", "connection", *CORE],
     "receive": ["merge", "send", "store", "database", "connection", *CORE],
-    "core/shell": ["receive", "merge", "send", "store", "database", "connection", *CORE],
+    "shell": ["receive", "merge", "send", "store", "database", "connection", *CORE],
 }
 FOLDERS = sorted(ALLOWED, key=len, reverse=True)
 QT = re.compile(r"<Q[A-Z]\w*|<Qt\w*/|<ui_")

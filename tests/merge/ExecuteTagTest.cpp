@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
 #include "core/Paths.h"
-#include "merge/CgiTag.h"
-#include "merge/ExecuteTag.h"
 #include "merge/MergeBench.h"
-#include "merge/ProgramTag.h"
+#include "merge/tags/CgiTag.h"
+#include "merge/tags/ExecuteTag.h"
+#include "merge/tags/ProgramTag.h"
 #include "platform/net/LoopbackServer.h"
 
 namespace mailvane::test {

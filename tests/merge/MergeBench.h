@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "core/Settings.h"
-#include "core/frmSettings.h"
-#include "core/frmStatus.h"
-#include "database/frmViewDatabase.h"
-#include "merge/frmMerge.h"
-#include "merge/frmViewMerge.h"
+#include "core/run/frmStatus.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
+#include "database/view/frmViewDatabase.h"
+#include "merge/message/frmViewMerge.h"
+#include "merge/run/frmMerge.h"
 #include "store/MessageRecord.h"
-#include "store/frmViewEmail.h"
+#include "store/view/frmViewEmail.h"
 #include "support/TestBench.h"
 
 namespace mailvane::test {

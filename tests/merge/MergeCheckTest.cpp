@@ -1,7 +1,7 @@
 #include "core/Paths.h"
 #include "merge/MergeBench.h"
-#include "merge/MergeCheck.h"
-#include "merge/frmMergeCheck.h"
+#include "merge/check/MergeCheck.h"
+#include "merge/check/frmMergeCheck.h"
 
 namespace mailvane {
 namespace {

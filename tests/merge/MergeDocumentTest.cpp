@@ -1,9 +1,9 @@
 #include <random>
 
 #include "core/Paths.h"
-#include "core/Sifrant.h"
+#include "core/records/Sifrant.h"
 #include "merge/MergeBench.h"
-#include "merge/MergeDocument.h"
+#include "merge/message/MergeDocument.h"
 
 namespace mailvane::test {
 namespace {

@@ -1,6 +1,6 @@
-#include "core/Progress.h"
+#include "core/run/Progress.h"
 #include "merge/MergeBench.h"
-#include "merge/MergeGenerator.h"
+#include "merge/run/MergeGenerator.h"
 
 namespace mailvane::test {
 namespace {

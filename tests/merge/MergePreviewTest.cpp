@@ -1,6 +1,6 @@
 #include "merge/MergeBench.h"
-#include "merge/MergePreview.h"
-#include "merge/frmMergePreview.h"
+#include "merge/check/MergePreview.h"
+#include "merge/check/frmMergePreview.h"
 
 namespace mailvane::test {
 namespace {

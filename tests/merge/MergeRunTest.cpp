@@ -1,9 +1,9 @@
 #include <optional>
 
 #include "merge/MergeBench.h"
-#include "merge/MergeRun.h"
-#include "merge/frmMSGOutbox.h"
-#include "send/DeliveryReport.h"
+#include "merge/run/MergeRun.h"
+#include "merge/run/frmMSGOutbox.h"
+#include "send/report/DeliveryReport.h"
 #include "support/FullDisk.h"
 
 namespace mailvane::test {

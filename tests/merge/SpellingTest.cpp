@@ -1,8 +1,8 @@
 #include <cstdlib>
 
-#include "merge/BodyCommands.h"
 #include "merge/MergeBench.h"
-#include "merge/frmSpelling.h"
+#include "merge/message/BodyCommands.h"
+#include "merge/message/frmSpelling.h"
 #include "platform/os/Files.h"
 
 namespace mailvane::test {

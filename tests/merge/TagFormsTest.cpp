@@ -1,9 +1,9 @@
 #include "core/Paths.h"
 #include "merge/MergeBench.h"
-#include "merge/frmTagCGI.h"
-#include "merge/frmTagCGIAdd.h"
-#include "merge/frmTagProgram.h"
-#include "merge/frmTagProgramAdd.h"
+#include "merge/tags/frmTagCGI.h"
+#include "merge/tags/frmTagCGIAdd.h"
+#include "merge/tags/frmTagProgram.h"
+#include "merge/tags/frmTagProgramAdd.h"
 
 namespace mailvane::test {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <random>
 
-#include "core/Text.h"
-#include "merge/TagList.h"
+#include "core/text/Text.h"
+#include "merge/tags/TagList.h"
 
 namespace mailvane {
 namespace {

@@ -1,5 +1,5 @@
 #include "merge/MergeBench.h"
-#include "merge/MergeDocument.h"
+#include "merge/message/MergeDocument.h"
 
 namespace mailvane::test {
 namespace {

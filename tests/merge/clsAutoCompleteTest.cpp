@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "merge/AddressBook.h"
-#include "merge/clsAutoComplete.h"
+#include "merge/message/AddressBook.h"
+#include "merge/message/clsAutoComplete.h"
 #include "platform/forms/Form.h"
 #include "support/TestBench.h"
 

@@ -1,9 +1,9 @@
 #include "core/Paths.h"
-#include "core/Sifrant.h"
-#include "database/frmFind.h"
+#include "core/records/Sifrant.h"
+#include "database/view/frmFind.h"
 #include "merge/MergeBench.h"
-#include "merge/MergeDocument.h"
-#include "merge/frmViewMerge.h"
+#include "merge/message/MergeDocument.h"
+#include "merge/message/frmViewMerge.h"
 
 namespace mailvane::test {
 namespace {

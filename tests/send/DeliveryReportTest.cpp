@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "send/DeliveryNotes.h"
 #include "send/SendBench.h"
-#include "send/frmDeliveryReport.h"
+#include "send/report/DeliveryNotes.h"
+#include "send/report/frmDeliveryReport.h"
 
 namespace mailvane {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "core/Text.h"
-#include "send/DirectDelivery.h"
+#include "core/text/Text.h"
 #include "send/SendBench.h"
+#include "send/direct/DirectDelivery.h"
 #include "store/DeliveredRecipients.h"
 #include "support/FakeDnsServer.h"
 #include "support/FullDisk.h"

@@ -5,9 +5,9 @@
 #include <set>
 #include <string_view>
 
-#include "core/Text.h"
-#include "platform/net/MessageSource.h"
-#include "platform/net/TextCoding.h"
+#include "core/text/Text.h"
+#include "platform/net/mime/TextCoding.h"
+#include "platform/net/smtp/MessageSource.h"
 #include "send/SendBench.h"
 
 namespace mailvane {

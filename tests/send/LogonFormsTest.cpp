@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <utility>
 
-#include "core/Settings.h"
-#include "core/frmSettings.h"
-#include "send/Logon.h"
+#include "connection/Logon.h"
+#include "connection/frmSMTPAuthentication.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
 #include "send/SendService.h"
-#include "send/frmMailServer.h"
-#include "send/frmSMTPAuthentication.h"
+#include "send/direct/frmMailServer.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "core/Text.h"
-#include "send/AttachmentName.h"
-#include "send/Logon.h"
-#include "send/OutgoingMessage.h"
+#include "connection/Logon.h"
+#include "core/text/Text.h"
 #include "send/SendBench.h"
+#include "send/message/AttachmentName.h"
+#include "send/message/OutgoingMessage.h"
 
 namespace mailvane {
 namespace {

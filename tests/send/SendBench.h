@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "core/Settings.h"
-#include "core/frmSettings.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
 #include "send/SendService.h"
-#include "send/frmMSGSndRecvError.h"
-#include "send/frmStatusEmail.h"
+#include "send/run/frmMSGSndRecvError.h"
+#include "send/run/frmStatusEmail.h"
 #include "store/MessageStore.h"
 #include "store/SentLedger.h"
-#include "store/frmViewEmail.h"
+#include "store/view/frmViewEmail.h"
 #include "support/FakeSmtpServer.h"
 #include "support/TestBench.h"
 

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "core/Text.h"
+#include "core/text/Text.h"
 #include "send/SendBench.h"
 
 namespace mailvane {

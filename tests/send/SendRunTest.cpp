@@ -3,7 +3,7 @@
 #include <atomic>
 #include <optional>
 
-#include "core/frmStatus.h"
+#include "core/run/frmStatus.h"
 #include "send/SendBench.h"
 #include "support/FullDisk.h"
 

@@ -1,10 +1,10 @@
 #include <set>
 
-#include "core/Progress.h"
-#include "core/ToolTable.h"
-#include "core/shell/CommandTable.h"
-#include "database/frmViewDatabase.h"
+#include "core/commands/ToolTable.h"
+#include "core/run/Progress.h"
+#include "database/view/frmViewDatabase.h"
 #include "platform/os/Files.h"
+#include "shell/CommandTable.h"
 #include "shell/ShellBench.h"
 
 namespace mailvane {

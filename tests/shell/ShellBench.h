@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "connection/ConnectionService.h"
-#include "core/Settings.h"
-#include "core/frmSettings.h"
-#include "core/shell/frmMain.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
 #include "database/DatabaseService.h"
 #include "send/SendService.h"
+#include "shell/frmMain.h"
 #include "support/TestBench.h"
 
 namespace mailvane::test {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "core/Project.h"
-#include "core/frmOptions.h"
+#include "core/project/Project.h"
+#include "core/settings/frmOptions.h"
 #include "platform/os/Files.h"
 #include "shell/ShellBench.h"
 #include "store/MergeMark.h"

@@ -1,9 +1,9 @@
 #include <filesystem>
 #include <tuple>
 
-#include "core/frmOptions.h"
-#include "core/shell/AssignedTask.h"
+#include "core/settings/frmOptions.h"
 #include "platform/os/Files.h"
+#include "shell/AssignedTask.h"
 #include "shell/ShellBench.h"
 #include "store/MessageStore.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "core/Settings.h"
-#include "core/frmSettings.h"
+#include "core/settings/Settings.h"
+#include "core/settings/frmSettings.h"
 #include "store/MergeMark.h"
 #include "store/MessageStore.h"
 #include "store/SentLedger.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "store/MessageStore.h"
-#include "store/frmViewEmail.h"
+#include "store/view/frmViewEmail.h"
 #include "support/TestBench.h"
 
 namespace mailvane {

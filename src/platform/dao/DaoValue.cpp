@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "platform/dao/SqlConvert.h"
+#include "platform/dao/sql/SqlConvert.h"
 
 namespace mailvane {
 

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/net/NameResolver.h"
+#include "platform/net/dns/NameResolver.h"
 
 namespace mailvane {
 

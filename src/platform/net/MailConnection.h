@@ -8,7 +8,7 @@
 
 #include "platform/net/CurlHandles.h"
 #include "platform/net/NetWait.h"
-#include "platform/net/SmtpClient.h"
+#include "platform/net/smtp/SmtpClient.h"
 
 namespace mailvane {
 

@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include "platform/qt/BarBinding.h"
-#include "platform/qt/ControlBinding.h"
 #include "platform/qt/MainWindow.h"
+#include "platform/qt/bindings/BarBinding.h"
+#include "platform/qt/bindings/ControlBinding.h"
 
 namespace mailvane {
 

@@ -6,7 +6,7 @@
 
 #include "platform/forms/Form.h"
 #include "platform/forms/WindowSystem.h"
-#include "platform/qt/ControlBinding.h"
+#include "platform/qt/bindings/ControlBinding.h"
 
 class QLabel;
 class QMdiArea;

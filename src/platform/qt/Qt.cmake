@@ -1,6 +1,6 @@
 # The windows on Qt, with the design of every form as :/forms/NAME.ui.
 
-file(GLOB qt_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*.cpp)
+file(GLOB_RECURSE qt_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*.cpp)
 file(GLOB_RECURSE form_designs CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.ui)
 
 set(form_list "<RCC><qresource prefix=\"/forms\">\n")

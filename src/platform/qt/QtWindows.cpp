@@ -13,8 +13,8 @@
 #include "platform/forms/Form.h"
 #include "platform/qt/FormWindow.h"
 #include "platform/qt/Icons.h"
-#include "platform/qt/QtPrinting.h"
 #include "platform/qt/QtPrompts.h"
+#include "platform/qt/printing/QtPrinting.h"
 
 /// The designs are part of a static library, whose resources nobody registers by itself. The macro
 /// works outside of namespaces only.

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/dao/Workspace.h"
+#include "platform/dao/file/Workspace.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/dao/DaoValue.h"
-#include "platform/dao/FieldTypes.h"
 #include "platform/dao/StatementHandler.h"
+#include "platform/dao/structure/FieldTypes.h"
 
 namespace mailvane {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <random>
 
-#include "platform/dao/Keyset.h"
+#include "platform/dao/records/Keyset.h"
 
 namespace mailvane {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/dao/SqlLike.h"
+#include "platform/dao/sql/SqlLike.h"
 
 namespace mailvane {
 namespace {

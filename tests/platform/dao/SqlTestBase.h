@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/dao/FieldTypes.h"
-#include "platform/dao/SqlFunctions.h"
-#include "platform/dao/SqlPlan.h"
+#include "platform/dao/sql/SqlFunctions.h"
+#include "platform/dao/sql/SqlPlan.h"
+#include "platform/dao/structure/FieldTypes.h"
 
 namespace mailvane {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/dao/Workspace.h"
+#include "platform/dao/file/Workspace.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

@@ -6,7 +6,7 @@
 
 #include "platform/forms/FormRegistry.h"
 #include "platform/forms/HeadlessWindows.h"
-#include "platform/forms/ScriptRunner.h"
+#include "platform/script/ScriptRunner.h"
 #include "support/ManualClock.h"
 #include "support/TempFolder.h"
 

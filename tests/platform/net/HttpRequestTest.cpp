@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/net/HttpRequest.h"
 #include "platform/net/LoopbackServer.h"
+#include "platform/net/http/HttpRequest.h"
 
 namespace mailvane {
 namespace {

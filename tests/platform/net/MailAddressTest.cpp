@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/net/MailAddress.h"
-#include "platform/net/TextCoding.h"
+#include "platform/net/mime/MailAddress.h"
+#include "platform/net/mime/TextCoding.h"
 
 namespace mailvane {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "platform/net/MxLookup.h"
+#include "platform/net/dns/MxLookup.h"
 #include "support/FakeDnsServer.h"
 
 namespace mailvane {

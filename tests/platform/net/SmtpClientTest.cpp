@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/net/SmtpClient.h"
+#include "platform/net/smtp/SmtpClient.h"
 #include "support/FakeDnsServer.h"
 #include "support/FakeSmtpServer.h"
 

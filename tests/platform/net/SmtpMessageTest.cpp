@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/net/MessageSource.h"
-#include "platform/net/NetCode.h"
-#include "platform/net/SmtpMessage.h"
-#include "platform/net/TextCoding.h"
+#include "platform/net/mime/NetCode.h"
+#include "platform/net/mime/TextCoding.h"
+#include "platform/net/smtp/MessageSource.h"
+#include "platform/net/smtp/SmtpMessage.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/net/SmtpSession.h"
+#include "platform/net/smtp/SmtpSession.h"
 
 namespace mailvane {
 namespace {

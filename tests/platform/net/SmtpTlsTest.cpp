@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/net/SmtpClient.h"
+#include "platform/net/smtp/SmtpClient.h"
 #include "support/FakeSmtpServer.h"
 #include "support/TempFolder.h"
 

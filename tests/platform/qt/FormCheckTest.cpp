@@ -3,8 +3,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "platform/qt/FormCheck.h"
 #include "platform/qt/QtTest.h"
+#include "platform/qt/check/FormCheck.h"
 #include "platform/qt/frmEvery.h"
 
 namespace mailvane {

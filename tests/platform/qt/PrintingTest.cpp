@@ -6,9 +6,9 @@
 #include <QSpinBox>
 
 #include "platform/os/Files.h"
-#include "platform/qt/QtPrinting.h"
 #include "platform/qt/QtTest.h"
-#include "platform/qt/TablePages.h"
+#include "platform/qt/printing/QtPrinting.h"
+#include "platform/qt/printing/TablePages.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

@@ -16,7 +16,7 @@
 #include <QToolBar>
 
 #include "platform/qt/QtTest.h"
-#include "platform/qt/Screenshots.h"
+#include "platform/qt/check/Screenshots.h"
 #include "platform/qt/frmEvery.h"
 
 namespace mailvane {

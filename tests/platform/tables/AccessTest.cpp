@@ -8,7 +8,7 @@
 #include "platform/os/DateTime.h"
 #include "platform/os/Files.h"
 #include "platform/tables/AccessSource.h"
-#include "platform/tables/DelimitedSource.h"
+#include "platform/tables/text/DelimitedSource.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "platform/tables/DelimitedSource.h"
-#include "platform/tables/DelimitedWriter.h"
-#include "platform/tables/FormatGuess.h"
+#include "platform/tables/text/DelimitedSource.h"
+#include "platform/tables/text/DelimitedWriter.h"
+#include "platform/tables/text/FormatGuess.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

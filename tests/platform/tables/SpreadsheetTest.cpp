@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/os/Files.h"
-#include "platform/tables/SheetCells.h"
-#include "platform/tables/SpreadsheetSource.h"
-#include "platform/tables/SpreadsheetWriter.h"
+#include "platform/tables/sheets/SheetCells.h"
+#include "platform/tables/sheets/SpreadsheetSource.h"
+#include "platform/tables/sheets/SpreadsheetWriter.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {

@@ -1,7 +1,0 @@
-#include "core/frmAbout.h"
-
-namespace mailvane {
-
-frmAbout::frmAbout(Workbench& wb) : WorkbenchForm(wb, "frmAbout", "About Mailvane") {}
-
-}  // namespace mailvane

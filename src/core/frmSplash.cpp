@@ -1,8 +1,0 @@
-#include "core/frmSplash.h"
-
-namespace mailvane {
-
-frmSplash::frmSplash(Workbench& wb)
-    : WorkbenchForm(wb, "frmSplash", ProgramTitle, FormStyle::Splash) {}
-
-}  // namespace mailvane

@@ -1,0 +1,47 @@
+#include "database/upkeep/DatabaseUpkeep.h"
+
+#include "core/notices/frmMSGCompact.h"
+#include "core/run/Progress.h"
+#include "core/settings/frmSettings.h"
+#include "database/upkeep/SuspendedConnection.h"
+#include "database/view/frmViewDatabase.h"
+#include "platform/os/Files.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr const char* BackupEnding = ".bak";
+
+DaoError RepairOrCompact(const std::string& path, MaintainAction action) {
+    if (!IsFile(path)) return MakeDaoError(dao_error::FileNotFound, path);
+    const std::string backup = path + BackupEnding;
+    if (IsFile(backup) && !DeleteFile(backup)) return MakeDaoError(dao_error::DiskError, backup);
+    return action == MaintainAction::Repair ? DBEngine::RepairDatabase(path)
+                                            : DBEngine::CompactInPlace(path, backup);
+}
+
+}  // namespace
+
+void MaintainDatabase(Workbench& wb, frmViewDatabase& view, MaintainAction action) {
+    if (action == MaintainAction::Compact && !ConfirmCompaction(wb)) return;
+    std::string path;
+    DaoError outcome;
+    {
+        const BusyPointer busy(wb);
+        const SuspendedConnection suspended(wb);
+        path = suspended.Path();
+        outcome = RepairOrCompact(path, action);
+    }
+    if (view.IsLoaded()) view.cmdRefresh.Press();
+    if (outcome.Failed()) return Tell(wb, outcome.description, BoxIcon::Exclamation);
+    const std::string done = action == MaintainAction::Repair ? "repaired" : "compacted";
+    Tell(wb, "Successfully " + done + " the '" + path + "' database.");
+}
+
+void RemoveUpkeepLeftovers(Workbench& wb) {
+    const std::string path = wb.forms.Get<frmSettings>().txtAccessDBPath.Text();
+    if (IsFile(path)) DBEngine::RemoveLeftovers(path, path + BackupEnding);
+}
+
+}  // namespace mailvane

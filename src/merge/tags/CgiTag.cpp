@@ -1,0 +1,92 @@
+#include "merge/tags/CgiTag.h"
+
+#include "core/Paths.h"
+#include "core/text/Text.h"
+#include "platform/net/http/HttpRequest.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr const char* UnsavedResultFile = "/tmp.tmp";
+
+HttpMethod MethodOf(const std::string& name) {
+    if (EqualText(name, "post")) return HttpMethod::Post;
+    return EqualText(name, "head") ? HttpMethod::Head : HttpMethod::Get;
+}
+
+}  // namespace
+
+CgiTagRecord LoadCgiTag(const Workbench& wb, const std::string& number, MissingTagFile missing) {
+    CgiTagRecord tag;
+    LoadTagFile(wb, CgiTagKind, number, missing, [&tag](RecordReader& reader) {
+        tag.TagNumber = reader.Long();
+        tag.TagListIndex = reader.Long();
+        tag.ScriptUrl = reader.Text();
+        tag.QueryString = reader.Text();
+        tag.IncludeResult = reader.Flag();
+        tag.SaveResult = reader.Flag();
+        tag.ResultFile = reader.Text();
+        tag.Referer = reader.Text();
+        tag.RequestMethod = reader.Text();
+        tag.EditMode = reader.Text();
+    });
+    return tag;
+}
+
+bool SaveCgiTag(const Workbench& wb, const CgiTagRecord& tag) {
+    return SaveTagFile(wb, CgiTagKind, tag.TagNumber, [&tag](RecordWriter& writer) {
+        writer.Long(tag.TagNumber);
+        writer.Long(tag.TagListIndex);
+        writer.Text(tag.ScriptUrl);
+        writer.Text(tag.QueryString);
+        writer.Flag(tag.IncludeResult);
+        writer.Flag(tag.SaveResult);
+        writer.Text(tag.ResultFile);
+        writer.Text(tag.Referer);
+        writer.Text(tag.RequestMethod);
+        writer.Text(tag.EditMode);
+    });
+}
+
+std::string CgiTagEntry(const CgiTagRecord& tag) {
+    return std::to_string(tag.TagNumber) + ". execute " +
+           FileNameFromPath(tag.ScriptUrl, "/", false) +
+           (tag.IncludeResult ? " CGI script and include results."
+                              : " CGI script and do not include results.");
+}
+
+std::string CgiTag::FindCgiTag(const Workbench& wb, const MessageRecord& record) {
+    auto number = FirstTagNumber(record.Body, CgiTagKind);
+    if (!number) number = FirstTagNumber(record.HTMLCode, CgiTagKind);
+    if (!number) return NoExecuteTag;
+    record_ = LoadCgiTag(wb, *number, MissingFile);
+    return *number;
+}
+
+void CgiTag::FillIn(const TagList& fieldTags, const TagList::ValueOf& valueOf) {
+    std::string encoded;
+    fieldTags.Replace(record_.QueryString, [&](std::size_t field) -> const std::string* {
+        const std::string* value = valueOf(field);
+        if (value == nullptr) return nullptr;
+        encoded = UrlEncode(*value);
+        return &encoded;
+    });
+}
+
+void CgiTag::Call(Workbench& wb, const std::function<bool()>& keepWaiting) const {
+    ShowTagStatus(wb, "Executing CGI script...");
+    HttpRequest request;
+    request.url = record_.ScriptUrl;
+    request.method = MethodOf(record_.RequestMethod);
+    request.referer = record_.Referer;
+    request.query = record_.QueryString;
+    const HttpAnswer answer = SendHttpRequest(request, keepWaiting);
+    // Nobody reads the file on the way, and the message goes out without it too.
+    if (answer.error.Ok())
+        WriteFileText(
+            record_.SaveResult ? record_.ResultFile : wb.platform.programFolder + UnsavedResultFile,
+            answer.content);
+}
+
+}  // namespace mailvane

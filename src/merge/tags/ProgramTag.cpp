@@ -1,0 +1,114 @@
+#include "merge/tags/ProgramTag.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "core/Paths.h"
+#include "core/Running.h"
+#include "core/text/Text.h"
+
+namespace mailvane {
+
+namespace {
+
+void Pause(Workbench& wb, std::int32_t seconds, const std::function<bool()>& keepWaiting) {
+    constexpr std::chrono::milliseconds Step{20};
+    const Clock& clock = wb.platform.clock;
+    const auto end = clock.Monotonic() + std::chrono::seconds(seconds);
+    while (keepWaiting()) {
+        const auto left = end - clock.Monotonic();
+        if (left.count() <= 0) return;
+        wb.platform.clock.Sleep(std::min(left, Step));
+    }
+}
+
+}  // namespace
+
+ProgramTagRecord LoadProgramTag(const Workbench& wb, const std::string& number,
+                                MissingTagFile missing) {
+    ProgramTagRecord tag;
+    LoadTagFile(wb, ProgramTagKind, number, missing, [&tag](RecordReader& reader) {
+        tag.TagNumber = reader.Long();
+        tag.TagListIndex = reader.Long();
+        tag.ProgramPath = reader.Text();
+        tag.CommandLine = reader.Text();
+        tag.IncludeResult = reader.Flag();
+        tag.ResultFile = reader.Text();
+        tag.DeleteResult = reader.Flag();
+        tag.SecondsToWait = reader.Long();
+        tag.WaitForExit = reader.Flag();
+        tag.EditMode = reader.Text();
+    });
+    return tag;
+}
+
+bool SaveProgramTag(const Workbench& wb, const ProgramTagRecord& tag) {
+    return SaveTagFile(wb, ProgramTagKind, tag.TagNumber, [&tag](RecordWriter& writer) {
+        writer.Long(tag.TagNumber);
+        writer.Long(tag.TagListIndex);
+        writer.Text(tag.ProgramPath);
+        writer.Text(tag.CommandLine);
+        writer.Flag(tag.IncludeResult);
+        writer.Text(tag.ResultFile);
+        writer.Flag(tag.DeleteResult);
+        writer.Long(tag.SecondsToWait);
+        writer.Flag(tag.WaitForExit);
+        writer.Text(tag.EditMode);
+    });
+}
+
+std::string ProgramTagEntry(const ProgramTagRecord& tag) {
+    return std::to_string(tag.TagNumber) + ". execute " +
+           FileNameFromPath(tag.ProgramPath, PathSeparator, false) +
+           (tag.IncludeResult ? " and include results." : " and do not include results.");
+}
+
+std::string ProgramTag::FindProgramTag(const Workbench& wb, MessageRecord& record) {
+    std::string number;
+    if (Take(wb, record.Body, number) || Take(wb, record.HTMLCode, number)) return number;
+    return NoExecuteTag;
+}
+
+bool ProgramTag::Take(const Workbench& wb, std::string& text, std::string& number) {
+    const auto found = FirstTagNumber(text, ProgramTagKind);
+    if (!found) return false;
+    number = *found;
+    record_ = LoadProgramTag(wb, number, MissingFile);
+    arguments_.reset();
+    if (FileExists(record_.ProgramPath)) return true;
+    text = ReplaceText(text, ExecuteTagText(ProgramTagKind, number), "");
+    return false;
+}
+
+/// A field tag is one piece also where its name has blanks or quotes.
+void ProgramTag::FillIn(const TagList& fieldTags, const TagList::ValueOf& valueOf) {
+    if (!arguments_) {
+        const std::string& line = record_.CommandLine;
+        arguments_ = SplitCommandLine(
+            line, [&](std::size_t position) { return fieldTags.TagLengthAt(line, position); });
+    }
+    for (std::string& argument : *arguments_)
+        fieldTags.Replace(argument, valueOf);
+}
+
+std::vector<std::string> ProgramTag::Arguments() const {
+    return arguments_ ? *arguments_ : SplitCommandLine(record_.CommandLine);
+}
+
+void ProgramTag::Run(Workbench& wb, const std::function<bool()>& keepWaiting) const {
+    std::vector<std::string> commandLine = Arguments();
+    commandLine.insert(commandLine.begin(), record_.ProgramPath);
+    if (record_.WaitForExit) {
+        wb.platform.windows.PumpEvents();
+        wb.platform.processes.RunAndWait(commandLine, keepWaiting);
+    } else {
+        // What cannot be run as it stands is a document.
+        if (!wb.platform.processes.Start(commandLine) && commandLine.size() == 1)
+            OpenDocument(wb, record_.ProgramPath);
+        Pause(wb, record_.SecondsToWait, keepWaiting);
+    }
+    ShowTagStatus(wb, "Executing program " +
+                          FileNameFromPath(record_.ProgramPath, PathSeparator, true) + "...");
+}
+
+}  // namespace mailvane

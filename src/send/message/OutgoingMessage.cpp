@@ -1,0 +1,157 @@
+#include "send/message/OutgoingMessage.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include "connection/ConnectionService.h"
+#include "core/settings/Settings.h"
+#include "core/text/Text.h"
+#include "platform/net/mime/Base64.h"
+#include "platform/net/mime/NetCode.h"
+#include "platform/os/Files.h"
+
+namespace mailvane {
+
+namespace {
+
+constexpr double LargestPort = 65535;
+constexpr int AuthenticationRequired = 530;  ///< RFC 4954 section 6
+
+bool AppendText(const std::string& path, const std::string& text) {
+    std::ofstream file(path, std::ios::binary | std::ios::app);
+    file << text << std::flush;
+    return file.good();
+}
+
+}  // namespace
+
+OutgoingMessage::OutgoingMessage(Workbench& wb, frmSettings& settings, SmtpClient& smtp)
+    : wb_(wb), settings_(settings), smtp_(smtp), certificateAuthorities_(TrustedAuthorities(wb)) {}
+
+OutgoingMessage::~OutgoingMessage() {
+    DeleteFile(EncodedFile());
+}
+
+std::string OutgoingMessage::EncodedFile() const {
+    return wb_.platform.programFolder + "/_dsmail.tmp";
+}
+
+std::string OutgoingMessage::BuildOutgoingMessage(MessageRecord& record) {
+    refused_.clear();
+    if (!HasAddress(record)) return "Invalid e-mail address.";
+    TakeConnectionSettings();
+    TakeMessage(AssembleMessage(settings_, record));
+    if (!record.Attach.empty())
+        if (NetError failed = EncodeAttachment(record.Attach); failed.Failed())
+            return failed.description;
+    if (!LeaveOutDelivered()) return {};
+    const NetError outcome = Deliver();
+    return outcome.Ok() ? std::string() : ErrorText(outcome);
+}
+
+void OutgoingMessage::GiveUp() {
+    if (direct_)
+        direct_->GiveUp();
+    else
+        smtp_.SetAction(SmtpClient::Action::Idle).Ignore();
+}
+
+std::string OutgoingMessage::ErrorText(const NetError& error) const {
+    const bool refusal = error.code >= 400 && error.description != logonFailure_;
+    if (logonFailure_.empty() || !refusal) return error.description;
+    if (error.code == AuthenticationRequired) return logonFailure_;
+    return error.description + " (" + logonFailure_ + ")";
+}
+
+void OutgoingMessage::TakeConnectionSettings() {
+    smtp_.SetAction(SmtpClient::Action::Reset).Ignore();
+    if (!IsNumeric(settings_.txtSMTPPort.Text())) settings_.txtSMTPPort.SetText("25");
+    smtp_.MailPort =
+        static_cast<int>(std::clamp(NumberOf(settings_.txtSMTPPort.Text()), 0.0, LargestPort));
+    smtp_.ConnectionSecurity =
+        static_cast<Security>(std::max(settings_.cmbSMTPSecurity.ListIndex(), 0));
+    smtp_.VerifyCertificate = settings_.chkSMTPVerify.Checked();
+    smtp_.CertificateAuthorities = certificateAuthorities_;
+}
+
+void OutgoingMessage::TakeMessage(AssembledMessage message) {
+    smtp_.From = std::move(message.from);
+    smtp_.SendTo = std::move(message.to);
+    smtp_.Cc = std::move(message.cc);
+    smtp_.BCc = std::move(message.bcc);
+    smtp_.Subject = std::move(message.subject);
+    smtp_.MessageText = std::move(message.text);
+    smtp_.OtherHeaders = std::move(message.otherHeaders);
+}
+
+NetError OutgoingMessage::EncodeAttachment(const std::string& path) {
+    NetCode coder;
+    coder.DecodedFile = path;
+    coder.CodeFormat = NetCode::Format::Base64;
+    coder.EncodedFile = EncodedFile();
+    coder.Overwrite = true;
+    if (NetError failed = coder.SetAction(NetCode::Action::Encode); failed.Failed()) return failed;
+    if (!AppendText(EncodedFile(), AttachmentEnd()))
+        return {net_error::FileUnwritable, "Cannot write the file '" + EncodedFile() + "'."};
+    smtp_.AttachedFile = EncodedFile();
+    return {};
+}
+
+/// False when nobody is left to get the message.
+bool OutgoingMessage::LeaveOutDelivered() {
+    if (DeliveredBefore.empty()) return true;
+    smtp_.Recipients = smtp_.EnvelopeRecipients();
+    std::erase_if(smtp_.Recipients,
+                  [this](const std::string& address) { return DeliveredBefore.contains(address); });
+    return !smtp_.Recipients.empty();
+}
+
+NetError OutgoingMessage::Deliver() {
+    if (settings_.chkServer.Checked()) {
+        if (!direct_) direct_ = std::make_unique<DirectDelivery>(wb_, smtp_);
+        NetError outcome = direct_->Deliver(smtp_.EnvelopeRecipients(), OnDelivered);
+        refused_ = direct_->RefusedRecipients();
+        return outcome;
+    }
+    if (NetError failed = LogOn(); failed.Failed()) return failed;
+    NetError outcome = smtp_.SetAction(SmtpClient::Action::Send);
+    if (outcome.Ok()) refused_ = smtp_.RefusedRecipients();
+    return outcome;
+}
+
+/// Once a run: a wrong password that is tried again and again locks the account.
+NetError OutgoingMessage::LogOn() {
+    if (!settings_.chkSMTPAuth.Checked() || !FirstMessage) return {};
+    FirstMessage = false;
+    const LogonData logon = ReadLogon(wb_);
+    if (logon.user.empty() || logon.password.empty()) return {};
+    if (NetError failed = smtp_.SetAction(SmtpClient::Action::Connect); failed.Failed()) {
+        FirstMessage = true;  // the server has not been asked
+        return failed;
+    }
+    NetError failed = TellLogon(logon);
+    if (failed.Failed())
+        failed.description = logonFailure_ = "The logon failed: " + failed.description;
+    return failed;
+}
+
+NetError OutgoingMessage::TellLogon(const LogonData& logon) {
+    const bool safe = smtp_.IsSecured() || smtp_.IsLocalPeer();
+    // Asked for before the logon begins: a server left in the middle of one takes the next line
+    // for a password.
+    if (!safe && smtp_.ConnectionSecurity != Security::None)
+        return {net_error::LogonImpossible,
+                "The password was not sent, because the connection to the server is not secured."};
+    if (NetError failed = smtp_.Command("AUTH LOGIN"); failed.Failed()) return failed;
+    if (NetError failed = smtp_.Command(Base64Line(logon.user)); failed.Failed()) return failed;
+    return smtp_.Command(Base64Line(logon.password), true);
+}
+
+std::string OutgoingMessage::Base64Line(const std::string& text) {
+    // Made in memory: a password in a file of the shared temporary folder would be everybody's.
+    std::string line;
+    AppendBase64(line, text);
+    return line;
+}
+
+}  // namespace mailvane

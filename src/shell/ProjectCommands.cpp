@@ -1,0 +1,68 @@
+#include "core/Paths.h"
+#include "core/project/ProjectPrompts.h"
+#include "core/run/Progress.h"
+#include "core/settings/frmSettings.h"
+#include "core/text/Text.h"
+#include "shell/frmMain.h"
+
+namespace mailvane {
+
+void frmMain::OpenProject(const std::string& path) {
+    SwitchProject(wb_, path);
+    LoadHiddenForms();
+}
+
+void frmMain::OpenExistingProject(const std::string& path) {
+    if (FileExists(path)) return OpenProject(path);
+    TellFileNotFound(wb_);
+}
+
+void frmMain::NewProject() {
+    const std::string path = Trim(BrowseProjectFile(wb_, true));
+    if (path.empty() || !MakeProject(path)) return;
+
+    Windows().SetPointer(MousePointer::Busy);
+    WaitSeconds(wb_, 1);
+    if (Form* status = wb_.forms.FindByName("frmStatus")) status->Unload();
+    frmSettings& settings = wb_.forms.Get<frmSettings>();
+    settings.Tab1.SetCurrent(frmSettings::YouPage);
+    settings.Show();
+    WaitSeconds(wb_, 1);
+    settings.txtAccessDBPath.Focus();
+    Windows().SetPointer(MousePointer::Normal);
+}
+
+/// A project with the values of the template, saved under that name and open. False when the
+/// template is missing, which has been told.
+bool frmMain::MakeProject(const std::string& path) {
+    if (!FileExists(TemplatePath(wb_))) {
+        TellFilesCorrupted(wb_);
+        return false;
+    }
+    wb_.state.NewProjectInProgress = true;
+    OpenProject(TemplatePath(wb_));
+    wb_.state.CurrentProjectFile.clear();
+    SaveProject(wb_, path);
+    wb_.state.NewProjectInProgress = false;
+    wb_.state.CurrentProjectFile = path;
+    return true;
+}
+
+void frmMain::SaveOpenProject() {
+    if (wb_.state.ProjectOpen()) SaveProject(wb_, wb_.state.CurrentProjectFile);
+}
+
+void frmMain::SaveCommand() {
+    if (wb_.state.CurrentProjectFile.empty())
+        wb_.state.CurrentProjectFile = BrowseProjectFile(wb_, true);
+    SaveOpenProject();
+}
+
+void frmMain::SaveAsCommand() {
+    const std::string name = BrowseProjectFile(wb_, true);
+    if (name.empty() || name == " ") return;
+    SaveProject(wb_, name);
+    OpenProject(name);
+}
+
+}  // namespace mailvane

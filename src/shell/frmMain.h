@@ -1,0 +1,115 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/Shell.h"
+#include "core/Workbench.h"
+#include "core/project/Project.h"
+#include "shell/AssignedTask.h"
+#include "shell/StoreUpkeep.h"
+
+namespace mailvane {
+
+struct StartOptions {
+    std::string commandLine;  ///< a project file, or "\SHC " and a task name; quotes are dropped
+    /// Splash, connection wizard, project dialog, welcome screen and warnings are shown; otherwise
+    /// what the start has to say comes in panel 1 only.
+    bool dialogs = false;
+    /// True when another start of the program has asked for the window since the last call.
+    std::function<bool()> showAsked = {};
+};
+
+/// The main window: menus, status bar, the hub of all commands. Holds no mail logic.
+class frmMain final : public WorkbenchForm, public Shell {
+public:
+    explicit frmMain(Workbench& wb);
+    ~frmMain() override;
+
+    ActiveBar ActiveBar1{*this, "ActiveBar1"};
+    StatusBar sbStatusBar{*this, "sbStatusBar", 2};
+    ProgressBar Progress1{*this, "Progress1"};
+    Button cmdSave{*this, "cmdSave", Button::HiddenButton, [this] { SaveOpenProject(); }};
+    Button cmdProgress{*this, "cmdProgress", Button::HiddenButton, [this] { ShowProgress(); }};
+    Button cmdNoProgress{*this, "cmdNoProgress", Button::HiddenButton, [this] { HideProgress(); }};
+    Button cmdCompactMessages{*this, "cmdCompactMessages", Button::HiddenButton,
+                              [this] { CompactMessageStore(); }};
+    Button cmdCompactDatabase{*this, "cmdCompactDatabase", Button::HiddenButton,
+                              [this] { CompactRecipients(); }};
+    Timer Timer1{*this, "Timer1", std::chrono::milliseconds(50), [this] { SendAndReceive(); }};
+    Timer Timer2{*this, "Timer2", std::chrono::milliseconds(500), [this] { ShowWhenAsked(); }};
+
+    /// Brings everything up: store, project, hidden forms. The window is shown at its end.
+    void Start(const StartOptions& options);
+    void ExitApplication();
+
+    // Shell
+    ControlAnswer ExecuteCommand(const std::string& toolName,
+                                 const std::string& toolCaption) override;
+    Form& MainForm() override { return *this; }
+    void SetPanel(const std::string& text) override { sbStatusBar.SetPanel(1, text); }
+    std::string Panel() const override { return sbStatusBar.Panel(1); }
+    void SetRecordPanel(const std::string& text) override;
+    ProgressBar& Progress() override { return Progress1; }
+    Button& ShowProgressButton() override { return cmdProgress; }
+    Button& HideProgressButton() override { return cmdNoProgress; }
+    Button& SaveButton() override { return cmdSave; }
+    bool CompactMessageStore() override;
+    bool CompactRecipients() override;
+    void AddRecentFile(const std::string& path) override { RecentFile1.Add(path); }
+
+    void OnCloseBox() override { ExitApplication(); }
+
+private:
+    bool RunFileCommand(const std::string& name, const std::string& caption);
+    bool RunMailCommand(const std::string& name);
+    bool RunViewCommand(const std::string& name);
+    bool RunTableCommand(const std::string& name);
+    bool RunToolCommand(const std::string& name);
+    bool RunHelpCommand(const std::string& name);
+
+    // The start.
+    void ShowSplash();
+    void RunStartUpChecks();
+    void OpenFirstProject(const std::string& commandLine, bool dialogs);
+    void RunProjectDialog();
+    void OfferWelcome();
+    void LoadHiddenForms();
+    void RestoreHiddenForms();
+    void TellLargeStore();
+    void TellInterruptedMerge(bool box);
+    void OpenAssignedTask(const std::string& path);
+    void UseLineOfTask(const AssignedTask& task);
+    void ShowWhenAsked();
+
+    // Projects.
+    void OpenProject(const std::string& path);
+    void OpenExistingProject(const std::string& path);
+    void NewProject();
+    bool MakeProject(const std::string& path);
+    void SaveOpenProject();
+    void SaveCommand();
+    void SaveAsCommand();
+
+    // The end.
+    bool WaitForRun();
+    void LeaveProgram();
+    bool TellUpkeep(const DaoError& outcome);
+
+    template <class F>
+    void ShowView();
+    void PressSend(bool finalStep);
+    void SendAndReceive();
+    void ShowProgress();
+    void HideProgress();
+    void ShowRecentFiles(const std::vector<std::string>& paths);
+
+    RecentFile RecentFile1;
+    Subscription unloading_;
+    std::function<bool()> showAsked_;
+    std::string savedPanel_;
+    std::string panelBeforeHover_;
+    bool sendAndReceiveRunning_ = false;
+};
+
+}  // namespace mailvane
