@@ -1,6 +1,7 @@
 #include "connection/frmConnectionTest.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 
 namespace mailvane {
 

@@ -1,7 +1,7 @@
 #include "connection/frmDial.h"
 
 #include "core/Running.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "core/settings/Settings.h"
 #include "core/text/Text.h"
 

@@ -1,8 +1,9 @@
 #include "connection/frmSMTPAuthentication.h"
 
 #include "connection/Logon.h"
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "platform/os/Files.h"
 
 namespace mailvane {

@@ -1,7 +1,7 @@
 #include "core/Running.h"
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
-#include "core/run/Progress.h"
 #include "core/text/Text.h"
 
 namespace mailvane {

@@ -6,6 +6,7 @@
 
 #include "core/ApplicationState.h"
 #include "core/Shell.h"
+#include "core/run/Runs.h"
 #include "platform/forms/FormRegistry.h"
 #include "platform/forms/WindowSystem.h"
 #include "platform/os/Clock.h"
@@ -57,11 +58,12 @@ private:
 /// One per process; every test makes its own.
 struct Workbench {
     explicit Workbench(Platform& thePlatform)
-        : platform(thePlatform), forms(*this, thePlatform.windows) {}
+        : platform(thePlatform), forms(*this, thePlatform.windows), runs(*this) {}
 
     ApplicationState state;
     Platform& platform;
     Forms forms;
+    Runs runs;
     Shell* shell = nullptr;  ///< not owned; set by the main form
 };
 

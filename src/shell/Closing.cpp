@@ -1,4 +1,5 @@
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
+#include "core/run/frmStatus.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmOptions.h"
 #include "shell/StoreUpkeep.h"
@@ -8,8 +9,8 @@ namespace mailvane {
 
 /// A run that is under way is told to stop; the program closes when it has.
 bool frmMain::WaitForRun() {
-    const Form* status = wb_.forms.FindByName("frmStatus");
-    if (!wb_.state.RunBusy && !(status && status->Visible())) return false;
+    const auto* status = wb_.forms.Find<frmStatus>();
+    if (!wb_.state.RunBusy && !(status && status->Window.IsOpen())) return false;
     wb_.state.CancelRequested = true;
     Windows().Post([this] { ExitApplication(); });
     return true;

@@ -1,6 +1,6 @@
 #include "core/Paths.h"
+#include "core/Waiting.h"
 #include "core/project/ProjectPrompts.h"
-#include "core/run/Progress.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "shell/frmMain.h"

@@ -1,6 +1,7 @@
 #include "shell/StoreUpkeep.h"
 
 #include "core/Paths.h"
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"

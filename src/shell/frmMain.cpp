@@ -1,7 +1,6 @@
 #include "shell/frmMain.h"
 
 #include "core/project/frmProjectWizard.h"
-#include "core/run/Progress.h"
 #include "shell/CommandTable.h"
 
 namespace mailvane {

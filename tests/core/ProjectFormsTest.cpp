@@ -1,14 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "core/ProgramFolder.h"
+#include "core/notices/frmMSGResources.h"
 #include "core/project/Project.h"
 #include "core/project/frmProjectDialog.h"
 #include "core/project/frmProjectWizard.h"
 #include "core/project/frmWelcome.h"
-#include "core/run/Progress.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
-#include "shell/frmAbout.h"
 #include "support/TestBench.h"
 
 namespace mailvane {
@@ -75,7 +74,7 @@ TEST_F(ProjectWizard, BareNamesStandInTheUsualFolder) {
 TEST_F(ProjectWizard, FinishMakesTheProject) {
     Settings().txtName.SetText("Ann");
     Settings().txtReplyTo.SetText("old@example.com");
-    bench.wb.forms.Get<frmAbout>();
+    bench.wb.forms.Get<frmMSGResources>();
     Wizard().Show();
     EXPECT_EQ(Wizard().txtName.Text(), "Ann") << "from the open project";
     EXPECT_EQ(Wizard().txtProject.Text(), "");
@@ -98,7 +97,8 @@ TEST_F(ProjectWizard, FinishMakesTheProject) {
     Wizard().cmdFinish.Press();
 
     EXPECT_EQ(bench.wb.forms.Find<frmProjectWizard>(), nullptr);
-    EXPECT_EQ(bench.wb.forms.Find<frmAbout>(), nullptr) << "a project switch unloads the rest";
+    EXPECT_EQ(bench.wb.forms.Find<frmMSGResources>(), nullptr)
+        << "a project switch unloads the rest";
     EXPECT_FALSE(bench.wb.state.NewProjectInProgress);
     EXPECT_EQ(bench.shell.panel, "");
     EXPECT_EQ(saved, std::vector<std::string>{file});

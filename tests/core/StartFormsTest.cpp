@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/notices/frmMSGCompact.h"
 #include "core/notices/frmMSGLargeEmailDB.h"
 #include "core/notices/frmMSGResources.h"
 #include "core/project/frmWelcome.h"
-#include "core/run/Progress.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmOptions.h"
 #include "core/settings/frmSettings.h"

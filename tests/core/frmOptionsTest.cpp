@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "core/run/Progress.h"
 #include "core/settings/RegistryStore.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmOptions.h"

@@ -1,4 +1,4 @@
-#include "core/run/Progress.h"
+#include "core/Machine.h"
 #include "merge/MergeBench.h"
 #include "merge/run/MergeGenerator.h"
 

@@ -1,7 +1,7 @@
 #include <set>
 
+#include "core/Waiting.h"
 #include "core/commands/ToolTable.h"
-#include "core/run/Progress.h"
 #include "database/view/frmViewDatabase.h"
 #include "platform/os/Files.h"
 #include "shell/CommandTable.h"

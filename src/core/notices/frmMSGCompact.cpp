@@ -1,6 +1,6 @@
 #include "core/notices/frmMSGCompact.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "core/settings/Settings.h"
 
 namespace mailvane {

@@ -1,7 +1,7 @@
 #include "core/notices/frmMSGLargeEmailDB.h"
 
+#include "core/MessageBoxes.h"
 #include "core/notices/frmMSGCompact.h"
-#include "core/run/Progress.h"
 #include "core/settings/Settings.h"
 
 namespace mailvane {

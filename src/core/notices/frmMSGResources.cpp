@@ -1,6 +1,6 @@
 #include "core/notices/frmMSGResources.h"
 
-#include "core/run/Progress.h"
+#include "core/Machine.h"
 #include "core/settings/Settings.h"
 
 namespace mailvane {

@@ -3,7 +3,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
+#include "core/Waiting.h"
 #include "core/records/Sifrant.h"
 #include "core/run/Progress.h"
 #include "core/settings/frmSettings.h"

@@ -1,8 +1,8 @@
 #include "core/project/ProjectPrompts.h"
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/project/Project.h"
-#include "core/run/Progress.h"
 #include "core/text/Text.h"
 
 namespace mailvane {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/project/ProjectPrompts.h"
-#include "core/run/Progress.h"
 
 namespace mailvane {
 

@@ -1,10 +1,10 @@
 #include "core/project/frmProjectWizard.h"
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/project/Project.h"
 #include "core/project/ProjectPrompts.h"
 #include "core/project/frmWelcome.h"
-#include "core/run/Progress.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"

@@ -1,7 +1,6 @@
 #include "core/run/Progress.h"
 
 #include "core/run/frmStatus.h"
-#include "platform/os/Processes.h"
 
 namespace mailvane {
 
@@ -25,9 +24,10 @@ void OpenProgress(Workbench& wb, frmStatus& status, long max, long value) {
 
 void StepProgress(Workbench& wb, frmStatus& status, long value) {
     status.Progress1.SetValue(value);
+    status.Window.ShowWhenDue();
     if (wb.shell != nullptr) wb.shell->Progress().SetValue(value);
     if (value != status.Progress1.Maximum()) return;
-    status.Hide();
+    status.Window.Close();
     if (wb.shell == nullptr) return;
     wb.shell->HideProgressButton().Press();
     wb.shell->SetPanel("");
@@ -45,47 +45,7 @@ void UpdateProgress(Workbench& wb, long max, long value, const std::string& capt
     }
     OpenProgress(wb, status, max, value);
     SetCaptions(status, caption1, caption2);
-    if (show) status.Show();
-}
-
-void YieldBriefly(Workbench& wb) {
-    wb.platform.windows.YieldBriefly();
-}
-
-void WaitSeconds(Workbench& wb, double seconds) {
-    wb.platform.windows.WaitSeconds(seconds);
-}
-
-void ShowModalDialog(Workbench&, Form& form) {
-    form.ShowModal();
-}
-
-bool IsFormLoaded(const Workbench& wb, const std::string& name) {
-    return wb.forms.IsFormLoaded(name);
-}
-
-BusyPointer::BusyPointer(Workbench& wb) : wb_(wb) {
-    if (wb_.state.BusyPointers++ == 0) wb_.platform.windows.SetPointer(MousePointer::Busy);
-}
-
-BusyPointer::~BusyPointer() {
-    if (--wb_.state.BusyPointers == 0) wb_.platform.windows.SetPointer(MousePointer::Normal);
-}
-
-void Tell(Workbench& wb, const std::string& text, BoxIcon icon, const std::string& title) {
-    wb.platform.windows.MessageBox({text, title, icon, BoxButtons::Ok});
-}
-
-bool AskYesNo(Workbench& wb, const std::string& text, BoxIcon icon, const std::string& title) {
-    return wb.platform.windows.MessageBox({text, title, icon, BoxButtons::YesNo}) == BoxAnswer::Yes;
-}
-
-int FreeResourcesPercent() {
-    return 0;
-}
-
-std::string GetLocalIpAddress() {
-    return LocalIpAddress();
+    if (show) status.Window.Open();
 }
 
 }  // namespace mailvane

@@ -2,6 +2,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "core/Waiting.h"
 #include "core/project/Project.h"
 #include "core/run/Progress.h"
 #include "core/text/Text.h"

@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/notices/frmMSGCompact.h"
-#include "core/run/Progress.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"

@@ -2,10 +2,10 @@
 
 #include <utility>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/commands/ToolTable.h"
 #include "core/project/Project.h"
-#include "core/run/Progress.h"
 #include "core/settings/frmOptions.h"
 #include "core/text/Text.h"
 

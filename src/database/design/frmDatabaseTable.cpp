@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Running.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "database/design/frmDatabaseTablePK.h"

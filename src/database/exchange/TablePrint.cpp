@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "database/exchange/frmDatabasePrint.h"
 #include "database/view/frmViewDatabase.h"

@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <numeric>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "core/text/Text.h"
 #include "platform/os/Files.h"

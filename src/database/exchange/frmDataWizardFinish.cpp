@@ -1,7 +1,7 @@
 #include <algorithm>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
-#include "core/run/Progress.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "database/exchange/DatabaseCreated.h"

@@ -1,6 +1,5 @@
 #include "database/exchange/frmDatabasePrint.h"
 
-#include "core/run/Progress.h"
 #include "database/exchange/TablePrint.h"
 #include "database/view/frmViewDatabase.h"
 

@@ -4,6 +4,8 @@
 #include <tuple>
 #include <utility>
 
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "core/text/Text.h"
 #include "database/tools/TableCopies.h"

@@ -1,7 +1,8 @@
 #include "database/tools/TableCopies.h"
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "core/text/Text.h"
 #include "database/view/frmViewDatabase.h"
 

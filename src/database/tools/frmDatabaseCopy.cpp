@@ -1,6 +1,6 @@
 #include "database/tools/frmDatabaseCopy.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "database/view/frmViewDatabase.h"
 
 namespace mailvane {

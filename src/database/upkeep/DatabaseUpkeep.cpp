@@ -1,7 +1,8 @@
 #include "database/upkeep/DatabaseUpkeep.h"
 
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/notices/frmMSGCompact.h"
-#include "core/run/Progress.h"
 #include "core/settings/frmSettings.h"
 #include "database/upkeep/SuspendedConnection.h"
 #include "database/view/frmViewDatabase.h"

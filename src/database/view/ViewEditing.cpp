@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "database/view/ViewCells.h"
 #include "database/view/ViewRowLoop.h"
 #include "database/view/frmViewDatabase.h"

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "database/view/ViewRowLoop.h"
 #include "database/view/frmFind.h"
 #include "database/view/frmViewDatabase.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "database/view/frmViewDatabase.h"
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "core/MessageBoxes.h"
 #include "database/view/ViewRowLoop.h"
 #include "database/view/frmMSGDeleteDatabase.h"
 #include "database/view/frmViewDatabase.h"

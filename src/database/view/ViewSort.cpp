@@ -1,4 +1,5 @@
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "database/view/frmMSGMemo.h"
 #include "database/view/frmViewDatabase.h"
 

@@ -1,6 +1,6 @@
 #include "database/view/frmMSGMemo.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "core/settings/Settings.h"
 
 namespace mailvane {

@@ -8,7 +8,8 @@ namespace mailvane {
 
 namespace {
 
-bool Holds(const frmSettings& settings, const MessageRecord& message, const std::string& text) {
+bool MessageHolds(const frmSettings& settings, const MessageRecord& message,
+                  const std::string& text) {
     for (const std::string* part :
          {&message.To, &message.BCC, &message.From, &message.Subject, &message.Attach})
         if (ContainsText(*part, text)) return true;
@@ -114,7 +115,7 @@ DaoResult<std::optional<std::size_t>> MergePreview::Find(
         const std::size_t number = (from + looked) % count_;
         const DaoResult<MessageRecord> message = Message(number);
         if (message.Failed()) return message.Error();
-        if (Holds(settings, *message, text)) return std::optional(number);
+        if (MessageHolds(settings, *message, text)) return std::optional(number);
         if (!goOn(looked + 1)) break;
     }
     return std::optional<std::size_t>();

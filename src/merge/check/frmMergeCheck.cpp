@@ -1,5 +1,7 @@
 #include "merge/check/frmMergeCheck.h"
 
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "database/view/frmViewDatabase.h"
 #include "merge/message/frmViewMerge.h"

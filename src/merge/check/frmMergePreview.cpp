@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "merge/check/frmMergeCheck.h"
 #include "merge/message/frmViewMerge.h"
 #include "send/message/MessageAssembly.h"

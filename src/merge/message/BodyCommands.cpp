@@ -2,9 +2,9 @@
 
 #include <optional>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/project/Project.h"
-#include "core/run/Progress.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "database/view/frmFind.h"

@@ -1,6 +1,6 @@
 #include "merge/message/frmSpelling.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 
 namespace mailvane {
 

@@ -1,8 +1,11 @@
 #include "merge/message/frmViewMerge.h"
 
+#include "core/Machine.h"
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
+#include "core/Waiting.h"
 #include "core/notices/frmMSGResources.h"
-#include "core/run/Progress.h"
+#include "core/run/frmStatus.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
@@ -232,9 +235,9 @@ void frmViewMerge::KeepInLine() {
     filling_ = true;
     cmbTable.SetText(table);
     filling_ = false;
-    const Form* status = wb_.forms.FindByName("frmStatus");
+    const auto* status = wb_.forms.Find<frmStatus>();
     // A visible database view counts the same records, and its selection with them.
-    if (!view->Visible() && !(status && status->Visible())) ShowRecordCount();
+    if (!view->Visible() && !(status && status->Window.IsOpen())) ShowRecordCount();
 }
 
 void frmViewMerge::ShowRecordCount() {

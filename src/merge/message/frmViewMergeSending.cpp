@@ -1,5 +1,6 @@
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"

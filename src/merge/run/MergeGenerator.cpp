@@ -1,7 +1,8 @@
 #include "merge/run/MergeGenerator.h"
 
+#include "core/Machine.h"
 #include "core/Paths.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "merge/tags/ExecuteTag.h"
 #include "store/MessageStore.h"
 

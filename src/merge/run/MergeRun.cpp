@@ -4,7 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"

@@ -1,3 +1,5 @@
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/run/Progress.h"
 #include "core/text/Text.h"
 #include "merge/run/BulkPacket.h"

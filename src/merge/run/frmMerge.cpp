@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/MessageBoxes.h"
 #include "core/Running.h"
 #include "core/commands/ToolTable.h"
-#include "core/run/Progress.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
@@ -215,7 +215,7 @@ void frmMerge::Start() {
 /// While messages are made the run ends itself at the next one; otherwise there is nothing to end.
 void frmMerge::Cancel() {
     const auto* status = wb_.forms.Find<frmStatus>();
-    if (status && status->Visible() &&
+    if (status && status->Window.IsOpen() &&
         ContainsText(status->lblCaption1.Text(), "Generating message"))
         wb_.state.CancelRequested = true;
     else

@@ -93,7 +93,7 @@ bool SaveTagFile(const Workbench& wb, const ExecuteTagKind& kind, std::int32_t n
 void ShowTagStatus(Workbench& wb, const std::string& text) {
     auto& status = wb.forms.Get<frmStatus>();
     status.lblCaption2.SetText(text);
-    if (status.Visible() && wb.shell) wb.shell->SetPanel(text);
+    if (status.Window.IsOpen() && wb.shell) wb.shell->SetPanel(text);
 }
 
 }  // namespace mailvane

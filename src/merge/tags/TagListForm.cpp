@@ -1,6 +1,6 @@
 #include "merge/tags/TagListForm.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 
 namespace mailvane {
 

@@ -1,6 +1,6 @@
 #include "merge/tags/frmTagCGI.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "merge/tags/frmTagCGIAdd.h"
 
 namespace mailvane {

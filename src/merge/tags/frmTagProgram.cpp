@@ -1,6 +1,6 @@
 #include "merge/tags/frmTagProgram.h"
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "merge/tags/frmTagProgramAdd.h"
 
 namespace mailvane {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/project/Project.h"
-#include "core/run/Progress.h"
 #include "core/text/Text.h"
 #include "merge/tags/frmTagProgram.h"
 

@@ -5,9 +5,10 @@
 #include <cmath>
 #include <filesystem>
 
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Running.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"

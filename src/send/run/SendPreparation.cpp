@@ -1,4 +1,5 @@
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/Settings.h"
 #include "send/run/SendRun.h"
@@ -81,12 +82,7 @@ void SendRun::TakeStatusForm() {
 
 void SendRun::FillMessageList(const Recordset& list) {
     const std::int64_t count = list.RecordCount();
-    ProgressBar* bar = nullptr;
-    if (count > SilentRows) {
-        ShowPreparing(wb_, Preparing);
-        bar = &wb_.forms.Get<frmMSGPreparing>().Progress1;
-        bar->SetMaximum(static_cast<long>(count));
-    }
+    if (count > SilentRows) ShowPreparing(wb_, Preparing, static_cast<long>(count));
     status_->ClearMessages();
     for (std::size_t first = 0; first < static_cast<std::size_t>(count); first += ListPiece) {
         const auto rows = list.ReadRows(first, ListPiece);
@@ -96,8 +92,7 @@ void SendRun::FillMessageList(const Recordset& list) {
         }
         for (const auto& row : *rows) {
             status_->AddMessage(row[0].TextOrEmpty(), row[1].TextOrEmpty(), row[2].TextOrEmpty());
-            if (bar) bar->SetValue(bar->Value() + 1);
-            if (bar) YieldBriefly(wb_);
+            StepPreparing(wb_);
         }
     }
     status_->ShowMessages();

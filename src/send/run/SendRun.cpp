@@ -1,7 +1,7 @@
 #include "send/run/SendRun.h"
 
 #include "connection/frmDial.h"
-#include "core/run/Progress.h"
+#include "core/Waiting.h"
 #include "core/text/Text.h"
 #include "send/run/SendSettings.h"
 #include "send/run/SentMessages.h"

@@ -1,7 +1,7 @@
 #include "send/run/SendSettings.h"
 
 #include "connection/frmDial.h"
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "core/text/Text.h"
 
 namespace mailvane {

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "core/run/Progress.h"
+#include "core/MessageBoxes.h"
 #include "core/settings/Settings.h"
 #include "store/MessageStore.h"
 
