@@ -43,6 +43,7 @@ DaoError MakeStore(const std::string& path) {
     const auto workspace = Workspace::Create();
     const auto store = workspace->CreateDatabase(path);
     if (store.Failed()) return store.Error();
+    MakePrivate(path);  // before there is any mail in it
     DaoError outcome;
     for (const char* folder : BuiltInFolders)
         if (outcome.Ok()) outcome = AddFolderColumns(**store, folder);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "core/ProgramFolder.h"
 #include "core/Waiting.h"
 #include "core/project/Project.h"
@@ -143,9 +145,28 @@ TEST_F(Project, SavingRefusesWhatIsNoPath) {
     SaveProject(bench.wb, "ab");
     EXPECT_TRUE(bench.Prompts().ExpectBox("Invalid File Name."));
     EXPECT_EQ(bench.wb.state.ProjectName, "");
-    SaveProject(bench.wb, bench.folder.File("none/none/a.poc"));
+    EXPECT_FALSE(SaveProject(bench.wb, bench.folder.File("none/none/a.poc")));
     EXPECT_EQ(bench.Prompts().Shown().size(), 2u);
+    EXPECT_EQ(bench.wb.state.ProjectFolder, "") << "the open project stays the open one";
     EXPECT_TRUE(bench.shell.recentFiles.empty());
+}
+
+TEST_F(Project, OnlyTheOwnerReadsWhatHoldsPasswords) {
+    namespace fs = std::filesystem;
+    constexpr auto OwnerOnly = fs::perms::owner_read | fs::perms::owner_write;
+    SaveProject(bench.wb, ProjectPath("a.poc"));
+    SaveUserSetting(bench.wb, "Proxy", "ProxyServerName", "proxy");
+    for (const std::string& file : {ProjectPath("a.poc"), bench.wb.platform.registryFile})
+        EXPECT_EQ(fs::status(file).permissions(), OwnerOnly) << file;
+}
+
+TEST_F(Project, FilesThatNameNoSettingAreNoProjects) {
+    bench.Prompts().UseDefaults();
+    SaveProject(bench.wb, ProjectPath("a.poc"));
+    EXPECT_TRUE(IsProjectFile(bench.wb, ProjectPath("a.poc")));
+    for (const char* content : {"", "a letter", "txtName*|*Ann#|#"})
+        EXPECT_FALSE(IsProjectFile(bench.wb, bench.folder.Write("b.poc", content))) << content;
+    EXPECT_EQ(bench.Prompts().Shown().size(), 3u);
 }
 
 TEST_F(Project, ShippedTemplateHoldsTheDefaults) {

@@ -173,11 +173,16 @@ TEST_F(FormSettings, HidesAndStaysLoaded) {
     EXPECT_TRUE(Form().Visible());
     EXPECT_EQ(Form().Tab1.Current(), frmSettings::DatabasePage);
     EXPECT_EQ(bench.windows.FocusedControl(), &Form().txtAccessDBPath);
+    int saved = 0;
+    bench.mainForm.cmdSave.onClick = [&] { ++saved; };
     Form().cmdOk.Press();
     EXPECT_FALSE(Form().Visible());
+    EXPECT_EQ(saved, 0) << "there is no file yet";
+    bench.wb.state.CurrentProjectFile = "/a.poc";
     Form().Show();
     CloseWindowByTitle(bench.wb, "Project settings");
     EXPECT_FALSE(Form().Visible());
+    EXPECT_EQ(saved, 1);
     EXPECT_NE(bench.wb.forms.Find<frmSettings>(), nullptr);
 }
 

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <system_error>
+#include <tuple>
+#include <utility>
 
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
@@ -9,6 +11,7 @@
 #include "core/records/Sifrant.h"
 #include "core/run/Progress.h"
 #include "core/settings/frmSettings.h"
+#include "platform/os/Files.h"
 
 namespace mailvane {
 
@@ -37,24 +40,41 @@ void AnnounceProject(Workbench& wb, const std::string& path) {
 
 }  // namespace
 
-void SaveProject(Workbench& wb, const std::string& path) {
+bool SaveProject(Workbench& wb, const std::string& path) {
     if (path.size() < ShortestPath) {
         Tell(wb, "Invalid File Name.", BoxIcon::Critical);
-        return;
+        return false;
     }
+    const std::pair before(wb.state.ProjectName, wb.state.ProjectFolder);
     NameProject(wb.state, path);
     std::error_code ignored;
     std::filesystem::create_directory(wb.state.ProjectFolder, ignored);
     auto& settings = wb.forms.Get<frmSettings>();
-    settings.lbxRules.SetFile(RulesFile(wb.state));
     UpdateProgress(wb, static_cast<long>(settings.Controls().size()), 0,
                    "Saving '" + wb.state.ProjectName + "' project...");
     const std::string text = ReadControlValues(wb, settings);
-    if (!WriteFileText(path, Sifrant().Sifriraj(text, ProjectKey))) {
-        Tell(wb, "The project file '" + path + "' could not be written.", BoxIcon::Critical);
-        return;
+    std::string reason;
+    if (!WriteWholeFile(path, Sifrant().Sifriraj(text, ProjectKey), &reason,
+                        FileAccess::OwnerOnly)) {
+        std::tie(wb.state.ProjectName, wb.state.ProjectFolder) = before;
+        Tell(wb, "The project file '" + path + "' could not be written: " + reason + ".",
+             BoxIcon::Critical);
+        return false;
     }
+    settings.lbxRules.SetFile(RulesFile(wb.state));
     AnnounceProject(wb, path);
+    return true;
+}
+
+bool IsProjectFile(Workbench& wb, const std::string& path) {
+    const std::string text = Sifrant().DeSifriraj(ReadFileText(path), ProjectKey);
+    if (NamesControlOf(wb.forms.Get<frmSettings>(), text)) return true;
+    if (!wb.state.UnattendedRun)
+        Tell(wb,
+             "The file '" + path +
+                 "' is not a Mailvane project, or it is damaged. It stays as it is.",
+             BoxIcon::Critical);
+    return false;
 }
 
 void LoadProject(Workbench& wb, const std::string& path) {

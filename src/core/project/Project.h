@@ -14,14 +14,19 @@ inline constexpr const char* ProjectKey = "Velorina";
 std::string ReadControlValues(Workbench& wb, const Form& form);
 /// The inverse. A control missing from the text keeps its value, a text box becomes empty.
 void ApplyControlValues(Workbench& wb, Form& form, const std::string& text);
+/// The text holds an item of the name of one of the form's controls.
+bool NamesControlOf(const Form& form, const std::string& text);
 /// What kinds and names a document holds, and how one value is written and read. The documents of
 /// different forms differ in them a little.
 std::string ControlValueText(const Control& control);
 void SetControlValue(Control& control, const std::string& value);
 
-void SaveProject(Workbench& wb, const std::string& path);
+/// False when it was not saved, which has been told; the open project stays the open one then.
+bool SaveProject(Workbench& wb, const std::string& path);
 /// Reads the project into frmSettings.
 void LoadProject(Workbench& wb, const std::string& path);
+/// The file holds at least one value of the settings form; tells when it does not.
+bool IsProjectFile(Workbench& wb, const std::string& path);
 /// What "Open", a recent file and the command line do: makes `path` the current project, unloads
 /// every form but frmMain and loads frmSettings.
 void SwitchProject(Workbench& wb, const std::string& path);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <string_view>
 #include <unordered_map>
@@ -140,6 +141,13 @@ std::string ReadControlValues(Workbench& wb, const Form& form) {
         YieldBriefly(wb);
     }
     return text.append("\r\n");
+}
+
+bool NamesControlOf(const Form& form, const std::string& text) {
+    const auto values = ValuesIn(text);
+    return std::ranges::any_of(form.Controls(), [&](const Control* control) {
+        return HasSettingValue(*control) && values.contains(control->Name());
+    });
 }
 
 void ApplyControlValues(Workbench& wb, Form& form, const std::string& text) {

@@ -120,7 +120,7 @@ bool WriteLines(const std::string& file, const std::vector<std::string>& lines) 
     std::string text;
     for (const std::string& line : lines)
         text += line + "\r\n";
-    return WriteWholeFile(file, text);
+    return WriteWholeFile(file, text, nullptr, FileAccess::OwnerOnly);
 }
 
 /// Writes the file without the lines that `goes` chooses; false when it chooses none.
@@ -197,7 +197,8 @@ std::optional<RegistryValue> ReadRegistryValue(const std::string& file, const Re
 bool WriteRegistryValue(const std::string& file, const RegistryKey& key, const std::string& name,
                         const RegistryValue& value) {
     return MakeFolders(FolderFromPath(file, PathSeparator)) &&
-           WriteProfileValue(file, SectionOf(key), NameInFile(name), TextInFile(value));
+           WriteProfileValue(file, SectionOf(key), NameInFile(name), TextInFile(value),
+                             FileAccess::OwnerOnly);
 }
 
 std::vector<std::string> RegistryValueNames(const std::string& file, const RegistryKey& key) {

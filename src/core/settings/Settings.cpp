@@ -65,9 +65,9 @@ void SaveUserSetting(const Workbench& wb, const std::string& section, const std:
 }
 
 void IniWrite(const std::string& section, const std::string& key, const std::string& value,
-              const std::string& path) {
+              const std::string& path, FileAccess access) {
     WriteProfileValue(path, EscapeProfileName(section), EscapeProfileName(key),
-                      EscapeProfileValue(value));
+                      EscapeProfileValue(value), access);
 }
 
 std::string IniRead(const std::string& section, const std::string& key, const std::string& path) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/Workbench.h"
+#include "platform/os/Files.h"
 
 namespace mailvane {
 
@@ -16,7 +17,7 @@ void SaveUserSetting(const Workbench& wb, const std::string& section, const std:
 /// Private profile files; paths are absolute. IniRead gives "" when there is no value and at most
 /// 255 characters.
 void IniWrite(const std::string& section, const std::string& key, const std::string& value,
-              const std::string& path);
+              const std::string& path, FileAccess access = FileAccess::Usual);
 std::string IniRead(const std::string& section, const std::string& key, const std::string& path);
 
 /// Column widths and positions of a grid in a profile file. Loading from a missing file does

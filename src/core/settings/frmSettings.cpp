@@ -56,7 +56,7 @@ void frmSettings::WireFields() {
         CheckNumberField(txtDeleteUndeliverables, 1, 132, DefaultRetries);
     };
     cmdSigBrowse.onClick = [this] { BrowseSignature(); };
-    cmdOk.onClick = [this] { Hide(); };
+    cmdOk.onClick = [this] { Leave(); };
 }
 
 void frmSettings::WireDatabaseFields() {
@@ -191,7 +191,13 @@ void frmSettings::ShowPage(Page page, Control& control) {
 }
 
 void frmSettings::OnCloseBox() {
+    Leave();
+}
+
+/// What was set is kept: a project that has a file is saved.
+void frmSettings::Leave() {
     Hide();
+    if (wb_.state.ProjectOpen() && wb_.shell) wb_.shell->SaveButton().Press();
 }
 
 void frmSettings::SetTips() {

@@ -101,6 +101,7 @@ protected:
     void OnLoad() override;
 
 private:
+    void Leave();
     void FillChoices();
     void WireFields();
     void WireDatabaseFields();

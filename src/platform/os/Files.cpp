@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -43,6 +44,20 @@ int OpenFile(const std::string& path, int flags, mode_t mode = 0) {
         number = ::open(path.c_str(), flags | O_CLOEXEC, mode);
     } while (number < 0 && errno == EINTR);
     return number;
+}
+
+/// From where the file stands to its end; `sizeHint` spares room being made in steps.
+std::optional<std::string> ReadAll(int file, std::size_t sizeHint) {
+    std::string content;
+    content.reserve(sizeHint);
+    char buffer[65536];
+    for (;;) {
+        const ssize_t count = ::read(file, buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::nullopt;
+        if (count == 0) return content;
+        content.append(buffer, static_cast<std::size_t>(count));
+    }
 }
 
 bool WriteAll(int file, std::string_view content) {
@@ -92,13 +107,14 @@ void RemoveAbandonedFiles(const std::string& folder) {
 }
 
 /// A new file of a name that nobody has, in the folder; `name` receives it.
-int MakeTemporaryFile(const std::string& folder, std::string& name) {
+int MakeTemporaryFile(const std::string& folder, std::string& name, FileAccess access) {
     const std::string stem =
         folder + "/" + std::string(TemporaryStem) + std::to_string(::getpid()) + "-";
     constexpr int MostNames = 10000;
     for (int i = 0; i < MostNames; ++i) {
         name = stem + std::to_string(i) + std::string(TemporaryEnd);
-        const int file = OpenFile(name, O_WRONLY | O_CREAT | O_EXCL, 0666);
+        const mode_t mode = access == FileAccess::OwnerOnly ? 0600 : 0666;
+        const int file = OpenFile(name, O_WRONLY | O_CREAT | O_EXCL, mode);
         if (file >= 0 || errno != EEXIST) return file;
     }
     return -1;
@@ -124,7 +140,7 @@ bool FillAndFlush(FileHandle& file, std::string_view content, const struct stat*
 }
 
 /// Puts the content in place of `target`; `errno` says why not.
-bool Replace(const std::string& target, std::string_view content) {
+bool Replace(const std::string& target, std::string_view content, FileAccess access) {
     struct stat old {};
     const bool hasOld = ::stat(target.c_str(), &old) == 0;
     if (hasOld && !S_ISREG(old.st_mode)) {
@@ -134,7 +150,7 @@ bool Replace(const std::string& target, std::string_view content) {
     const std::string folder = FolderOf(target);
     RemoveAbandonedFiles(folder);
     std::string temporary;
-    FileHandle file(MakeTemporaryFile(folder, temporary));
+    FileHandle file(MakeTemporaryFile(folder, temporary, access));
     if (!file.IsOpen()) return false;
     if (!FillAndFlush(file, content, hasOld ? &old : nullptr) ||
         ::rename(temporary.c_str(), target.c_str()) != 0) {
@@ -150,25 +166,27 @@ bool Replace(const std::string& target, std::string_view content) {
 }  // namespace
 
 std::optional<std::string> ReadWholeFile(const std::string& path) {
-    const FileHandle file(OpenFile(path, O_RDONLY));
+    const FileHandle file(OpenFile(path, O_RDONLY | O_NONBLOCK));
     struct stat status {};
-    if (!file.IsOpen() || ::fstat(file.Number(), &status) != 0) return std::nullopt;
-    std::string content;
-    if (status.st_size > 0) content.reserve(static_cast<std::size_t>(status.st_size));
-    char buffer[65536];
-    for (;;) {
-        const ssize_t count = ::read(file.Number(), buffer, sizeof buffer);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return std::nullopt;
-        if (count == 0) return content;
-        content.append(buffer, static_cast<std::size_t>(count));
-    }
+    if (!file.IsOpen() || ::fstat(file.Number(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return ReadAll(file.Number(), static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)));
 }
 
-bool WriteWholeFile(const std::string& path, std::string_view content, std::string* reason) {
-    if (Replace(LinkTarget(path), content)) return true;
+std::optional<std::string> ReadToEnd(const std::string& path) {
+    const FileHandle file(OpenFile(path, O_RDONLY));
+    return file.IsOpen() ? ReadAll(file.Number(), 0) : std::nullopt;
+}
+
+bool WriteWholeFile(const std::string& path, std::string_view content, std::string* reason,
+                    FileAccess access) {
+    if (Replace(LinkTarget(path), content, access)) return true;
     if (reason) *reason = std::strerror(errno);
     return false;
+}
+
+bool MakePrivate(const std::string& path) {
+    return ::chmod(path.c_str(), S_IRUSR | S_IWUSR) == 0;
 }
 
 bool IsFile(const std::string& path) {

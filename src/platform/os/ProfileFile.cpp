@@ -137,7 +137,7 @@ std::optional<std::string> ReadProfileValue(const std::string& path, const std::
 }
 
 bool WriteProfileValue(const std::string& path, const std::string& section, const std::string& key,
-                       const std::string& value) {
+                       const std::string& value, FileAccess access) {
     const std::string sectionName = Name(section);
     const std::string keyName = Name(key);
     if (sectionName.find('=') != std::string::npos || keyName.empty() || keyName.front() == ';')
@@ -155,7 +155,7 @@ bool WriteProfileValue(const std::string& path, const std::string& section, cons
     } else {
         text = WithLineEnd(std::move(text)) + "[" + sectionName + "]\r\n" + line + "\r\n";
     }
-    return (old && text == *old) || WriteWholeFile(path, text);
+    return (old && text == *old) || WriteWholeFile(path, text, nullptr, access);
 }
 
 std::vector<std::string> ProfileKeys(const std::string& path, const std::string& section) {

@@ -176,7 +176,7 @@ ScriptRunner::~ScriptRunner() = default;
 
 void ScriptRunner::Start(const std::string& path) {
     state_->path = path;
-    const auto text = ReadWholeFile(path);
+    const auto text = ReadToEnd(path);
     if (!text) {
         state_->End(ScriptWrong, 0, "the script cannot be read");
         return;

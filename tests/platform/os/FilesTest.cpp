@@ -68,6 +68,8 @@ TEST_F(Files, QuestionsAboutPaths) {
     EXPECT_TRUE(IsFolder(folder.Path()) && !IsFile(folder.Path()) && FileSize(folder.Path()) == -1);
     EXPECT_TRUE(!IsFile("") && !IsFolder("") && FileSize("") == -1 && !ReadWholeFile(""));
     EXPECT_EQ(ReadWholeFile(folder.Path()), std::nullopt);
+    ASSERT_EQ(::mkfifo(folder.File("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(ReadWholeFile(folder.File("pipe")), std::nullopt) << "and nobody waits for a writer";
     EXPECT_TRUE(MakeFolders(folder.File("x/y/z")));
     EXPECT_TRUE(MakeFolders(folder.File("x/y/z")));
     EXPECT_FALSE(MakeFolders(file + "/below"));
