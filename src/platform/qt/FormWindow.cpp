@@ -9,6 +9,8 @@
 #include <QScreen>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <QWindow>
+#include <algorithm>
 
 #include "platform/qt/FormDesign.h"
 #include "platform/qt/QtText.h"
@@ -39,6 +41,15 @@ bool IsOnAScreen(const QPoint& corner) {
     return QGuiApplication::screenAt(corner) != nullptr;
 }
 
+/// Cut only when the room is smaller.
+QRect MovedInside(QRect rect, const QRect& room) {
+    rect.setSize(rect.size().boundedTo(room.size()));
+    rect.moveRight(std::min(rect.right(), room.right()));
+    rect.moveBottom(std::min(rect.bottom(), room.bottom()));
+    rect.moveTopLeft({std::max(rect.left(), room.left()), std::max(rect.top(), room.top())});
+    return rect;
+}
+
 /// Turns every tab page that `widget` lies on to the front.
 void BringPagesForward(QWidget* widget) {
     for (QWidget* page = widget; page->parentWidget(); page = page->parentWidget()) {
@@ -63,13 +74,13 @@ FormWindow::FormWindow(Form& form) : form_(&form) {}
 
 FormWindow::~FormWindow() {
     if (form_ && frame_) Detach();
-    delete frame_;
 }
 
 bool FormWindow::MakeFrame(MainWindow* main, bool modal) {
     if (form_->Style() == FormStyle::Main) {
         main_ = new MainWindow(*form_);
-        frame_ = content_ = main_;
+        frame_.reset(main_);
+        content_ = main_;
         return true;
     }
     // Without a parent: inside one, the design's root would lose the margins of its layout.
@@ -79,7 +90,7 @@ bool FormWindow::MakeFrame(MainWindow* main, bool modal) {
     if (inside_) {
         MakeChild(main->Area());
     } else {
-        MakeDialog(main && main->isVisible() ? main : nullptr);
+        MakeDialog();
     }
     return true;
 }
@@ -88,7 +99,7 @@ bool FormWindow::MakeFrame(MainWindow* main, bool modal) {
 void FormWindow::MakeChild(QMdiArea& area) {
     const QSize size = content_->size();
     auto* child = new QMdiSubWindow;
-    frame_ = child;
+    frame_.reset(child);
     child->setAttribute(Qt::WA_DeleteOnClose, false);
     child->setWidget(content_);
     const int step = static_cast<int>(area.subWindowList().size()) % CascadeLength * CascadeStep;
@@ -100,10 +111,10 @@ void FormWindow::MakeChild(QMdiArea& area) {
     child->hide();
 }
 
-void FormWindow::MakeDialog(QWidget* parent) {
+void FormWindow::MakeDialog() {
     const QSize size = content_->size();
-    frame_ = new QDialog(parent, FlagsOf(form_->Style()));
-    auto* layout = new QVBoxLayout(frame_);
+    frame_ = std::make_unique<QDialog>(nullptr, FlagsOf(form_->Style()));
+    auto* layout = new QVBoxLayout(frame_.get());
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content_);
     frame_->resize(size);
@@ -140,12 +151,25 @@ QWidget* FormWindow::WidgetOf(const Control& control) const {
     return content_->findChild<QWidget*>(ToQt(control.Name()));
 }
 
-void FormWindow::Show() {
+void FormWindow::Show(const QWidget* opener) {
+    if (opener && !main_ && !inside_) StandBefore(*opener);
     Follow();
     frame_->show();
     FollowState();
     BringToFront();
     ReportPlace();
+}
+
+/// Keyboard and stacking go back to the opener; a modal one does not block what it opened. As its
+/// parent it would destroy this window with itself.
+void FormWindow::StandBefore(const QWidget& opener) {
+    frame_->winId();  // makes the handle
+    QWindow* own = frame_->windowHandle();
+    if (own->isAncestorOf(opener.windowHandle(), QWindow::IncludeTransients)) return;
+    own->setTransientParent(opener.windowHandle());
+    if (IsPlaced()) return;
+    const QRect wanted(opener.frameGeometry().center() - frame_->rect().center(), frame_->size());
+    frame_->move(MovedInside(wanted, opener.screen()->availableGeometry()).topLeft());
 }
 
 void FormWindow::Hide() {
@@ -155,7 +179,7 @@ void FormWindow::Hide() {
 void FormWindow::BringToFront() {
     if (frame_->isMinimized()) frame_->showNormal();
     if (inside_) {
-        auto* child = static_cast<QMdiSubWindow*>(frame_);
+        auto* child = static_cast<QMdiSubWindow*>(frame_.get());
         if (child->mdiArea()) child->mdiArea()->setActiveSubWindow(child);
         return;
     }
@@ -181,10 +205,28 @@ void FormWindow::FollowPlace() {
     const QSize size(rect.width > 0 ? ToPixels(rect.width) : frame_->width(),
                      rect.height > 0 ? ToPixels(rect.height) : frame_->height());
     if (ShownState() == WindowState::Normal) {
-        frame_->resize(size);
-        if (IsPlaced()) frame_->move(ToPixels(rect.left), ToPixels(rect.top));
+        const QSize border = frame_->frameGeometry().size() - frame_->size();
+        QRect place(frame_->pos(), size + border);
+        if (IsPlaced()) {
+            place.moveTo(ToPixels(rect.left), ToPixels(rect.top));
+            if (!frame_->isVisible()) place = MovedInside(place, Room());
+            frame_->move(place.topLeft());
+        }
+        frame_->resize(place.size() - border);
     }
     following_ = false;
+}
+
+/// Where a window that was stored on a larger screen, or in a larger main window, comes back.
+QRect FormWindow::Room() const {
+    if (!inside_) {
+        const FormRect& rect = form_->Rect();
+        const QPoint corner(ToPixels(rect.left), ToPixels(rect.top));
+        return QGuiApplication::screenAt(corner)->availableGeometry();
+    }
+    const QWidget* area = frame_->parentWidget();
+    // An area that has not been shown has no size yet, but scrolls to what lies right and below.
+    return area && area->isVisible() ? area->rect() : QRect(0, 0, QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
 }
 
 void FormWindow::FollowState() {
@@ -246,14 +288,14 @@ void FormWindow::Detach() {
     frame_->removeEventFilter(this);
     frame_->hide();
     if (inside_) {
-        auto* child = static_cast<QMdiSubWindow*>(frame_);
+        auto* child = static_cast<QMdiSubWindow*>(frame_.get());
         if (child->mdiArea()) child->mdiArea()->removeSubWindow(child);
         child->hide();
     }
 }
 
 bool FormWindow::eventFilter(QObject* watched, QEvent* event) {
-    if (watched != frame_ || !form_) return false;
+    if (watched != frame_.get() || !form_) return false;
     switch (event->type()) {
         case QEvent::Close:
             event->ignore();

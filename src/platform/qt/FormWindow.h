@@ -13,12 +13,12 @@ namespace mailvane {
 /// The window of one form, with everything that ties the two. Made without being shown.
 class FormWindow final : public QObject {
 public:
-    /// Where it stands: the main window and inside it or above it, or on its own (null).
-    /// A modal form is never inside.
+    /// A child form stands inside the main window when there is one; a modal form never does.
     static std::unique_ptr<FormWindow> Make(Form& form, MainWindow* main, bool modal);
     ~FormWindow() override;
 
-    void Show();
+    /// `opener` (may be null) is the window in front of which a dialog stands from now on.
+    void Show(const QWidget* opener);
     void Hide();
     void BringToFront();
     void Follow();  ///< caption, place and state of the form
@@ -41,19 +41,22 @@ private:
     explicit FormWindow(Form& form);
     bool MakeFrame(MainWindow* main, bool modal);
     void MakeChild(QMdiArea& area);
-    void MakeDialog(QWidget* parent);
+    void MakeDialog();
     void TieControls();
     void TieBar(ActiveBar& bar);
     void FollowPlace();
     void FollowState();
     bool IsPlaced() const;
+    QRect Room() const;
+    void StandBefore(const QWidget& opener);
     QWidget* WidgetOf(const Control& control) const;
     void ReportPlace();
     WindowState ShownState() const;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     Form* form_;
-    QWidget* frame_ = nullptr;
+    /// No other window owns it, whatever it stands in or in front of.
+    std::unique_ptr<QWidget> frame_;
     QWidget* content_ = nullptr;
     MainWindow* main_ = nullptr;  ///< the frame, when this is the main form's
     bool inside_ = false;         ///< a child of the main window's area

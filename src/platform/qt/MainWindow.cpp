@@ -37,6 +37,12 @@ MainWindow::MainWindow(Form& form) : area_(new QMdiArea(this)) {
     }
 }
 
+/// The child windows belong to their forms.
+MainWindow::~MainWindow() {
+    for (QMdiSubWindow* child : area_->subWindowList())
+        area_->removeSubWindow(child);
+}
+
 void MainWindow::Detach() {
     progressBinding_.reset();
     statusSubscription_.End();

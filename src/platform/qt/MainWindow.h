@@ -20,6 +20,7 @@ namespace mailvane {
 class MainWindow final : public QMainWindow {
 public:
     explicit MainWindow(Form& form);
+    ~MainWindow() override;
 
     QMdiArea& Area() const { return *area_; }
     void Arrange(Arrangement arrangement);

@@ -95,7 +95,7 @@ struct QtWindows::Desktop {
     void ChildActivated(const QMdiSubWindow* child);
     BarBinding* MainBar() const;
     void Handle(QEventLoop::ProcessEventsFlags flags);
-    QWidget* PromptParent() const;
+    QWidget* Opener(const Form* form = nullptr) const;
 
     QApplication application;
     DesktopWatch watch;
@@ -157,9 +157,19 @@ void QtWindows::Desktop::Handle(QEventLoop::ProcessEventsFlags flags) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-QWidget* QtWindows::Desktop::PromptParent() const {
-    QWidget* active = QApplication::activeWindow();
-    return active ? active : Main();
+/// The window to which a prompt, or the dialog of the form, belongs: the one that the user is in;
+/// null when nothing is on the screen.
+QWidget* QtWindows::Desktop::Opener(const Form* form) const {
+    const FormWindow* own = form ? Find(*form) : nullptr;
+    const auto fits = [&](const QWidget* window) {
+        return window && window->isVisible() && !(own && window == &own->Frame());
+    };
+    for (auto modal = modals.rbegin(); modal != modals.rend(); ++modal)
+        if (const FormWindow* window = Find(**modal); window && fits(&window->Frame()))
+            return &window->Frame();
+    for (QWidget* window : {QApplication::activeWindow(), static_cast<QWidget*>(Main())})
+        if (fits(window)) return window;
+    return nullptr;
 }
 
 QtWindows::QtWindows(int& argumentCount, char** arguments, Clock& clock)
@@ -179,7 +189,7 @@ QtWindows::~QtWindows() = default;
 
 void QtWindows::ShowForm(Form& form) {
     const Counting placing(desktop_->placing);
-    if (FormWindow* window = desktop_->Ensure(form, false)) window->Show();
+    if (FormWindow* window = desktop_->Ensure(form, false)) window->Show(desktop_->Opener(&form));
 }
 
 void QtWindows::HideForm(Form& form) {
@@ -248,7 +258,7 @@ void QtWindows::PopupMenu(Form& form, const std::string& band) {
 PrintOutcome QtWindows::PrintTable(const PrintJob& job) {
     PrintDesk desk;
     desk.loop = [this](QDialog& dialog) { RunDialog(dialog); };
-    desk.parent = desktop_->PromptParent();
+    desk.parent = desktop_->Opener();
     desk.askPdfFile = [this] {
         FileRequest request;
         request.save = true;
@@ -278,18 +288,17 @@ void QtWindows::EndModal() {
 }
 
 BoxAnswer QtWindows::AskMessageBox(const BoxRequest& request) {
-    return AskMessageBoxWith([this](QDialog& dialog) { RunDialog(dialog); },
-                             desktop_->PromptParent(), request);
+    return AskMessageBoxWith([this](QDialog& dialog) { RunDialog(dialog); }, desktop_->Opener(),
+                             request);
 }
 
 std::optional<std::string> QtWindows::AskInput(const InputRequest& request) {
-    return AskInputWith([this](QDialog& dialog) { RunDialog(dialog); }, desktop_->PromptParent(),
+    return AskInputWith([this](QDialog& dialog) { RunDialog(dialog); }, desktop_->Opener(),
                         request);
 }
 
 std::optional<std::string> QtWindows::AskFile(const FileRequest& request) {
-    return AskFileWith([this](QDialog& dialog) { RunDialog(dialog); }, desktop_->PromptParent(),
-                       request);
+    return AskFileWith([this](QDialog& dialog) { RunDialog(dialog); }, desktop_->Opener(), request);
 }
 
 /// The program goes on behind the dialog, but is not idle: the code that asks has not ended.

@@ -11,9 +11,11 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QWindow>
 
 #include "platform/qt/QtTest.h"
 #include "platform/qt/check/Screenshots.h"
@@ -62,6 +64,12 @@ class frmOther final : public Form {
 public:
     explicit frmOther(WindowSystem& windows)
         : Form(windows, "frmOther", "Other", FormStyle::Child) {}
+};
+
+/// The same as a dialog.
+class frmAbove final : public Form {
+public:
+    explicit frmAbove(WindowSystem& windows) : Form(windows, "frmOther", "Above") {}
 };
 
 class frmNowhere final : public Form {
@@ -150,7 +158,7 @@ TEST_F(WindowsTest, ControlBoxAndEscapeLeaveTheDecisionToTheForm) {
 
 TEST_F(WindowsTest, PlaceInTwipsBothWays) {
     auto& form = Load<frmEvery>();
-    form.SetRect({.left = 1500, .top = 750, .width = 9000, .height = 12000});
+    form.SetRect({.left = 1500, .top = 750, .width = 9000, .height = 9000});
     form.Show();
     QWidget& window = *windows.WindowOf(form)->window();
     EXPECT_EQ(window.pos(), QPoint(100, 50));
@@ -166,6 +174,44 @@ TEST_F(WindowsTest, PlaceInTwipsBothWays) {
     window.showNormal();
     Pump();
     EXPECT_EQ(form.State(), WindowState::Normal);
+    auto& small = Load<frmAbove>();
+    small.SetRect({.left = 9000, .top = 9000, .width = 6000, .height = 6000});  // a larger screen's
+    small.Show();
+    const QWidget& shown = *windows.WindowOf(small)->window();
+    EXPECT_TRUE(shown.screen()->availableGeometry().contains(shown.geometry()));
+}
+
+TEST_F(WindowsTest, DialogsStandBeforeTheWindowThatOpenedThem) {
+    const auto opener = [&](Form& form) -> Form* {
+        const QWindow* before = windows.WindowOf(form)->window()->windowHandle()->transientParent();
+        for (Form* other : forms.All())
+            if (before && windows.WindowOf(*other)->window()->windowHandle() == before)
+                return other;
+        return nullptr;
+    };
+    auto& main = Load<frmShell>();
+    main.Show();
+    auto& modal = Load<frmEvery>();
+    auto& status = Load<frmAbove>();
+    Soon([&] {
+        status.Show();
+        EXPECT_EQ(opener(modal), &main);
+        EXPECT_EQ(opener(status), &modal);  // or the modal one would block its Cancel
+        modal.Hide();
+    });
+    modal.ShowModal();
+    windows.WindowOf(status)->window()->activateWindow();
+    modal.Show();
+    EXPECT_EQ(opener(modal), &main);  // two before each other would be a ring
+    // None goes with the one that it stands in or before.
+    auto& child = Load<frmOther>();
+    child.Show();
+    EXPECT_TRUE(main.Unload());
+    windows.HandleIdle();
+    Pump();
+    child.SetRect({.left = 0, .top = 0, .width = 3000, .height = 3000});
+    EXPECT_TRUE(windows.WindowOf(modal)->isVisible());
+    EXPECT_TRUE(windows.WindowOf(status)->isVisible());
 }
 
 TEST_F(WindowsTest, ChildrenInsideTheMainWindow) {
@@ -184,9 +230,11 @@ TEST_F(WindowsTest, ChildrenInsideTheMainWindow) {
     windows.ArrangeChildren(Arrangement::TileVertically);
     EXPECT_EQ(child.activations, 1);
     auto& other = Load<frmOther>();
+    other.SetRect({.left = -900, .top = 30000, .width = 3000, .height = 3000});
     other.Show();
     Pump();
-    EXPECT_EQ(area.subWindowList().size(), 2);
+    ASSERT_EQ(area.subWindowList().size(), 2);
+    EXPECT_TRUE(area.viewport()->rect().contains(area.subWindowList().last()->geometry()));
     area.setActiveSubWindow(window);  // as a click on it
     EXPECT_EQ(child.activations, 2);
     EXPECT_TRUE(other.Unload());
