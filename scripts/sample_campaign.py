@@ -55,11 +55,12 @@ def prepare(folder: pathlib.Path) -> None:
     shutil.copy(EXAMPLES / "recipients.csv", folder)
 
 
-def play(program: pathlib.Path, script: str, folder: pathlib.Path, port: int, *arguments: str):
+def play(program: pathlib.Path, script: str, folder: pathlib.Path, port: int, *arguments: str,
+         ending: str = ""):
     """Starts the program on a script of examples/, with the server's port in it."""
     text = (EXAMPLES / script).read_text(encoding="utf-8").replace(SCRIPT_PORT, str(port))
-    (folder / script).write_text(text, encoding="utf-8")
-    command = [str(program), "--headless", "--home", ".", "--script", script, *arguments]
+    (folder / script).write_text(text + ending, encoding="utf-8")
+    command = [str(program), "--home", ".", "--script", script, *arguments]
     return subprocess.Popen(command, cwd=folder)
 
 
@@ -88,7 +89,8 @@ def main() -> int:
     prepare(folder)
     with MailServer(folder / "received") as server:
         print("The sample campaign: 200 recipients, one message each, sent to this machine only.")
-        process = play(arguments.program.resolve(), "campaign.script", folder, server.port)
+        process = play(arguments.program.resolve(), "campaign.script", folder, server.port,
+                       "--headless")
         show_progress(process, server)
         accepted = server.count()
     failed = rows(folder, "Outbox")

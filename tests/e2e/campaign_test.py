@@ -12,7 +12,9 @@ import unittest
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
 import sample_campaign as sample  # noqa: E402
 
-PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve()
+import program  # noqa: E402
+
+PROGRAM = program.program_from_arguments()
 
 
 def received(folder: pathlib.Path) -> list[email.message.EmailMessage]:
@@ -35,7 +37,8 @@ class Campaigns(unittest.TestCase):
         sample.prepare(self.folder)
 
     def play(self, server, script, *arguments):
-        process = sample.play(PROGRAM, script, self.folder, server.port, *arguments)
+        process = sample.play(PROGRAM, script, self.folder, server.port, *program.MANNER,
+                              *arguments, ending=program.ENDING)
         self.assertEqual(process.wait(timeout=240), 0)
 
     def check_message(self, message, row):

@@ -2,7 +2,6 @@
 """What a user does with a list, from its file to paper, as one script in the real windows."""
 
 import sqlite3
-import subprocess
 import unittest
 
 import program
@@ -59,12 +58,7 @@ class Lists(ProgramTest):
     def test_from_file_to_paper(self):
         folder = self.home.folder
         (folder / "people.csv").write_text(PEOPLE, encoding="utf-8")
-        (folder / "story.script").write_text(STORY, encoding="utf-8")
-        done = subprocess.run(
-            [self.program, "--home", ".", "--script", "story.script"], cwd=folder,
-            env={"QT_QPA_PLATFORM": "offscreen", "PATH": "/usr/bin", "HOME": str(folder)},
-            capture_output=True, text=True, timeout=program.WAIT)
-        self.assertEqual(done.returncode, 0, done.stderr)
+        self.good(self.home.play(STORY))
         with sqlite3.connect(folder / "people.db") as database:
             rows = database.execute('SELECT * FROM "people" ORDER BY Email').fetchall()
             self.assertEqual([row[:4] for row in rows], [
