@@ -26,15 +26,12 @@ class CountingServer:
         self.extensions: tuple[str, ...] = ()
         self.delay = delay
         self.refusal = ""
-        self.stop_watching()
+        self.before_answer = lambda event, number: None
         self.counts: collections.Counter[str] = collections.Counter()
         self.sessions: list[Session] = []
         self.open_sessions = 0
         self.changed = threading.Condition()
         self.random = random.Random(7)
-
-    def stop_watching(self) -> None:
-        self.before_answer = lambda event, number: None
 
     def __enter__(self) -> "CountingServer":
         self.listener = socket.create_server(("127.0.0.1", 0))
@@ -103,46 +100,39 @@ class Conversation:
 
     def obey(self, line: str) -> bool:
         """False when the session is over."""
-        verb = line.split(" ")[0].upper()
+        verb, answer = line.split(" ")[0].upper(), "250 ok"
         if verb == "EHLO":
             names = ["counting server", *self.server.extensions]
-            for i, name in enumerate(names):
-                self.say(f"250{' ' if i + 1 == len(names) else '-'}{name}")
+            self.connection.sendall("".join(f"250-{name}\r\n" for name in names[:-1]).encode())
+            answer = f"250 {names[-1]}"
         elif verb == "MAIL":
             self.recipients = []
-            self.say("250 ok")
         elif verb == "RCPT":
             self.recipients.append(line[line.index("<") + 1 : line.index(">")])
-            self.say("250 ok")
         elif verb == "DATA":
             self.say("354 go on")
             while (piece := self.stream.readline()) != b".\r\n":
                 if not piece.endswith(b"\n"):
                     return False
-            self.end_message()
+            answer = self.end_message()
         elif verb == "BDAT":
             size = int(line.split(" ")[1])
             if len(self.stream.read(size)) < size:
                 return False
             if line.upper().endswith(" LAST"):
-                self.end_message()
-            else:
-                self.say("250 ok")
+                answer = self.end_message()
         elif verb == "QUIT":
             self.server.before_answer("quit", 0)
-            self.say("221 bye")
-            return False
-        else:
-            self.say("250 ok")
-        return True
+            answer = "221 bye"
+        self.say(answer)
+        return verb != "QUIT"
 
-    def end_message(self) -> None:
+    def end_message(self) -> str:
         before = self.server.random.random()
         time.sleep(self.server.delay * before)
         if self.server.refusal:
-            self.say(self.server.refusal)
-            return
+            return self.server.refusal
         self.server.accept(self.session, self.recipients)
         self.server.before_answer("message", len(self.session.accepted))
         time.sleep(self.server.delay * (1 - before))
-        self.say("250 accepted")
+        return "250 accepted"

@@ -182,7 +182,6 @@ class KilledMerging(Kills):
         elif 0 < count < self.ROWS or told:
             self.assertEqual(told, text)
 
-
     def check_whole_run(self, home: program.Home) -> None:
         """A run that comes to its end is no longer told of."""
         self.good(home.play(program.MERGE, "p.poc"))

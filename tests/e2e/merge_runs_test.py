@@ -49,19 +49,6 @@ press frmMerge.cmdStart
 press frmMSGOutbox.cmdStart
 """
 
-# A watched run yields behind every row: Cancel comes with the third, and the fourth is the last.
-CANCEL = """
-when frmStatus.lblCaption1 contains "Generating message 3 of" press frmStatus.cmdCancel
-answer {answer} "Do you want to delete all generated messages"
-tool frmViewMerge "Send Message"
-set frmMerge.chkCreate 1
-{options}
-press frmMerge.cmdStart
-expect-closed frmMerge
-expect-closed frmStatus
-"""
-CANCELLED_AT = 4
-
 SEND_ALL = 'answers default\ncommand "Send All"\n'
 
 
@@ -86,11 +73,6 @@ def dates(first: str, last: str) -> str:
 
 def most(number: int) -> str:
     return f"set frmMerge.chkMax 1\nset frmMerge.txtMax {number}\n"
-
-
-def bulk(packet: int) -> str:
-    return (f"set frmMerge.optBulk 1\nset frmMerge.txtPacket {packet}\n"
-            "set frmMerge.txtTo friends@example.com\n")
 
 
 def body_of(row: Row) -> str:
@@ -184,25 +166,8 @@ class MergeRuns(program.ProgramTest):
                         f"[Nobody]. {row.Email}</p>")
                 self.assertEqual(text_of(message), f"---\n{body_of(row)}\n<br><br>\n{page}")
 
-    def test_the_preview_shows_what_is_sent(self):
-        pages = {name: b"<p>[Name]</p>" for name in ("plain", "long")}
-        choose = self.write_files("html", pages) + "tool frmViewMerge HTML\n"
-        look = "print frmMergePreview.txtSource\npress frmMergePreview.cmdNext\n" * len(ROWS)
-        look = look.removesuffix("press frmMergePreview.cmdNext\n") + "close frmMergePreview\n"
-        shown = self.play(choose + "tool frmViewMerge Preview\n" + look + run_now())
-        self.assertEqual(len(shown), len(ROWS))
-        for source, (_, message) in zip(shown, self.taken()):
-            lines = source.replace("\\n", "\n")
-            preview = email.message_from_bytes(lines.encode("utf-8"), policy=email.policy.default)
-            del preview["Message-ID"], preview["Date"], message["Message-ID"], message["Date"]
-            for header, value in preview.items():
-                self.assertEqual(message[header], value)
-            self.assertEqual(text_of(preview), text_of(message))
-
     def test_narrowed_runs_and_their_mailing_tables(self):
         runs = [
-            ("all", "", ROWS),
-            ("rows", rows_from(3, 5), ROWS[2:5]),
             ("rows of a maximum", most(4) + rows_from(3, 4), ROWS[2:4]),
             ("dates, both ends with them", dates("2/1/2024", "3/1/2024"),
              [ROWS[i] for i in (1, 3, 4, 5, 6)]),
@@ -217,54 +182,6 @@ class MergeRuns(program.ProgramTest):
                 self.check_mailing_tables([rows])
         self.play(SEND_ALL)
         self.check_received([row for *_, rows in runs for row in rows])
-
-    def test_bulk_runs(self):
-        """Each message has the packets before it too; what is no full packet gets nothing, unless
-        it is the whole table; the addresses at the border of two packets run together."""
-        everybody = [row.Email for row in ROWS]
-        runs = [
-            (bulk(19), [everybody]),
-            (bulk(8), [everybody]),
-            (bulk(3), [everybody[:3], everybody[:2] + everybody[4:6]]),
-            (bulk(4) + rows_from(2, 4), []),
-            (bulk(4) + most(3), [everybody[:3]]),
-        ]
-        self.play("".join(run(options) for options, _ in runs) + SEND_ALL)
-        found = [(recipients, message["To"], message["Subject"], text_of(message))
-                 for recipients, message in self.taken()]
-        self.assertEqual(found, [
-            (["friends@example.com", *packet], "friends@example.com", "News for", "Dear ,\nsince .")
-            for _, packets in runs for packet in packets])
-
-    def test_cancelled_runs(self):
-        runs = [
-            ("kept", "no", "", ROWS[:CANCELLED_AT], []),
-            ("deleted", "yes", "", [], []),
-            ("bulk", "no", bulk(99), [], [ROWS]),
-        ]
-        for kind, answer, options, kept, tables in runs:
-            with self.subTest(kind):
-                cancel = CANCEL.replace("{answer}", answer).replace("{options}", options)
-                self.play(run(rows_from(8, 8)) + cancel)
-                self.assertEqual(self.taken(), [])
-                self.check_mailing_tables(tables)
-                # The message of the run before is kept, or deleted, with those of this one.
-                waiting = [ROWS[7]] * (answer == "no") + kept
-                self.assertEqual(self.store().rows("Outbox"), [row.Email for row in waiting])
-                self.play(SEND_ALL)
-                self.check_received(waiting)
-                self.assertEqual(self.store().rows("Outbox"), [])
-        self.play(run_now(rows_from(CANCELLED_AT + 1, 8)))
-        self.check_received(ROWS[CANCELLED_AT:])
-
-    def test_a_test_message_has_the_values_of_its_row(self):
-        self.play("row frmViewMerge.Grid1 2\nanswer ok\ninput me@example.com\n"
-                  "tool frmViewMerge Test\n")
-        (recipients, message), = self.taken()
-        self.assertEqual((recipients, message["To"]), (["me@example.com"], "me@example.com"))
-        self.assertEqual((message["Subject"], text_of(message)),
-                         (f"News for {ROWS[1].Name}", body_of(ROWS[1])))
-        self.assertEqual(self.store().rows("Outbox"), [])
 
 
 if __name__ == "__main__":

@@ -1,7 +1,6 @@
 #!/usr/bin/python3
 """SMTP logon on secured connections, to real mail servers that want it."""
 
-import contextlib
 import unittest
 
 import program
@@ -30,25 +29,17 @@ command "Send All"
 class SmtpLogon(program.ProgramTest):
     def setUp(self):
         super().setUp()
-        self.servers = contextlib.ExitStack()
-        self.addCleanup(self.servers.close)
         self.authority = Authority(self.scratch / "authority")
         self.make_campaign(MESSAGES, script=program.MERGE.split("Open\n")[1])
-        self.trust(self.authority)
+        with open(self.home.folder / "registry.ini", "a", encoding="utf-8") as file:
+            file.write(f"\n[MailServer]\nCertificateAuthorities={self.authority.certificate}\n")
 
-    def trust(self, authority: Authority) -> None:
-        self.registry = self.home.folder / "registry.ini"
-        with open(self.registry, "a", encoding="utf-8") as file:
-            file.write(f"\n[MailServer]\nCertificateAuthorities={authority.certificate}\n")
-
-    def serve(self, security: str, names: str = "DNS:localhost,IP:127.0.0.1",
-              authority: Authority | None = None) -> MailServer:
-        tls = (authority or self.authority).server_tls(names)
+    def serve(self, security: str) -> MailServer:
+        tls = self.authority.server_tls("DNS:localhost,IP:127.0.0.1")
+        options = {"tls_context": tls}
         if security == "TLS from the start":
             options = {"ssl_context": tls, "auth_require_tls": False}
-        else:
-            options = {"tls_context": tls}
-        return self.servers.enter_context(MailServer(password=PASSWORD, **options))
+        return self.enterContext(MailServer(password=PASSWORD, **options))
 
     def send(self, server: MailServer, security: str, password: str = PASSWORD) -> list[str]:
         """The errors of the messages, after a run with that password."""
@@ -86,20 +77,6 @@ class SmtpLogon(program.ProgramTest):
         for path in self.home.folder.rglob("*"):
             if path.is_file() and path.name != "t.script":
                 self.assertNotIn(PASSWORD.split()[-1].encode(), path.read_bytes(), path)
-
-    def test_bad_certificates(self):
-        """The password is not told to a server that is not the right one."""
-        unknown = Authority(self.scratch / "unknown authority")
-        for security in ("STARTTLS required", "TLS from the start", "Automatic"):
-            servers = {"wrong name": self.serve(security, "DNS:mail.test,IP:127.0.0.9"),
-                       "unknown authority": self.serve(security, authority=unknown)}
-            for case, server in servers.items():
-                with self.subTest(case, security=security):
-                    errors = self.send(server, security)
-                    self.assertEqual(len(errors), MESSAGES)
-                    for error in errors:
-                        self.assertIn("certificate", error)
-                    self.assertEqual((server.passwords, server.taken), ([], []))
 
 
 if __name__ == "__main__":
