@@ -2,23 +2,13 @@
 // Whatever a file holds, reading it is harmless, and what the program writes it reads back.
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "core/project/Project.h"
 #include "core/records/Sifrant.h"
 #include "core/settings/ProfileText.h"
 #include "core/settings/RegistryStore.h"
 #include "fuzz/Require.h"
-#include "platform/forms/HeadlessWindows.h"
-#include "platform/os/Files.h"
-#include "support/ManualClock.h"
-#include "support/RecordingProcesses.h"
-#include "support/TempFolder.h"
+#include "support/TestBench.h"
 
 namespace mailvane::fuzz {
 namespace {
@@ -40,16 +30,6 @@ public:
     ComboBox cmbServer{*this, "cmbServer"};
     ComboBox cmbTyped{*this, "cmbTyped", ComboBox::Style::Editable};
     TextBox txtPacket{*this, "txtPacket", "19"};
-};
-
-struct Bench {
-    test::TempFolder folder;
-    test::ManualClock clock;
-    HeadlessWindows windows{clock};
-    test::RecordingProcesses processes;
-    Platform platform{windows,       clock,         processes,
-                      folder.Path(), folder.Path(), folder.File("registry.ini")};
-    Workbench wb{platform};
 };
 
 void TryScrambling(const std::string& text) {
@@ -161,7 +141,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace mailvane;
     using namespace mailvane::fuzz;
     const std::string input(reinterpret_cast<const char*>(data), size);
-    Bench bench;
+    test::HeadlessBench bench;
     TryScrambling(input);
     TryEscapes(input);
     TryValues(bench.wb, input);

@@ -1,12 +1,7 @@
 // Record files: any bytes read as fields of any kind. Short ones give empty fields, never a fault;
 // a record that was read whole comes back from the file that it is written to.
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <string_view>
 #include <variant>
-#include <vector>
 
 #include "core/records/RecordFile.h"
 #include "fuzz/Require.h"

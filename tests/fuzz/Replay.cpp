@@ -1,9 +1,5 @@
-#include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <iostream>
-#include <string>
-#include <system_error>
 
 #include "platform/os/Files.h"
 

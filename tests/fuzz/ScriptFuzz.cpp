@@ -2,26 +2,22 @@
 // any commands can be played on a form without harm.
 
 #include <algorithm>
-#include <chrono>
-#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <sstream>
-#include <string>
-#include <string_view>
 #include <variant>
-#include <vector>
 
 #include "fuzz/Require.h"
-#include "platform/forms/FormRegistry.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "platform/script/ScriptCommands.h"
 #include "platform/script/ScriptParser.h"
 #include "platform/script/ScriptRunner.h"
+#include "support/ScriptForms.h"
 #include "support/TempFolder.h"
 
 namespace mailvane::fuzz {
 namespace {
+
+using test::frmWork;
 
 /// A clock on which the longest wait is over after a few sleeps.
 class LeapingClock final : public Clock {
@@ -35,83 +31,6 @@ public:
 
 private:
     std::chrono::milliseconds passed_{0};
-};
-
-class frmDialog final : public Form {
-public:
-    explicit frmDialog(WindowSystem& windows) : Form(windows, "frmDialog", "Dialog") {}
-    TextBox txtName{*this, "txtName"};
-    Button cmdOK{*this, "cmdOK", [this] { Hide(); }};
-};
-
-/// One control of each kind, and buttons that ask, run, open and close.
-class frmWork final : public Form {
-public:
-    frmWork(WindowSystem& windows, FormRegistry& forms) : Form(windows, "frmWork", "Work") {
-        cmbTable.SetItems({"Customers", "Orders"});
-        List1.SetItems({"a", "b", "c"});
-        rows->rows = {{"Ann", "a@x"}, {"Bob", "b@x"}, {"Cid", "c@x"}};
-        Grid1.SetRows(rows);
-        cmdOff.SetEnabled(false);
-        ActiveBar1.AddTool({.name = "Print", .caption = "&Print"});
-        ActiveBar1.AddTool({.name = "Sort", .caption = "&Sort", .enabled = false});
-        lbxRules.onAdd = [this] { lbxRules.AddItem("rule"); };
-        lbxRules.onBeforeDelete = [this] { return chkWrap.Checked(); };
-        cmdModal.onClick = [this, &forms] {
-            auto& dialog = static_cast<frmDialog&>(forms.LoadAs(
-                typeid(frmDialog), [this] { return std::make_unique<frmDialog>(Windows()); }));
-            if (!dialog.Visible()) dialog.ShowModal();
-        };
-    }
-
-    TextBox txtWrap{*this, "txtWrap"};
-    RichTextBox rtfText{*this, "rtfText"};
-    Label lblNote{*this, "lblNote", "Note"};
-    CheckBox chkWrap{*this, "chkWrap"};
-    OptionButton optText{*this, "optText", true};
-    OptionButton optFile{*this, "optFile"};
-    ComboBox cmbTable{*this, "cmbTable"};
-    ComboBox cmbTo{*this, "cmbTo", ComboBox::Style::Editable};
-    ListBox List1{*this, "List1", ListBox::Selection::Multiple};
-    ListBoks lbxRules{*this, "lbxRules"};
-    Slider Slider1{*this, "Slider1", 1, 10, 5};
-    DatePicker dtpFrom{*this, "dtpFrom"};
-    Tabs Tabs1{*this, "Tabs1"};
-    ProgressBar Progress1{*this, "Progress1"};
-    StatusBar StatusBar1{*this, "StatusBar1", 2};
-    Timer Timer1{*this, "Timer1", std::chrono::milliseconds(500),
-                 [this] { lblNote.SetText("timer"); }};
-    Grid Grid1{*this, "Grid1"};
-    std::shared_ptr<GridTable> rows = std::make_shared<GridTable>();
-    ActiveBar ActiveBar1{*this, "ActiveBar1",
-                         [this](const Tool& tool) { txtWrap.SetText(tool.name); }};
-    Button cmdOff{*this, "cmdOff"};
-    Button cmdClose{*this, "cmdClose", [this] { Unload(); }};
-    Button cmdAsk{*this, "cmdAsk", [this] {
-                      const auto answer = Windows().MessageBox(
-                          {"Go\r\non?", "Ask", BoxIcon::Question, BoxButtons::YesNo});
-                      chkWrap.SetChecked(answer == BoxAnswer::Yes);
-                  }};
-    Button cmdInput{*this, "cmdInput", [this] {
-                        txtWrap.SetText(Windows().InputBox({"Name?", "Ask", ""}).value_or("none"));
-                    }};
-    Button cmdFile{*this, "cmdFile", [this] {
-                       FileRequest request;
-                       request.save = chkWrap.Checked();
-                       request.defaultExtension = "poc";
-                       txtWrap.SetText(Windows().FileDialog(request).value_or("none"));
-                   }};
-    Button cmdModal{*this, "cmdModal", Button::HiddenButton};
-    Button cmdTimer{*this, "cmdTimer", [this] { Timer1.Start(); }};
-    Button cmdRun{*this, "cmdRun", [this] {
-                      for (int i = 1; i <= 5 && !cancelled; ++i) {
-                          lblNote.SetText(std::to_string(i) + " done");
-                          Windows().YieldBriefly();
-                      }
-                  }};
-    Button cmdCancel{*this, "cmdCancel", [this] { cancelled = true; }};
-    Button cmdQuit{*this, "cmdQuit", [this] { Windows().Quit(); }};
-    bool cancelled = false;
 };
 
 std::string Quoted(const std::string& word) {
@@ -171,7 +90,10 @@ void Play(const std::string& text) {
     LeapingClock clock;
     HeadlessWindows windows(clock);
     FormRegistry forms(windows);
-    forms.LoadAs(typeid(frmWork), [&] { return std::make_unique<frmWork>(windows, forms); }).Show();
+    auto& form = static_cast<frmWork&>(
+        forms.LoadAs(typeid(frmWork), [&] { return std::make_unique<frmWork>(windows, forms); }));
+    form.steps = 5;
+    form.Show();
     std::ostringstream output, errors;
     const auto command = [&](const std::string& name, const std::string& caption) {
         if (name == "Disabled") return ControlAnswer::Disabled;

@@ -2,11 +2,6 @@
 // the session runs a model of the conversation that hears the same lines; the two must agree.
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "fuzz/Require.h"
 #include "platform/net/smtp/SmtpSession.h"
@@ -25,47 +20,32 @@ constexpr std::string_view PieceStarts = "\x01\x02\x03\x04";
 constexpr std::string_view Secret = "c2VjcmV0";
 constexpr std::size_t BigBody = 600 * 1024;  ///< more than goes out in one chunk
 
-bool IsReplyCode(std::string_view line) {
-    const auto digit = [](char c) { return c >= '0' && c <= '9'; };
-    return line.size() >= 3 && digit(line[0]) && digit(line[1]) && digit(line[2]);
-}
-
+/// Of a reply's line; -1 for another.
 int CodeOf(std::string_view line) {
-    return (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
-}
-
-/// Lines ended by CR LF, a CR or LF alone being a line end too; dots at their start doubled or not.
-std::string WireForm(std::string_view text, bool stuffDots) {
-    std::string wire;
-    bool atStart = true;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' || text[i] == '\n') {
-            if (text.substr(i).starts_with("\r\n")) ++i;
-            wire += "\r\n";
-            atStart = true;
-            continue;
-        }
-        if (stuffDots && atStart && text[i] == '.') wire += '.';
-        wire += text[i];
-        atStart = false;
-    }
-    return atStart ? wire : wire + "\r\n";
+    const auto digit = [](char c) { return c >= '0' && c <= '9'; };
+    return line.size() >= 3 && std::all_of(line.begin(), line.begin() + 3, digit)
+               ? std::stoi(std::string(line.substr(0, 3)))
+               : -1;
 }
 
 /// The message of a case, and its bytes on the wire.
 struct Message {
     explicit Message(int kind) {
-        if (kind == 1) body = ".\r\n..leading dots\n.";
-        if (kind == 2) body = std::string("no end\rof \xC3\xA4 line\0x", 20);
-        if (kind == 3) body = std::string(BigBody, 'x');
-        asChunk = WireForm(head + body, false);
-        asData = WireForm(head + body, true);
+        if (kind == 1) {
+            asChunk = ".\r\n..leading dots\r\n.\r\n";
+            asData = "..\r\n...leading dots\r\n..\r\n";
+        }
+        if (kind == 2) asData = asChunk = std::string("\xC3\xA4 line\0x\r\n", 11);
+        if (kind == 3) asData = asChunk = std::string(BigBody, 'x') + "\r\n";
+        body = asChunk;
+        asChunk.insert(0, head);
+        asData.insert(0, head);
     }
 
     std::string head = "Subject: x\r\n\r\n";
-    std::string body = "Hello.\r\n";
-    std::string asChunk;  ///< as BDAT sends it
-    std::string asData;   ///< as DATA sends it, without the end of data
+    std::string body;
+    std::string asChunk = "Hello.\r\n";  ///< as BDAT sends it
+    std::string asData = asChunk;        ///< as DATA sends it, without the end of data
 };
 
 /// What one operation must have said and heard, made from the lines that the session tells.
@@ -118,8 +98,8 @@ private:
 
     /// Replies and commands go in step; what does not fit them is the session's to refuse.
     void OnReceived(std::string_view line) {
-        if (!IsReplyCode(line) || (line.size() > 3 && line[3] == '-')) return;
         const int code = CodeOf(line);
+        if (code < 0 || (line.size() > 3 && line[3] == '-')) return;
         if (answers_.size() == commands_.size()) return;
         const std::string command = commands_[answers_.size()];
         answers_.push_back(code);

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "platform/forms/Form.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "support/ManualClock.h"

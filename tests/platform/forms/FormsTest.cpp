@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "platform/forms/FormRegistry.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "support/ManualClock.h"
@@ -71,8 +68,12 @@ TEST_F(FormsTest, LifeOfAForm) {
         forms.unloading.Observe([&](Form& f) { journal.push_back("going " + f.Name()); });
     frmOne& form = Load<frmOne>();
     EXPECT_EQ(&Load<frmOne>(), &form);
+    form.cmdClose.Focus();
+    EXPECT_EQ(windows.FocusedControl(), nullptr);  // not on the screen
     form.Show();
     form.Show();
+    form.cmdClose.Focus();
+    EXPECT_EQ(windows.FocusedControl(), &form.cmdClose);
     EXPECT_EQ(Take(), (Lines{"made frmOne", "frmOne load", "frmOne activate", "frmOne activate"}));
     EXPECT_TRUE(forms.IsFormLoaded("FRMONE"));
 
@@ -83,6 +84,7 @@ TEST_F(FormsTest, LifeOfAForm) {
     form.OnCloseBox();
     EXPECT_FALSE(forms.IsFormLoaded("frmOne"));
     EXPECT_FALSE(form.IsLoaded());
+    EXPECT_EQ(windows.FocusedControl(), nullptr);
     form.Show();
     EXPECT_FALSE(form.Visible());
     EXPECT_EQ(Take(), (Lines{"frmOne unload", "going frmOne"}));
@@ -155,10 +157,8 @@ TEST_F(FormsTest, TimersFireByTheClockWhileEventsArePumped) {
     EXPECT_EQ(count, 1);  // what was missed is not made up for
     windows.WaitSeconds(1);
     EXPECT_EQ(count, 3);
-}
 
-TEST_F(FormsTest, RunsPumpOnlyEveryTenMilliseconds) {
-    frmOne& form = Load<frmOne>();
+    // Runs pump only every ten milliseconds.
     int fired = 0, yields = 0;
     form.Timer1.onTimer = [&] { ++fired; };
     form.Timer1.Start();
@@ -198,17 +198,6 @@ TEST_F(FormsTest, QuitEndsModalLoopsAndWaits) {
     const auto before = clock.Monotonic();
     windows.WaitSeconds(3600);
     EXPECT_EQ(clock.Monotonic(), before);
-}
-
-TEST_F(FormsTest, FocusLeavesWithItsForm) {
-    frmOne& form = Load<frmOne>();
-    form.cmdClose.Focus();
-    EXPECT_EQ(windows.FocusedControl(), nullptr);  // not on the screen
-    form.Show();
-    form.cmdClose.Focus();
-    EXPECT_EQ(windows.FocusedControl(), &form.cmdClose);
-    form.Unload();
-    EXPECT_EQ(windows.FocusedControl(), nullptr);
 }
 
 }  // namespace

@@ -24,35 +24,29 @@ TEST_F(Prompts, BoxesTakeTheFirstAnswerThatIsForThem) {
     EXPECT_EQ(Box("Really delete?", BoxButtons::YesNo), BoxAnswer::No);
     EXPECT_EQ(Box("Go on?", BoxButtons::OkCancel), BoxAnswer::Cancel);
     EXPECT_EQ(windows.prompts.Failure(), std::nullopt);
+    windows.prompts.QueueBox(BoxAnswer::Yes);
+    EXPECT_EQ(Box("Stop?", BoxButtons::OkCancel), BoxAnswer::Cancel);
+    EXPECT_EQ(windows.prompts.Failure(), "the message box \"Stop?\" offers no button \"yes\"");
 }
 
 TEST_F(Prompts, UnansweredBoxesAreClosedAndTheFirstIsTold) {
-    struct Row {
-        BoxButtons buttons;
-        BoxAnswer closed;
-        BoxAnswer byDefault;
-    };
-    for (const Row& row : {Row{BoxButtons::Ok, BoxAnswer::Ok, BoxAnswer::Ok},
-                           Row{BoxButtons::OkCancel, BoxAnswer::Cancel, BoxAnswer::Ok},
-                           Row{BoxButtons::YesNo, BoxAnswer::No, BoxAnswer::Yes},
-                           Row{BoxButtons::YesNoCancel, BoxAnswer::Cancel, BoxAnswer::Yes}}) {
+    const std::tuple<BoxButtons, BoxAnswer, BoxAnswer> rows[] = {
+        {BoxButtons::Ok, BoxAnswer::Ok, BoxAnswer::Ok},
+        {BoxButtons::OkCancel, BoxAnswer::Cancel, BoxAnswer::Ok},
+        {BoxButtons::YesNo, BoxAnswer::No, BoxAnswer::Yes},
+        {BoxButtons::YesNoCancel, BoxAnswer::Cancel, BoxAnswer::Yes}};
+    for (const auto& [buttons, closed, byDefault] : rows) {
         HeadlessWindows fresh(clock);
-        EXPECT_EQ(fresh.MessageBox({"One\r\ntwo", "T", BoxIcon::None, row.buttons}), row.closed);
+        EXPECT_EQ(fresh.MessageBox({"One\r\ntwo", "T", BoxIcon::None, buttons}), closed);
         EXPECT_EQ(fresh.prompts.Failure(), "nothing answers the message box \"T\": \"One\\ntwo\"");
         PromptScript relaxed;
         relaxed.UseDefaults();
         fresh.PlayPrompts(&relaxed);
-        EXPECT_EQ(fresh.MessageBox({"One", "T", BoxIcon::None, row.buttons}), row.byDefault);
+        EXPECT_EQ(fresh.MessageBox({"One", "T", BoxIcon::None, buttons}), byDefault);
         EXPECT_EQ(relaxed.Failure(), std::nullopt);
         EXPECT_EQ(fresh.InputBox({"Name", "T", ""}), std::nullopt);
         EXPECT_NE(relaxed.Failure(), std::nullopt);  // no default for what must be typed
     }
-}
-
-TEST_F(Prompts, AnAnswerThatTheBoxDoesNotOfferIsAFailure) {
-    windows.prompts.QueueBox(BoxAnswer::Yes);
-    EXPECT_EQ(Box("Stop?", BoxButtons::OkCancel), BoxAnswer::Cancel);
-    EXPECT_EQ(windows.prompts.Failure(), "the message box \"Stop?\" offers no button \"yes\"");
 }
 
 TEST_F(Prompts, FilesComeInOrderAndGetTheirExtensionWhenSaved) {
