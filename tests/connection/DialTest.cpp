@@ -87,11 +87,6 @@ TEST_F(Dial, WizardStoresTheConnection) {
     EXPECT_TRUE(options.optDial.IsSet()) << "its OK would store the old connection otherwise";
 
     EXPECT_TRUE(Wizard().optModem.IsSet()) << "what was stored";
-    Wizard().chkProxy.SetByUser("0");
-    Wizard().optDirect.SetByUser("1");
-    Wizard().cmdFinish.Press();
-    EXPECT_EQ(Stored("Connection"), "direct");
-    EXPECT_EQ(Stored("UseProxy"), "no");
 }
 
 TEST_F(Dial, ACancelledWizardDoesNotComeBack) {

@@ -1,8 +1,7 @@
-#include <cstdlib>
-
 #include "core/run/frmStatus.h"
 #include "database/TableToolsTest.h"
 #include "database/exchange/frmDataWizard.h"
+#include "support/AccessSamples.h"
 
 namespace mailvane {
 namespace {
@@ -176,15 +175,9 @@ TEST_F(DataWizard, ExportsTheTableOrItsSelectedRows) {
 
 class AccessOffer : public DataWizard {
 protected:
-    /// Access files of several generations stand beside the project, not in it.
-    static std::string SamplesFolder() {
-        const char* given = std::getenv("MAILVANE_ACCESS_SAMPLES");
-        return given ? given : MAILVANE_SOURCE_DIR "/../shared/fixtures/access";
-    }
-
     /// A copy in the program folder; "" without samples.
     std::string Sample(const std::string& name) {
-        const auto bytes = ReadWholeFile(SamplesFolder() + "/" + name);
+        const auto bytes = ReadWholeFile(test::AccessSamplesFolder() + "/" + name);
         if (!bytes) return {};
         const std::string copy = bench.InProgramFolder(name);
         WriteWholeFile(copy, *bytes);
@@ -194,7 +187,7 @@ protected:
 
 TEST_F(AccessOffer, UsesWhatIsImported) {
     const std::string sample = Sample("ace14-2010.accdb");
-    if (sample.empty()) GTEST_SKIP() << SamplesFolder() << " is not there.";
+    if (sample.empty()) GTEST_SKIP() << test::AccessSamplesFolder() << " is not there.";
     const std::string before = ReadFileText(sample);
     AnswerBox(BoxAnswer::Yes, "is a Microsoft Access file");
     AnswerBox(BoxAnswer::Ok, "2 records imported into the 'Table1' table.");
@@ -208,7 +201,7 @@ TEST_F(AccessOffer, UsesWhatIsImported) {
 
 TEST_F(AccessOffer, KeepsTheDatabaseWhenNothingComesOfIt) {
     const std::string sample = Sample("ace14-encrypted.accdb");
-    if (sample.empty()) GTEST_SKIP() << SamplesFolder() << " is not there.";
+    if (sample.empty()) GTEST_SKIP() << test::AccessSamplesFolder() << " is not there.";
     AnswerBox(BoxAnswer::No, "is a Microsoft Access file");
     Settings().txtAccessDBPath.SetText(sample);
     EXPECT_EQ(Settings().txtAccessDBPath.Text(), path);

@@ -111,21 +111,20 @@ TEST_F(Programs, DocumentsGoToTheDesktopsOpener) {
 }
 
 TEST(CommandLine, IsSplitAtBlanksOutsideQuotes) {
-    struct Row {
-        const char* line;
-        Words words;
-    };
-    for (const Row& row :
-         {Row{"", {}}, Row{"  a\t b ", {"a", "b"}},
-          Row{"\"C D\"/x --n=\"a b\"", {"C D/x", "--n=a b"}}, Row{"a \"\" b", {"a", "", "b"}},
-          Row{R"(say \"hi\" "in \"side\"")", {"say", "\"hi\"", "in \"side\""}},
-          Row{R"(c:\temp\x \\)", {"c:\\temp\\x", "\\\\"}},
-          Row{"open \"to the end", {"open", "to the end"}},
-          Row{"$(x) `y` ; *", {"$(x)", "`y`", ";", "*"}}})
-        EXPECT_EQ(SplitCommandLine(row.line), row.words) << row.line;
+    const std::pair<const char*, Words> rows[] = {
+        {"", {}},
+        {"  a\t b ", {"a", "b"}},
+        {"\"C D\"/x --n=\"a b\"", {"C D/x", "--n=a b"}},
+        {"a \"\" b", {"a", "", "b"}},
+        {R"(say \"hi\" "in \"side\"")", {"say", "\"hi\"", "in \"side\""}},
+        {R"(c:\temp\x \\)", {"c:\\temp\\x", "\\\\"}},
+        {"open \"to the end", {"open", "to the end"}},
+        {"$(x) `y` ; *", {"$(x)", "`y`", ";", "*"}}};
+    for (const auto& [line, words] : rows)
+        EXPECT_EQ(SplitCommandLine(line), words) << line;
 }
 
-TEST(Machine, TemporaryFolderEndsWithItsSeparator) {
+TEST(Machine, TellsItsTemporaryFolderAndItsAddress) {
     const char* before = std::getenv("TMPDIR");
     const std::string kept = before ? before : "";
     ::setenv("TMPDIR", "/var/tmp", 1);
@@ -135,9 +134,6 @@ TEST(Machine, TemporaryFolderEndsWithItsSeparator) {
     ::unsetenv("TMPDIR");
     EXPECT_EQ(TemporaryFolder(), "/tmp/");
     if (before) ::setenv("TMPDIR", kept.c_str(), 1);
-}
-
-TEST(Machine, AddressIsDottedAndNeverEmpty) {
     EXPECT_THAT(LocalIpAddress(), testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+\\.[0-9]+"));
 }
 

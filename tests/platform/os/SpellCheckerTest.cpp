@@ -21,12 +21,7 @@ Words WordsOf(const std::string& text) {
 }
 
 TEST(SpellChecker, FindsTheWordsToCheck) {
-    struct Row {
-        const char* name;
-        const char* text;
-        Words words;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, Words> rows[] = {
         {"nothing", " \r\n--", {}},
         {"apostrophes", "don't 'quote' dogs' it’s", {"don't", "quote", "dogs", "it’s"}},
         {"letters of other scripts", "Größe, naïve; мир", {"Größe", "naïve", "мир"}},
@@ -39,8 +34,8 @@ TEST(SpellChecker, FindsTheWordsToCheck) {
         {"an address with a tag", "[Name]@exmple.com ok", {"ok"}},
         {"broken bytes", "a\xff\xc3 b", {"a", "b"}},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(WordsOf(row.text), row.words) << row.name;
+    for (const auto& [name, text, words] : rows)
+        EXPECT_EQ(WordsOf(text), words) << name;
 }
 
 TEST(SpellChecker, KnowsTheLanguageAndTheUsersWords) {

@@ -9,24 +9,19 @@
 #include "platform/os/Files.h"
 #include "platform/tables/AccessSource.h"
 #include "platform/tables/text/DelimitedSource.h"
+#include "support/AccessSamples.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {
 namespace {
 
-/// Access files of several generations stand beside the project, not in it.
-std::string SamplesFolder() {
-    const char* given = std::getenv("MAILVANE_ACCESS_SAMPLES");
-    return given ? given : MAILVANE_SOURCE_DIR "/../shared/fixtures/access";
-}
-
-#define NEEDS_ACCESS_SAMPLES()                                            \
-    if (!IsFolder(SamplesFolder()))                                       \
-    GTEST_SKIP() << "The folder with Access samples, " << SamplesFolder() \
+#define NEEDS_ACCESS_SAMPLES()                                                        \
+    if (!IsFolder(test::AccessSamplesFolder()))                                       \
+    GTEST_SKIP() << "The folder with Access samples, " << test::AccessSamplesFolder() \
                  << ", is not there. MAILVANE_ACCESS_SAMPLES names another one."
 
 std::string Sample(const std::string& name) {
-    return SamplesFolder() + "/" + name;
+    return test::AccessSamplesFolder() + "/" + name;
 }
 
 using Rows = std::vector<std::vector<std::string>>;
@@ -75,44 +70,37 @@ bool SameValue(const std::string& ours, const std::string& theirs) {
     return !theirs.empty() && *end == '\0' && std::strtod(ours.c_str(), nullptr) == number;
 }
 
-class AccessSamples : public testing::TestWithParam<const char*> {};
-
-TEST_P(AccessSamples, EqualTheIndependentReader) {
+TEST(AccessSource, EqualsTheIndependentReader) {
     NEEDS_ACCESS_SAMPLES();
-    const test::TempFolder folder;
-    const std::string file = Sample(GetParam());
-    std::string error;
-    const auto source = OpenAccessFile(file, error);
-    ASSERT_TRUE(source) << error;
-    for (const std::string& table : source->Tables()) {
-        const Rows ours = TableOf(file, table);
-        const Rows theirs = Exported(file, table, folder);
-        ASSERT_EQ(ours.size(), theirs.size()) << table;
-        for (std::size_t row = 0; row < ours.size(); ++row) {
-            ASSERT_EQ(ours[row].size(), theirs[row].size()) << table;
-            for (std::size_t i = 0; i < ours[row].size(); ++i) {
-                // It knows no dates before 1900 nor behind the year 4600; those have a test below.
-                const auto date = DateTime::Parse(ours[row][i]);
-                const bool known = !date || (date->Year() >= 1901 && date->Year() < 4600);
-                EXPECT_TRUE(!known || SameValue(ours[row][i], theirs[row][i]))
-                    << table << ": " << ours[row][i] << " and " << theirs[row][i];
+    for (const char* name :
+         {"jet3-1997.mdb", "jet4-2000-numeric.mdb", "jet4-dates.mdb", "jet4-empty.mdb",
+          "ace12-currency.accdb", "ace12-longtext.accdb", "ace14-2010.accdb"}) {
+        SCOPED_TRACE(name);
+        const test::TempFolder folder;
+        const std::string file = Sample(name);
+        std::string error;
+        const auto source = OpenAccessFile(file, error);
+        ASSERT_TRUE(source) << error;
+        for (const std::string& table : source->Tables()) {
+            const Rows ours = TableOf(file, table);
+            const Rows theirs = Exported(file, table, folder);
+            ASSERT_EQ(ours.size(), theirs.size()) << table;
+            for (std::size_t row = 0; row < ours.size(); ++row) {
+                ASSERT_EQ(ours[row].size(), theirs[row].size()) << table;
+                for (std::size_t i = 0; i < ours[row].size(); ++i) {
+                    // It knows no dates before 1900 nor behind the year 4600; those have a test
+                    // below.
+                    const auto date = DateTime::Parse(ours[row][i]);
+                    const bool known = !date || (date->Year() >= 1901 && date->Year() < 4600);
+                    EXPECT_TRUE(!known || SameValue(ours[row][i], theirs[row][i]))
+                        << table << ": " << ours[row][i] << " and " << theirs[row][i];
+                }
             }
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, AccessSamples,
-                         testing::Values("jet3-1997.mdb", "jet4-2000-numeric.mdb", "jet4-dates.mdb",
-                                         "jet4-empty.mdb", "ace12-currency.accdb",
-                                         "ace12-longtext.accdb", "ace14-2010.accdb"),
-                         [](const auto& row) {
-                             std::string name = row.param;
-                             for (const char sign : {'-', '.'})
-                                 std::replace(name.begin(), name.end(), sign, '_');
-                             return name;
-                         });
-
-TEST(AccessSource, ReadsDatesOfAllAges) {
+TEST(AccessSource, ReadsDatesOfAllAgesAndMemosWhole) {
     NEEDS_ACCESS_SAMPLES();
     const Rows rows = TableOf(Sample("jet4-dates.mdb"), "DateTest");
     ASSERT_GE(rows.size(), 4u);
@@ -120,6 +108,9 @@ TEST(AccessSource, ReadsDatesOfAllAges) {
     EXPECT_EQ(rows[1][1], "9999-01-01 00:00:00");
     EXPECT_EQ(rows[2][1], "1898-01-01 00:00:00");
     EXPECT_EQ(rows[3][1], "0632-01-01 00:00:00");
+    const Rows memos = TableOf(Sample("ace12-longtext.accdb"), "Table1");
+    ASSERT_EQ(memos.size(), 1u);
+    EXPECT_EQ(memos[0][1].size(), 5000u);
 }
 
 TEST(AccessSource, TellsColumnTypes) {
@@ -134,13 +125,6 @@ TEST(AccessSource, TellsColumnTypes) {
     for (const SourceColumn& column : rows->Columns())
         types.push_back(column.type);
     EXPECT_EQ(types, expected);
-}
-
-TEST(AccessSource, ReadsAMemoWhole) {
-    NEEDS_ACCESS_SAMPLES();
-    const Rows rows = TableOf(Sample("ace12-longtext.accdb"), "Table1");
-    ASSERT_EQ(rows.size(), 1u);
-    EXPECT_EQ(rows[0][1].size(), 5000u);
 }
 
 TEST(AccessSource, SaysThatAFileIsEncrypted) {

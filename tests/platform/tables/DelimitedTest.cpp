@@ -32,45 +32,39 @@ struct Case {
 const DelimitedFormat Apostrophes{.delimiter = ';', .quote = '\''};
 const DelimitedFormat NoQuotes{.delimiter = '\t', .quote = '\0'};
 
-class DelimitedTexts : public testing::TestWithParam<Case> {};
-
 /// Small blocks cut records, quotes, line ends and characters in two.
-TEST_P(DelimitedTexts, ReadTheSameInAnyBlocks) {
+TEST(DelimitedReader, ReadsTheSameInAnyBlocks) {
+    const Case rows[] = {
+        {"Nothing", "", ""},
+        {"OnlyAMark", "\xEF\xBB\xBF", ""},
+        {"MarkBeforeAName",
+         "\xEF\xBB\xBF"
+         "Email,Name\n",
+         "1:[Email][Name]\n"},
+        {"AllLineEnds", "a,b\r\nc,d\ne,f\rg,h", "1:[a][b]\n2:[c][d]\n3:[e][f]\n4:[g][h]\n"},
+        {"EmptyLinesPassedOver", "a\n\r\n\nb\r", "1:[a]\n4:[b]\n"},
+        {"NullIsNotEmpty", ",\"\",a,\n", "1:|[][a]|\n"},
+        {"DelimiterInQuotes", "\"Müller, Sons & Co\",x\n", "1:[Müller, Sons & Co][x]\n"},
+        {"DoubledQuotes", "\"say \"\"hi\"\"\",\"\"\"\"\n", "1:[say \"hi\"][\"]\n"},
+        {"LineEndsInQuotes", "\"a\r\nb\",\"c\rd\"\ne\n", "1:[a\r\nb][c\rd]\n4:[e]\n"},
+        {"QuoteInsideAPlainField", "O'Brien,5\" nails\n", "1:[O'Brien][5\" nails]\n"},
+        {"TextBehindAClosingQuote", "\"a\"b,c\n", "1:[ab][c]\n"},
+        {"Apostrophes", "'O''Brien';\"x\"\n", "1:[O'Brien][\"x\"]\n", Apostrophes},
+        {"WithoutQuotes", "\"a\tb\"\n", "1:[\"a][b\"]\n", NoQuotes},
+        {"BytesThatAreNoUtf8", "\xFF\x80,\xC3\xA9\nb\n", "1:[\xFF\x80][\xC3\xA9]?\n2:[b]\n"},
+        {"OpenQuote", "a\nb,\"open\nstill", "1:[a]\nLine 2: a quotation mark is never closed."},
+        {"Windows1252", "Caf\xE9,\x80 5\n", "1:[Café][€ 5]\n", {.set = CharacterSet::Windows1252}},
+        {"Utf16",
+         std::string("\xFF\xFE\x7D\x01,\0\xAC\x20\n\0", 10),
+         "1:[Ž][€]\n",
+         {.set = CharacterSet::Utf16LittleEndian}}};
     const test::TempFolder folder;
-    const std::string path = folder.Write("text", GetParam().text);
-    for (const std::size_t block : {8u, 9u, 11u, 13u, 4096u})
-        EXPECT_EQ(ReadAll(path, GetParam().format, block), GetParam().expected) << block;
+    for (const Case& row : rows) {
+        const std::string path = folder.Write("text", row.text);
+        for (const std::size_t block : {8u, 9u, 11u, 13u, 4096u})
+            EXPECT_EQ(ReadAll(path, row.format, block), row.expected) << row.name << block;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    All, DelimitedTexts,
-    testing::Values(
-        Case{"Nothing", "", ""}, Case{"OnlyAMark", "\xEF\xBB\xBF", ""},
-        Case{"MarkBeforeAName",
-             "\xEF\xBB\xBF"
-             "Email,Name\n",
-             "1:[Email][Name]\n"},
-        Case{"AllLineEnds", "a,b\r\nc,d\ne,f\rg,h", "1:[a][b]\n2:[c][d]\n3:[e][f]\n4:[g][h]\n"},
-        Case{"EmptyLinesPassedOver", "a\n\r\n\nb\r", "1:[a]\n4:[b]\n"},
-        Case{"NullIsNotEmpty", ",\"\",a,\n", "1:|[][a]|\n"},
-        Case{"DelimiterInQuotes", "\"Müller, Sons & Co\",x\n", "1:[Müller, Sons & Co][x]\n"},
-        Case{"DoubledQuotes", "\"say \"\"hi\"\"\",\"\"\"\"\n", "1:[say \"hi\"][\"]\n"},
-        Case{"LineEndsInQuotes", "\"a\r\nb\",\"c\rd\"\ne\n", "1:[a\r\nb][c\rd]\n4:[e]\n"},
-        Case{"QuoteInsideAPlainField", "O'Brien,5\" nails\n", "1:[O'Brien][5\" nails]\n"},
-        Case{"TextBehindAClosingQuote", "\"a\"b,c\n", "1:[ab][c]\n"},
-        Case{"Apostrophes", "'O''Brien';\"x\"\n", "1:[O'Brien][\"x\"]\n", Apostrophes},
-        Case{"WithoutQuotes", "\"a\tb\"\n", "1:[\"a][b\"]\n", NoQuotes},
-        Case{"BytesThatAreNoUtf8", "\xFF\x80,\xC3\xA9\nb\n", "1:[\xFF\x80][\xC3\xA9]?\n2:[b]\n"},
-        Case{"OpenQuote", "a\nb,\"open\nstill", "1:[a]\nLine 2: a quotation mark is never closed."},
-        Case{"Windows1252",
-             "Caf\xE9,\x80 5\n",
-             "1:[Café][€ 5]\n",
-             {.set = CharacterSet::Windows1252}},
-        Case{"Utf16",
-             std::string("\xFF\xFE\x7D\x01,\0\xAC\x20\n\0", 10),
-             "1:[Ž][€]\n",
-             {.set = CharacterSet::Utf16LittleEndian}}),
-    [](const auto& row) { return row.param.name; });
 
 struct Guess {
     const char* name;
@@ -79,19 +73,6 @@ struct Guess {
     bool header;
 };
 
-class Guesses : public testing::TestWithParam<Guess> {};
-
-TEST_P(Guesses, FitTheText) {
-    const test::TempFolder folder;
-    const std::string path = folder.Write("text", GetParam().text);
-    const DelimitedFormat format = GuessFormat(path);
-    EXPECT_EQ(format.delimiter, GetParam().format.delimiter);
-    EXPECT_EQ(format.quote, GetParam().format.quote);
-    EXPECT_EQ(static_cast<int>(format.set), static_cast<int>(GetParam().format.set));
-    DelimitedSource source(path, format);
-    EXPECT_EQ(FirstRowIsHeader(source, 0), GetParam().header);
-}
-
 std::string Utf16(const std::string& ascii, bool bigEndian) {
     std::string wide;
     for (const char c : ascii)
@@ -99,31 +80,41 @@ std::string Utf16(const std::string& ascii, bool bigEndian) {
     return wide;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, Guesses,
-    testing::Values(
-        Guess{"Commas", "Email,Name\na@x.com,\"B; C; D\"\n", {}, true},
-        Guess{"Semicolons", "Name;Sum\nAna;1,5\nBob;2,5\n", {.delimiter = ';'}, true},
-        Guess{"Tabs", "Name\tNote\nAna\ta, b, c\n", {.delimiter = '\t'}, true},
-        Guess{"Bars", "Name|City\nAna|Cork\n", {.delimiter = '|'}, true},
-        Guess{"OneColumn", "Email\na@x.com\n", {}, true},
-        Guess{"OneColumnWithoutHeader", "a@x.com\nb@x.com\n", {}, false},
-        Guess{"NumberInTheFirstRow", "Ana,12\nBob,13\n", {}, false},
-        Guess{"DateInTheFirstRow", "Ana,2024-01-31\n", {}, false},
-        Guess{"ValueThatComesAgain", "Ana,yes\nBob,no\nCy,yes\n", {}, false},
-        Guess{"Apostrophes", "'Name','City'\n'Ana','Cork, IE'\n", {.quote = '\''}, true},
-        Guess{"Utf8", "Ime\nŽiga\n", {}, true},
-        Guess{"Windows1252", "Nom\nCaf\xE9\n", {.set = CharacterSet::Windows1252}, true},
-        Guess{"Utf16LittleEndian",
-              Utf16("Name,City\nAna,Cork\n", false),
-              {.set = CharacterSet::Utf16LittleEndian},
-              true},
-        Guess{"Utf16BigEndian",
-              Utf16("Name,City\nAna,Cork\n", true),
-              {.set = CharacterSet::Utf16BigEndian},
-              true},
-        Guess{"Nothing", "", {}, true}),
-    [](const auto& row) { return row.param.name; });
+TEST(FormatGuess, FitsTheText) {
+    const Guess rows[] = {
+        {"Commas", "Email,Name\na@x.com,\"B; C; D\"\n", {}, true},
+        {"Semicolons", "Name;Sum\nAna;1,5\nBob;2,5\n", {.delimiter = ';'}, true},
+        {"Tabs", "Name\tNote\nAna\ta, b, c\n", {.delimiter = '\t'}, true},
+        {"Bars", "Name|City\nAna|Cork\n", {.delimiter = '|'}, true},
+        {"OneColumn", "Email\na@x.com\n", {}, true},
+        {"OneColumnWithoutHeader", "a@x.com\nb@x.com\n", {}, false},
+        {"NumberInTheFirstRow", "Ana,12\nBob,13\n", {}, false},
+        {"DateInTheFirstRow", "Ana,2024-01-31\n", {}, false},
+        {"ValueThatComesAgain", "Ana,yes\nBob,no\nCy,yes\n", {}, false},
+        {"Apostrophes", "'Name','City'\n'Ana','Cork, IE'\n", {.quote = '\''}, true},
+        {"Utf8", "Ime\nŽiga\n", {}, true},
+        {"Windows1252", "Nom\nCaf\xE9\n", {.set = CharacterSet::Windows1252}, true},
+        {"Utf16LittleEndian",
+         Utf16("Name,City\nAna,Cork\n", false),
+         {.set = CharacterSet::Utf16LittleEndian},
+         true},
+        {"Utf16BigEndian",
+         Utf16("Name,City\nAna,Cork\n", true),
+         {.set = CharacterSet::Utf16BigEndian},
+         true},
+        {"Nothing", "", {}, true}};
+    const test::TempFolder folder;
+    for (const Guess& row : rows) {
+        SCOPED_TRACE(row.name);
+        const std::string path = folder.Write("text", row.text);
+        const DelimitedFormat format = GuessFormat(path);
+        EXPECT_EQ(format.delimiter, row.format.delimiter);
+        EXPECT_EQ(format.quote, row.format.quote);
+        EXPECT_EQ(static_cast<int>(format.set), static_cast<int>(row.format.set));
+        DelimitedSource source(path, format);
+        EXPECT_EQ(FirstRowIsHeader(source, 0), row.header);
+    }
+}
 
 TEST(DelimitedWriter, WritesWhatItsReaderReads) {
     const test::TempFolder folder;
