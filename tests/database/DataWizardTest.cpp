@@ -139,7 +139,7 @@ TEST_F(DataWizard, CancelInTheMiddleLeavesNothing) {
     AnswerBox(BoxAnswer::Ok, "The import was canceled; nothing was imported.");
     Import(List("long.csv", text), [this](auto& wizard) {
         auto& status = bench.wb.forms.Get<frmStatus>();
-        const Subscription progress = status.Progress1.changed.Observe([&status](Property) {
+        const Subscription yields = bench.windows.yielded.Observe([&status] {
             if (status.Progress1.Value() > 600) status.cmdCancel.Press();
         });
         wizard.cmdFinish.Press();

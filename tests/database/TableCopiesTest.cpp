@@ -240,6 +240,7 @@ TEST_F(TableCopies, AFullDiskLosesNoRowWhenTheUserGoesOn) {
 TEST_F(TableCopies, ClosingTheViewEndsIt) {
     Select({0, 1, 2});
     Name("Some");
+    AnswerBox(BoxAnswer::Ok, "Processing records was ended early: 1 of 3 records are copied.");
     Subscription watch = bench.windows.yielded.Observe([&] {
         EXPECT_FALSE(view->ActiveBar1.Enabled());
         view->Unload();

@@ -89,8 +89,10 @@ TEST_F(ViewCommands, SelectAllCountsAndCanBeCancelled) {
     const Subscription yields = bench.windows.yielded.Observe([this] {
         auto& status = bench.wb.forms.Get<frmStatus>();
         if (status.Progress1.Value() == 2) status.cmdCancel.Press();
-        EXPECT_FALSE(view->Grid1.Redraw());
-        view->ActiveBar1.Press("Delete");  // nothing starts meanwhile
+        EXPECT_FALSE(view->Grid1.Redraw() || view->cmbTable.Enabled());
+        EXPECT_EQ(view->ActiveBar1.Press("Delete"), ControlAnswer::Disabled);
+        EXPECT_EQ(Settings().txtAccessDBPath.SetByUser(""), ControlAnswer::Disabled);
+        EXPECT_EQ(Settings().cmbAccessTable.SetByUser("Archive"), ControlAnswer::Disabled);
     });
     view->ActiveBar1.Press("Select All");
     EXPECT_EQ(view->Grid1.SelBookmarks().Count(), 2u);
@@ -147,6 +149,7 @@ TEST_F(ViewCommands, ACancelledDeletionKeepsTheRest) {
     Fill(10);
     view->Grid1.onHeadClick(1);
     Select({9, 8, 7, 6, 5, 4});
+    view->Grid1.SetCurrentRow(2);
     const Subscription yields = bench.windows.yielded.Observe([this] {
         auto& status = bench.wb.forms.Get<frmStatus>();
         if (status.Progress1.Value() == 4) status.cmdCancel.Press();
@@ -154,6 +157,8 @@ TEST_F(ViewCommands, ACancelledDeletionKeepsTheRest) {
     view->cmdDeleteSelectedNoStatus.Press();
     EXPECT_EQ(view->Grid1.RowCount(), 6u);
     EXPECT_EQ(view->Grid1.SelBookmarks().Count(), 2u);
+    EXPECT_EQ(view->Grid1.CurrentRow(), 2u);
+    EXPECT_EQ(view->Data1.Recordset()->GetBookmark().ValueOr(0), view->Grid1.Rows()->BookmarkAt(2));
     EXPECT_EQ(view->Data1.Database()->OpenRecordset("Archive").ValueOr(nullptr)->RecordCount(), 6);
 }
 
@@ -161,12 +166,12 @@ TEST_F(ViewCommands, ClosingTheViewInTheMiddleOfADeletion) {
     Fill(10);
     Select({9, 8, 7, 6});
     const Subscription yields = bench.windows.yielded.Observe([this] {
-        EXPECT_FALSE(view->Unload()) << "not by its user";
-        if (bench.wb.forms.Get<frmStatus>().Progress1.Value() == 2)
-            bench.wb.forms.UnloadAllExcept({"frmMain", "frmSettings"});
+        if (bench.wb.forms.Get<frmStatus>().Progress1.Value() == 2) EXPECT_FALSE(view->Unload());
     });
+    AnswerBox(BoxAnswer::Ok, "Deleting records was ended early: 2 of 4 records are deleted.");
     view->cmdDeleteSelectedNoStatus.Press();
     bench.Settle();
+    EXPECT_FALSE(bench.wb.forms.IsFormLoaded("frmViewDatabase"));
     Reopen();
     EXPECT_EQ(view->Grid1.RowCount(), 8u);
 }

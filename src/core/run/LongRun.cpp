@@ -53,9 +53,10 @@ void LongRun::HideProgress() {
     if (std::exchange(progressShown_, false)) UpdateProgress(wb_, 0, steps_);
 }
 
-bool LongRun::Cancelled() const {
+bool LongRun::Cancelled() {
     const bool pressed = wb_.state.CancelRequested && wb_.runs.Current() == this;
-    return pressed || endAsked_ || wb_.platform.windows.Quitting();
+    endedEarly_ = endedEarly_ || endAsked_;
+    return pressed || cancelled_ || endAsked_ || wb_.platform.windows.Quitting();
 }
 
 bool LongRun::GoesOn() {
@@ -73,7 +74,9 @@ void LongRun::AskToEnd() {
     RunHandler(onEndAsked);
 }
 
+/// "" when it was through before it heard that it is to end.
 std::string LongRun::Outcome() const {
+    if (!endedEarly_) return {};
     return manner_.name + " was ended early" + (howFar ? ": " + howFar() : std::string()) + ".";
 }
 

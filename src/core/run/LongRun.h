@@ -36,16 +36,20 @@ public:
     void Step(long done, const std::string& caption1 = {}, const std::string& caption2 = {});
     void HideProgress();
 
+    /// Ends it as the Cancel of the progress display does, for a run that has a window of its own.
+    void Cancel() { cancelled_ = true; }
     /// Cancel was pressed, the run's owner was asked to end it, or the program is quitting.
-    bool Cancelled() const;
+    bool Cancelled();
+    /// It is ended for somebody else's sake, who tells how far it came: the run itself need not.
+    bool EndAsked() const { return endAsked_; }
     /// Lets the interface live when that is due; false when the run is to end. Costs next to
     /// nothing between two due moments: a loop may call it for each item.
     bool GoesOn();
     /// The same, with the display brought up to date.
     bool GoesOn(long done, const std::string& caption1 = {});
 
-    /// Asked when the run was ended for somebody else's sake: how far it came, with numbers, as the
-    /// rest of the sentence "NAME was ended early: ".
+    /// Asked when the run has ended early for somebody else's sake: how far it came, with numbers,
+    /// as the rest of the sentence "NAME was ended early: ".
     std::function<std::string()> howFar;
     /// Called once when the owner is asked to end the run, for one that waits where it cannot poll
     /// Cancelled.
@@ -54,13 +58,14 @@ public:
 private:
     friend class Runs;
     void AskToEnd();
-    bool EndAsked() const { return endAsked_; }
     std::string Outcome() const;
 
     Workbench& wb_;
     Manner manner_;
     bool began_ = false;
+    bool cancelled_ = false;
     bool endAsked_ = false;
+    bool endedEarly_ = false;  ///< it has heard that it is to end: it was not through by itself
     bool progressShown_ = false;
     long steps_ = 0;
 };

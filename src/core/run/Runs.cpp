@@ -20,7 +20,12 @@ LongRun* Runs::Holder(Holds what) const {
 
 void Runs::EndThen(Holds what, std::function<void()> next, HowFar telling) {
     if (!Holder(what)) return next();
-    waiting_.push_back({what, std::move(next), telling, {}});
+    Wait({what, std::move(next), telling, {}});
+}
+
+void Runs::Wait(Waiting waiting) {
+    const Holds what = waiting.what;
+    waiting_.push_back(std::move(waiting));
     const auto present = underWay_;
     for (LongRun* run : present)
         if (Share(run->Held(), what)) run->AskToEnd();
@@ -33,25 +38,28 @@ void Runs::Begin(LongRun& run) {
 
 void Runs::End(LongRun& run) {
     std::erase(underWay_, &run);
-    for (Waiting& waiting : waiting_)
-        if (Share(run.Held(), waiting.what) && run.EndAsked())
-            waiting.outcomes.push_back(run.Outcome());
+    // Of several that wait for the same run one tells how far it came.
+    const auto teller = std::find_if(waiting_.begin(), waiting_.end(), [&](const Waiting& one) {
+        return one.telling == HowFar::Told && Share(run.Held(), one.what);
+    });
+    if (const std::string outcome = run.Outcome(); teller != waiting_.end() && !outcome.empty())
+        teller->outcomes.push_back(outcome);
     const auto ready = std::stable_partition(
         waiting_.begin(), waiting_.end(),
         [this](const Waiting& waiting) { return Holder(waiting.what) != nullptr; });
     for (auto one = ready; one != waiting_.end(); ++one)
-        wb_.platform.windows.Post([this, waiting = std::move(*one)] { GoOn(waiting); });
+        wb_.platform.windows.Post([this, waiting = std::move(*one)]() mutable { GoOn(waiting); });
     waiting_.erase(ready, waiting_.end());
     changed.Tell();
 }
 
-/// Another run may have begun in the meantime; it is ended as well then.
-void Runs::GoOn(const Waiting& waiting) {
-    if (Holder(waiting.what)) return EndThen(waiting.what, waiting.next, waiting.telling);
+void Runs::GoOn(Waiting& waiting) {
+    // Another run may have begun in the meantime; it is ended as well then.
+    if (Holder(waiting.what)) return Wait(std::move(waiting));
     std::string text;
     for (const std::string& outcome : waiting.outcomes)
         text += (text.empty() ? "" : "\r\n") + outcome;
-    const bool told = waiting.telling == HowFar::Told && !text.empty();
+    const bool told = !text.empty();
     if (told && !wb_.state.UnattendedRun) Tell(wb_, text, BoxIcon::Information);
     waiting.next();
     if (told && wb_.shell) wb_.shell->SetPanel(text);

@@ -59,7 +59,8 @@ private:
     };
     void Begin(LongRun& run);
     void End(LongRun& run);
-    void GoOn(const Waiting& waiting);
+    void Wait(Waiting waiting);
+    void GoOn(Waiting& waiting);
 
     Workbench& wb_;
     std::vector<LongRun*> underWay_;  ///< in the order of their beginning

@@ -1,5 +1,6 @@
 #include "core/settings/frmSettings.h"
 
+#include <initializer_list>
 #include <utility>
 
 #include "core/MessageBoxes.h"
@@ -29,7 +30,8 @@ frmSettings::frmSettings(Workbench& wb) : WorkbenchForm(wb, "frmSettings", "Proj
     FillChoices();
     WireFields();
     WireDatabaseFields();
-    cmbAccessTable.SetEnabled(false);
+    runsChanged_ = wb.runs.changed.Observe([this] { ApplyDependentStates(); });
+    ApplyDependentStates();
     Check2.SetVisible(false);  // kept for the project files that carry it
     lblTimeOut.SetText(MinutesText(Slider1.Value()));
 }
@@ -116,16 +118,27 @@ void frmSettings::FillEmptyNumbers() {
         if (Trim(field->Text()).empty()) field->SetText(number);
 }
 
+/// What a run was started with stays as it is until its end.
 void frmSettings::ApplyDependentStates() {
-    txtIdentityCustom.SetEnabled(optIdentityCustom.IsSet());
+    const bool sending = !wb_.runs.Holder(Holds::Settings);
+    for (Control* control : std::initializer_list<Control*>{
+             &cmbSMTPSecurity, &chkSMTPVerify, &chkServer, &chkSMTPAuth, &chkSaveSentMessages,
+             &chkDeleteUndeliverables, &txtDeleteUndeliverables, &optIdentityDefault,
+             &optIdentityAnonymous, &optIdentityCustom, &chkAddHTMLHeader, &txtAddHTMLHeader})
+        control->SetEnabled(sending);
+    txtIdentityCustom.SetEnabled(sending && optIdentityCustom.IsSet());
+    txtSMTPServer.SetEnabled(sending && !chkServer.Checked());
+    txtSMTPPort.SetEnabled(sending && !chkServer.Checked());
+    cmdTestSMTP.SetEnabled(cmdTestSMTP.onClick && !chkServer.Checked());
+    SSCommand1.SetEnabled(SSCommand1.onClick && sending && chkServer.Checked());
+    cmdSMTPAuth.SetEnabled(cmdSMTPAuth.onClick && sending && chkSMTPAuth.Checked());
+    const bool recipients = !wb_.runs.Holder(Holds::Recipients);
+    txtAccessDBPath.SetEnabled(recipients);
+    cmdAccessBrowse.SetEnabled(recipients);
+    cmbAccessTable.SetEnabled(recipients && databaseOpens_);
     txtSigFile.SetEnabled(optFile.IsSet());
     cmdSigBrowse.SetEnabled(optFile.IsSet());
     txtSignature.SetEnabled(optText.IsSet());
-    txtSMTPServer.SetEnabled(!chkServer.Checked());
-    txtSMTPPort.SetEnabled(!chkServer.Checked());
-    cmdTestSMTP.SetEnabled(cmdTestSMTP.onClick && !chkServer.Checked());
-    SSCommand1.SetEnabled(SSCommand1.onClick && chkServer.Checked());
-    cmdSMTPAuth.SetEnabled(cmdSMTPAuth.onClick && chkSMTPAuth.Checked());
     cmdDataImport.SetEnabled(cmdDataImport.onClick && chkAutoImportEmail.Checked());
 }
 
@@ -162,12 +175,13 @@ void frmSettings::OpenDatabaseFile() {
     fillingTables_ = true;
     FillTables(path);
     fillingTables_ = false;
+    ApplyDependentStates();
     if (std::exchange(openedDatabase_, path) != path) databaseChanged.Tell();
 }
 
 void frmSettings::FillTables(const std::string& path) {
     cmbAccessTable.Clear();
-    cmbAccessTable.SetEnabled(false);
+    databaseOpens_ = false;
     if (path.empty()) return;
     const auto workspace = Workspace::Create();
     const auto database = workspace->OpenDatabase(path);
@@ -177,7 +191,7 @@ void frmSettings::FillTables(const std::string& path) {
     if (tables.Ok()) {
         cmbAccessTable.SetItems(*tables);
         cmbAccessTable.SetListIndex(0);
-        cmbAccessTable.SetEnabled(true);
+        databaseOpens_ = true;
     } else if (!wb_.state.LoadingProject) {
         Tell(wb_, tables.Error().description, BoxIcon::Critical);
     }

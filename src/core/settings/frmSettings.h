@@ -117,7 +117,9 @@ private:
     void OpenDatabaseFile();
     void FillTables(const std::string& path);
     std::string openedDatabase_;
+    bool databaseOpens_ = false;  ///< the file is there and is a database
     bool fillingTables_ = false;
+    Subscription runsChanged_;
 };
 
 }  // namespace mailvane

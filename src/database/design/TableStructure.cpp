@@ -3,6 +3,7 @@
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Waiting.h"
+#include "core/run/LongRun.h"
 #include "core/text/Text.h"
 #include "database/design/frmDatabaseTable.h"
 #include "database/upkeep/SuspendedConnection.h"
@@ -134,6 +135,8 @@ void EditTableStructure(Workbench& wb, frmViewDatabase& view, StructureAction ac
     if (NeedsColumn(action) && column.empty())
         return Tell(wb, "Please select the column you want to delete.");
     if (!Confirm(wb, action, table, column)) return;
+    const LongRun run(wb, {"Changing a table", Holds::Recipients});
+    if (!run.Began()) return;
     StructureChange change(wb, table, column);
     change.Run(action).Ignore();  // which has been told
     if (view.IsLoaded()) view.cmdRefresh.Press();

@@ -6,6 +6,7 @@
 #include "core/Paths.h"
 #include "core/Running.h"
 #include "core/Waiting.h"
+#include "core/run/LongRun.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "database/design/frmDatabaseTablePK.h"
@@ -395,6 +396,20 @@ void frmDatabaseTable::ShowTablesInSettings() {
 
 // --- Opening --------------------------------------------------------------------------------
 
+namespace {
+
+/// The designer has the file to itself while it is open.
+void ShowDesigner(Workbench& wb, const std::function<void(frmDatabaseTable&)>& prepare) {
+    LongRun run(wb, {"Designing a table", Holds::Recipients});
+    if (!run.Began()) return;
+    auto& designer = wb.forms.Get<frmDatabaseTable>();
+    run.onEndAsked = [&designer] { designer.Unload(); };
+    prepare(designer);
+    ShowModalDialog(wb, designer);
+}
+
+}  // namespace
+
 void DesignNewTable(Workbench& wb) {
     if (wb.forms.Get<frmSettings>().txtAccessDBPath.Text().empty())
         return Tell(wb, "Please create new database or open existing database first.");
@@ -404,17 +419,17 @@ void DesignNewTable(Workbench& wb) {
     if (name.empty()) return;
     if (!IsValidTableName(name))
         return Tell(wb, InvalidNameText("Table", name), BoxIcon::None, InvalidNameTitle);
-    auto& designer = wb.forms.Get<frmDatabaseTable>();
-    designer.NameTable(name);
-    designer.cmbFieldDataType.SetText("Text");
-    ShowModalDialog(wb, designer);
+    ShowDesigner(wb, [&](frmDatabaseTable& designer) {
+        designer.NameTable(name);
+        designer.cmbFieldDataType.SetText("Text");
+    });
 }
 
 void DesignTable(Workbench& wb, const std::string& table) {
-    auto& designer = wb.forms.Get<frmDatabaseTable>();
-    designer.NameTable(table);
-    designer.cmdNapuniPolja.Press();
-    ShowModalDialog(wb, designer);
+    ShowDesigner(wb, [&](frmDatabaseTable& designer) {
+        designer.NameTable(table);
+        designer.cmdNapuniPolja.Press();
+    });
 }
 
 }  // namespace mailvane

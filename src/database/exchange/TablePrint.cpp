@@ -4,8 +4,7 @@
 #include <numeric>
 
 #include "core/MessageBoxes.h"
-#include "core/Waiting.h"
-#include "core/run/Progress.h"
+#include "core/run/LongRun.h"
 #include "database/exchange/frmDatabasePrint.h"
 #include "database/view/frmViewDatabase.h"
 
@@ -100,20 +99,21 @@ PrintJob PrintJobOf(const Grid& grid, PrintKind kind) {
 }
 
 bool RunPrint(Workbench& wb, PrintJob& job) {
-    wb.state.CancelRequested = false;
-    long shownPages = 0;
+    LongRun run(wb, {"Printing", Holds::Recipients});
+    if (!run.Began()) return false;
+    std::size_t printed = 0;
+    std::size_t all = 0;
+    run.howFar = [&] {
+        return std::to_string(printed) + " of " + std::to_string(all) + " pages are printed";
+    };
     job.progress = [&](std::size_t page, std::size_t pages) {
-        if (shownPages == 0) {
-            shownPages = static_cast<long>(pages);
-            UpdateProgress(wb, shownPages, 0, "Printing...");
-        }
-        if (page < pages) UpdateProgress(wb, 0, static_cast<long>(page));
-        YieldBriefly(wb);
-        return !wb.state.CancelRequested;
+        if (all == 0) run.ShowProgress(static_cast<long>(pages), "Printing...");
+        all = pages;
+        printed = page;
+        return run.GoesOn(static_cast<long>(page));
     };
     const PrintOutcome outcome = wb.platform.windows.PrintTable(job);
-    if (shownPages > 0) UpdateProgress(wb, 0, shownPages);
-    wb.state.CancelRequested = false;
+    run.HideProgress();
     if (outcome.result == PrintOutcome::Result::Failed)
         Tell(wb, outcome.reason, BoxIcon::Exclamation);
     return outcome.result == PrintOutcome::Result::Printed;

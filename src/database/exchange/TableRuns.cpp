@@ -7,7 +7,7 @@
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Waiting.h"
-#include "core/run/Progress.h"
+#include "core/run/LongRun.h"
 #include "core/text/Text.h"
 #include "platform/os/Files.h"
 #include "platform/tables/AccessSource.h"
@@ -20,38 +20,31 @@ namespace {
 constexpr long Steps = 1000;
 constexpr const char* DatabaseExtension = ".db";
 
-/// The progress display for the length of a run of several parts.
-class RunProgress {
+/// An import or export of several parts. It leaves nothing behind when it ends early.
+class ExchangeRun {
 public:
-    RunProgress(Workbench& wb, std::size_t parts, const char* caption, const char* text)
-        : wb_(wb), parts_(static_cast<long>(parts)) {
-        wb_.state.CancelRequested = false;
-        UpdateProgress(wb_, Steps, 0, caption, text);
+    ExchangeRun(Workbench& wb, std::size_t parts, const char* caption, const std::string& name)
+        : run_(wb, {name, Holds::Recipients}), parts_(static_cast<double>(parts)) {
+        if (run_.Began()) run_.ShowProgress(Steps, caption, name + "...");
+        run_.howFar = [] { return std::string("the records stay as they were"); };
     }
-    ~RunProgress() {
-        UpdateProgress(wb_, 0, Steps);
-        wb_.state.CancelRequested = false;
-    }
-    RunProgress(const RunProgress&) = delete;
-    RunProgress& operator=(const RunProgress&) = delete;
 
+    bool Began() const { return run_.Began(); }
+    /// Its outcome is told by whoever has asked it to end.
+    bool EndAsked() const { return run_.EndAsked(); }
     void EndPart() { ++part_; }
     TableProgress Reporter() {
         return [this](std::int64_t done, std::int64_t total) {
             const double share =
                 total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
-            const double value =
-                (static_cast<double>(part_) + share) * Steps / static_cast<double>(parts_);
-            UpdateProgress(wb_, 0, std::clamp(static_cast<long>(value), 0L, Steps - 1));
-            YieldBriefly(wb_);
-            return !wb_.state.CancelRequested;
+            return run_.GoesOn(static_cast<long>((part_ + share) * Steps / parts_));
         };
     }
 
 private:
-    Workbench& wb_;
-    long parts_;
-    long part_ = 0;
+    LongRun run_;
+    const double parts_;
+    int part_ = 0;
 };
 
 /// The file, and what the engine may have left beside it.
@@ -77,18 +70,20 @@ bool RunImports(Workbench& wb, Database& database, TableSource& source,
     std::string outcomes;
     std::string failure;
     std::vector<std::string> rejectedFiles;
+    bool endAsked = false;
     {
         const BusyPointer busy(wb);
-        RunProgress progress(wb, imports.size(), "Import", "Importing records...");
+        ExchangeRun run(wb, imports.size(), "Import", "Importing records");
+        if (!run.Began()) return false;
         const DaoError outcome = database.Transaction([&]() -> DaoError {
             for (const TableImportOptions& import : imports) {
                 const TableImportResult result =
-                    ImportTable(database, source, import, progress.Reporter());
+                    ImportTable(database, source, import, run.Reporter());
                 failure = result.error;
                 if (!failure.empty()) return {dao_error::EngineFailure, failure};
                 if (result.rejected > 0) rejectedFiles.push_back(result.rejectedFile);
                 outcomes += (outcomes.empty() ? "" : "\r\n") + OutcomeText(import, result);
-                progress.EndPart();
+                run.EndPart();
             }
             return {};
         });
@@ -96,21 +91,26 @@ bool RunImports(Workbench& wb, Database& database, TableSource& source,
         if (outcome.Failed())
             for (const std::string& file : rejectedFiles)
                 DeleteFile(file);
+        endAsked = run.EndAsked();
     }
     const bool done = failure.empty();
-    Tell(wb, done ? outcomes : failure, done ? BoxIcon::Information : BoxIcon::Exclamation);
+    if (done || !endAsked)
+        Tell(wb, done ? outcomes : failure, done ? BoxIcon::Information : BoxIcon::Exclamation);
     return done;
 }
 
 bool RunExport(Workbench& wb, Database& database, const TableExportOptions& options) {
     TableExportResult result;
+    bool endAsked = false;
     {
         const BusyPointer busy(wb);
-        RunProgress progress(wb, 1, "Export", "Exporting records...");
-        result = ExportTable(database, options, progress.Reporter());
+        ExchangeRun run(wb, 1, "Export", "Exporting records");
+        if (!run.Began()) return false;
+        result = ExportTable(database, options, run.Reporter());
+        endAsked = run.EndAsked();
     }
     if (!result.error.empty()) {
-        Tell(wb, result.error, BoxIcon::Exclamation);
+        if (!endAsked) Tell(wb, result.error, BoxIcon::Exclamation);
         return false;
     }
     std::string text =

@@ -2,15 +2,13 @@
 
 #include <algorithm>
 #include <tuple>
-#include <utility>
 
 #include "core/MessageBoxes.h"
 #include "core/Waiting.h"
-#include "core/run/Progress.h"
 #include "core/text/Text.h"
 #include "database/tools/TableCopies.h"
 #include "database/tools/frmDatabaseCopy.h"
-#include "database/view/frmViewDatabase.h"
+#include "database/view/ViewRowLoop.h"
 
 namespace mailvane {
 
@@ -18,23 +16,6 @@ namespace {
 
 /// A text that no row holds: a copy of the rows that have it is an empty table.
 constexpr const char* EmptyCopySentinel = "8nfmwl-184cbna348";
-
-/// For the length of a block the grid stands still, and the view's own commands are out of reach.
-class StillView {
-public:
-    explicit StillView(frmViewDatabase& view) : view_(view) { Set(false); }
-    ~StillView() { Set(true); }
-    StillView(const StillView&) = delete;
-    StillView& operator=(const StillView&) = delete;
-
-private:
-    void Set(bool on) {
-        view_.Grid1.SetRedraw(on);
-        view_.ActiveBar1.SetEnabled(on);
-        view_.cmbTable.SetEnabled(on);
-    }
-    frmViewDatabase& view_;
-};
 
 class RowCopyRun {
 public:
@@ -49,7 +30,7 @@ private:
     bool CopyTo(const std::string& table, bool isNew);
     DaoError MakeEmptyTable(const std::string& table);
     DaoError OpenTarget(const std::string& table);
-    bool CopyRows();
+    bool CopyRows(RowLoop& loop);
     DaoError StoreGroup();
     DaoError CopyGroup();
     DaoError CopyOn();
@@ -95,13 +76,14 @@ std::string RowCopyRun::AskTable(CopyTarget target, const std::string& title) {
 /// False when there is no table, or the user has ended it.
 bool RowCopyRun::CopyTo(const std::string& table, bool isNew) {
     const BusyPointer busy(wb_);
-    const StillView still(view_);
+    RowLoop loop(wb_, view_, rows_.size(), "Processing records", "copied");
+    if (!loop.Began()) return false;
     database_ = view_.Data1.Database();
     source_ = view_.Data1.Recordset();
     if (!database_ || !source_) return false;
     if (isNew && !handler_.GoOn(MakeEmptyTable(table))) return false;
     const DaoError opened = OpenTarget(table);
-    return handler_.GoOn(opened) && opened.Ok() && CopyRows();
+    return handler_.GoOn(opened) && opened.Ok() && CopyRows(loop);
 }
 
 DaoError RowCopyRun::MakeEmptyTable(const std::string& table) {
@@ -137,20 +119,14 @@ DaoError RowCopyRun::OpenTarget(const std::string& table) {
     return {};
 }
 
-/// False when the user has ended it by No, or closed the view.
-bool RowCopyRun::CopyRows() {
-    const long total = static_cast<long>(rows_.size());
-    wb_.state.CancelRequested = false;
-    UpdateProgress(wb_, total, 0, "Processing records...");
+/// False when the user has ended it by No, or it was ended for somebody else's sake.
+bool RowCopyRun::CopyRows(RowLoop& loop) {
     while (row_ < rows_.size() && source_->IsOpen()) {
         if (!handler_.GoOn(StoreGroup())) break;
-        if (std::exchange(wb_.state.CancelRequested, false)) break;
         ShowRow();
-        if (row_ < rows_.size()) UpdateProgress(wb_, 0, static_cast<long>(row_));
-        YieldBriefly(wb_);
+        if (!loop.GoesOn(row_)) break;
     }
-    UpdateProgress(wb_, 0, total);
-    return !handler_.Ended() && source_->IsOpen();
+    return !handler_.Ended() && !loop.EndAsked() && source_->IsOpen();
 }
 
 /// The rows from one yield to the next go in as one unit: a commit for each of them would cost more
@@ -174,8 +150,7 @@ DaoError RowCopyRun::CopyGroup() {
     DaoError failed;
     do {
         failed = CopyOn();
-    } while (handler_.Passes(failed) && row_ < rows_.size() && !wb_.state.CancelRequested &&
-             !wb_.platform.windows.YieldIsDue());
+    } while (handler_.Passes(failed) && row_ < rows_.size() && !wb_.platform.windows.YieldIsDue());
     return failed;
 }
 

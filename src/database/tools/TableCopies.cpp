@@ -3,6 +3,7 @@
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Waiting.h"
+#include "core/run/LongRun.h"
 #include "core/text/Text.h"
 #include "database/view/frmViewDatabase.h"
 
@@ -58,6 +59,8 @@ void MakeTableCopy(Workbench& wb, frmViewDatabase& view, const std::string& titl
     DaoError outcome;
     {
         const BusyPointer busy(wb);
+        const LongRun run(wb, {"Copying a table", Holds::Recipients});
+        if (!run.Began()) return;
         outcome = CopyTable(view, copy);
     }
     if (!handler.GoOn(outcome)) return;

@@ -3,6 +3,7 @@
 #include "core/MessageBoxes.h"
 #include "core/Waiting.h"
 #include "core/notices/frmMSGCompact.h"
+#include "core/run/LongRun.h"
 #include "core/settings/frmSettings.h"
 #include "database/upkeep/SuspendedConnection.h"
 #include "database/view/frmViewDatabase.h"
@@ -22,22 +23,30 @@ DaoError RepairOrCompact(const std::string& path, MaintainAction action) {
                                             : DBEngine::CompactInPlace(path, backup);
 }
 
-}  // namespace
-
-void MaintainDatabase(Workbench& wb, frmViewDatabase& view, MaintainAction action) {
-    if (action == MaintainAction::Compact && !ConfirmCompaction(wb)) return;
+void Maintain(Workbench& wb, MaintainAction action) {
+    const bool repair = action == MaintainAction::Repair;
     std::string path;
     DaoError outcome;
     {
         const BusyPointer busy(wb);
+        const LongRun run(
+            wb, {repair ? "Repairing the database" : "Compacting the database", Holds::Recipients});
+        if (!run.Began()) return;
         const SuspendedConnection suspended(wb);
         path = suspended.Path();
         outcome = RepairOrCompact(path, action);
     }
-    if (view.IsLoaded()) view.cmdRefresh.Press();
+    if (auto* view = wb.forms.Find<frmViewDatabase>()) view->cmdRefresh.Press();
     if (outcome.Failed()) return Tell(wb, outcome.description, BoxIcon::Exclamation);
-    const std::string done = action == MaintainAction::Repair ? "repaired" : "compacted";
+    const std::string done = repair ? "repaired" : "compacted";
     Tell(wb, "Successfully " + done + " the '" + path + "' database.");
+}
+
+}  // namespace
+
+void MaintainDatabase(Workbench& wb, frmViewDatabase&, MaintainAction action) {
+    if (action == MaintainAction::Compact && !ConfirmCompaction(wb)) return;
+    wb.runs.EndThen(Holds::Recipients, [&wb, action] { Maintain(wb, action); });
 }
 
 void RemoveUpkeepLeftovers(Workbench& wb) {

@@ -50,7 +50,7 @@ void frmViewDatabase::ShowStates() {
 }
 
 void frmViewDatabase::RunViewCommand(const std::string& toolName) {
-    if (running_ || suspended_ > 0) return;
+    if (Held() || suspended_ > 0) return;
     if (const std::string tool = ToolOfKey(toolName); !tool.empty()) {
         if (tool == "Previous Table")
             StepTable(-1);

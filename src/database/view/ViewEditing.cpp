@@ -66,7 +66,7 @@ DaoError SetCells(Recordset& recordset, const Grid& grid, const std::vector<std:
 
 bool frmViewDatabase::EditCell(std::size_t row, std::size_t column, const std::string& text) {
     const auto recordset = Data1.Recordset();
-    if (running_ || !recordset || row >= Grid1.RowCount()) return false;
+    if (Held() || !recordset || row >= Grid1.RowCount()) return false;
     std::string refusal;
     DaoError outcome = recordset->SetBookmark(Grid1.Rows()->BookmarkAt(row));
     if (outcome.Ok()) outcome = recordset->Edit();
@@ -96,11 +96,12 @@ void frmViewDatabase::InsertRow() {
 
 std::string frmViewDatabase::CopyRows() {
     std::string block;
-    if (running_ || !Data1.Recordset()) return block;
+    if (Held() || !Data1.Recordset()) return block;
     const std::vector<std::size_t> rows = RowsToCopy(Grid1);
     const std::vector<std::size_t> columns = ColumnsOnScreen(Grid1);
     const auto shown = Grid1.Rows();
-    const RowLoop loop(wb_, running_, *this, rows.size(), "Copying records...");
+    RowLoop loop(wb_, *this, rows.size(), "Copying records", "");
+    loop.KeepNothing("nothing is copied");
     for (std::size_t i = 0; i < rows.size();) {
         if (!loop.GoesOn(i)) return {};
         const std::size_t length = RunLength(rows, i);
@@ -119,7 +120,7 @@ std::string frmViewDatabase::CopyRows() {
 /// block goes in, or nothing.
 void frmViewDatabase::PasteBlock(const std::string& text) {
     const TextBlock block = ParseBlock(text);
-    if (running_ || !Data1.Recordset() || block.empty()) return;
+    if (Held() || !Data1.Recordset() || block.empty()) return;
     std::vector<std::size_t> columns = ColumnsOnScreen(Grid1);
     columns.erase(columns.begin(),
                   std::find(columns.begin(), columns.end(), Grid1.CurrentColumn()));
@@ -153,7 +154,8 @@ DaoError frmViewDatabase::PasteRows(const TextBlock& block, const std::vector<st
                                     std::size_t first, std::string& refusal) {
     const auto recordset = Data1.Recordset();
     const std::size_t before = Grid1.RowCount();
-    const RowLoop loop(wb_, running_, *this, block.size(), "Pasting records...");
+    RowLoop loop(wb_, *this, block.size(), "Pasting records", "");
+    loop.KeepNothing("nothing is pasted");
     for (std::size_t i = 0; i < block.size(); ++i) {
         if (!loop.GoesOn(i)) return {dao_error::EngineFailure, "Cancelled"};
         DaoError outcome;

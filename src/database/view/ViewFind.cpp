@@ -30,7 +30,7 @@ void frmViewDatabase::ShowFind() {
 /// The next row behind the current one that holds the text, or from the top of the table to it,
 /// becomes the only one selected.
 void frmViewDatabase::FindNext(const std::string& text, bool matchCase) {
-    if (running_ || text.empty()) return;
+    if (Held() || text.empty()) return;
     const CellMatch matches = MatchFor(text, matchCase);
     const std::size_t rows = Grid1.RowCount();
     const std::size_t behind = Grid1.CurrentRow() ? *Grid1.CurrentRow() + 1 : 0;
@@ -43,7 +43,7 @@ bool frmViewDatabase::FindInRows(std::size_t first, std::size_t end, const CellM
     const auto shown = Grid1.Rows();
     std::optional<std::size_t> found;
     {
-        const RowLoop loop(wb_, running_, *this, end - std::min(first, end), "Searching...");
+        RowLoop loop(wb_, *this, end - std::min(first, end), "Searching", "searched");
         for (std::size_t row = first; row < end && !found; row += ReadAtOnce) {
             if (!loop.GoesOn(row - first)) return true;
             const auto texts = shown->Read(row, std::min(ReadAtOnce, end - row));

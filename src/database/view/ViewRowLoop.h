@@ -1,54 +1,52 @@
 #pragma once
 
-#include <algorithm>
 #include <string>
+#include <utility>
 
-#include "core/Waiting.h"
-#include "core/run/Progress.h"
+#include "core/run/LongRun.h"
 #include "database/view/frmViewDatabase.h"
 
 namespace mailvane {
 
-/// A loop over rows of the database view: the progress display is on, the grid's screen stays as it
-/// is, and the view takes no other command meanwhile.
+/// A loop over rows of the database view: a run that holds the recipients, during which the grid's
+/// screen stays as it is.
 class RowLoop {
 public:
-    RowLoop(Workbench& wb, bool& running, frmViewDatabase& view, std::size_t rows,
-            const std::string& text)
-        : wb_(wb), running_(running), view_(view), rows_(static_cast<long>(rows)) {
-        running_ = true;
-        wb_.state.CancelRequested = false;
-        view_.cmbTable.SetEnabled(false);
+    /// `name` and `result` are of the sentence "Deleting records was ended early: 3 of 10 records
+    /// are deleted."
+    RowLoop(Workbench& wb, frmViewDatabase& view, std::size_t rows, const std::string& name,
+            std::string result)
+        : run_(wb, {name, Holds::Recipients}), view_(view), rows_(rows) {
         view_.Grid1.SetRedraw(false);
-        if (rows_ > 0) UpdateProgress(wb_, rows_, 0, text, "", rows_ >= ManyRows);
+        if (!run_.Began()) return;
+        if (rows > 0) run_.ShowProgress(static_cast<long>(rows), name + "...");
+        run_.howFar = [this, result = std::move(result)] {
+            return std::to_string(done_) + " of " + std::to_string(rows_) + " records are " +
+                   result;
+        };
     }
-    ~RowLoop() {
-        if (rows_ > 0) UpdateProgress(wb_, 0, rows_);
-        wb_.state.CancelRequested = false;
-        running_ = false;
-        view_.cmbTable.SetEnabled(true);
-        view_.Grid1.SetRedraw(true);
-    }
+    ~RowLoop() { view_.Grid1.SetRedraw(true); }
     RowLoop(const RowLoop&) = delete;
     RowLoop& operator=(const RowLoop&) = delete;
 
-    /// Shows how many rows are done and yields, when a yield is due. False when the user has
-    /// cancelled, or the view has been closed.
-    bool GoesOn(std::size_t done) const {
-        if (wb_.platform.windows.YieldIsDue()) {
-            UpdateProgress(wb_, 0, std::min(static_cast<long>(done), rows_ - 1));
-            YieldBriefly(wb_);
-        }
-        return !wb_.state.CancelRequested && view_.IsLoaded();
+    bool Began() const { return run_.Began(); }
+    bool EndAsked() const { return run_.EndAsked(); }
+    /// Shows how many rows are done, and lets the interface live when that is due. False when the
+    /// loop is to end.
+    bool GoesOn(std::size_t done) {
+        done_ = done;
+        return run_.Began() && run_.GoesOn(static_cast<long>(done));
+    }
+    /// What the loop did is undone when it ends early.
+    void KeepNothing(std::string outcome) {
+        run_.howFar = [outcome = std::move(outcome)] { return outcome; };
     }
 
 private:
-    static constexpr long ManyRows = 200;  ///< fewer are done before a window could be read
-
-    Workbench& wb_;
-    bool& running_;
+    LongRun run_;
     frmViewDatabase& view_;
-    long rows_;
+    std::size_t rows_;
+    std::size_t done_ = 0;
 };
 
 }  // namespace mailvane

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "core/MessageBoxes.h"
+#include "core/Waiting.h"
 #include "database/view/ViewRowLoop.h"
 #include "database/view/frmMSGDeleteDatabase.h"
 #include "database/view/frmViewDatabase.h"
@@ -29,12 +30,12 @@ DaoError DeleteGroup(Workbench& wb, Recordset& recordset, const std::vector<Book
 
 void frmViewDatabase::SelectAllRows() {
     const std::size_t rows = Grid1.RowCount();
-    if (rows == 0 || running_) return;
+    if (rows == 0 || Held()) return;
     const auto shown = Grid1.Rows();
     std::vector<Bookmark> bookmarks;
     bookmarks.reserve(rows);
     {
-        const RowLoop loop(wb_, running_, *this, rows, "Selecting records...");
+        RowLoop loop(wb_, *this, rows, "Selecting records", "selected");
         while (bookmarks.size() < rows && loop.GoesOn(bookmarks.size()))
             bookmarks.push_back(shown->BookmarkAt(bookmarks.size()));
         Grid1.SetSelected(std::move(bookmarks));
@@ -44,7 +45,7 @@ void frmViewDatabase::SelectAllRows() {
 
 void frmViewDatabase::DeleteSelectedRows(bool silent) {
     const std::size_t count = Grid1.SelBookmarks().Count();
-    if (count == 0 || running_ || !Data1.Recordset()) return;
+    if (count == 0 || Held() || !Data1.Recordset()) return;
     if (!silent && !AskToDelete(wb_, count)) return;
     const std::string table = Data1.CurrentTable();
     const std::int64_t before = Data1.Recordset()->RecordCount();
@@ -74,7 +75,7 @@ DaoError frmViewDatabase::DeleteRows(std::vector<Bookmark> bookmarks) {
     const auto recordset = Data1.Recordset();
     const auto database = Data1.Database();
     const std::size_t row = Grid1.CurrentRow().value_or(0);
-    const RowLoop loop(wb_, running_, *this, bookmarks.size(), "Deleting records...");
+    RowLoop loop(wb_, *this, bookmarks.size(), "Deleting records", "deleted");
     SetPanel("Deleting records...");
     std::size_t done = 0;
     DaoError refused;
@@ -85,7 +86,7 @@ DaoError frmViewDatabase::DeleteRows(std::vector<Bookmark> bookmarks) {
             return {};
         });
     }
-    if (!recordset->IsOpen()) return {};  // the view was closed meanwhile
+    if (!recordset->IsOpen()) return {};  // another table has come into the view
     if (lost.Failed()) {
         // A group that is not in the file has not gone: the rows are read again.
         ShowTable(Data1.RecordSource).Ignore();

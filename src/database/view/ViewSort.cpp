@@ -8,7 +8,7 @@ namespace mailvane {
 /// A click on the head asks for the other direction than the last one. The mark in the head names
 /// the direction that the next click gives.
 void frmViewDatabase::SortGridByColumn(std::size_t column) {
-    if (running_ || !Data1.Recordset() || column >= Grid1.Columns().size()) return;
+    if (Held() || !Data1.Recordset() || column >= Grid1.Columns().size()) return;
     const std::string name = Grid1.Columns()[column].name;
     if (Data1.Recordset()->Fields().at(column).type == FieldType::Memo) return TellMemoSort(wb_);
     const BusyPointer busy(wb_);

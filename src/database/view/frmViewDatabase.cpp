@@ -25,6 +25,18 @@ frmViewDatabase::frmViewDatabase(Workbench& wb)
         if (!filling_) SwitchTable();
     };
     Timer1.onTimer = [this] { FollowState(); };
+    runsChanged_ = wb.runs.changed.Observe([this] { FollowRuns(); });
+    FollowRuns();
+}
+
+/// A run works on the connection: what it goes through stays as it is.
+bool frmViewDatabase::Held() const {
+    return wb_.runs.Holder(Holds::Recipients) != nullptr;
+}
+
+void frmViewDatabase::FollowRuns() {
+    ActiveBar1.SetEnabled(!Held());
+    cmbTable.SetEnabled(!Held());
 }
 
 bool frmViewDatabase::Connected() const {
@@ -48,7 +60,7 @@ void frmViewDatabase::OnActivate() {
 }
 
 bool frmViewDatabase::OnQueryUnload() {
-    return !running_;
+    return MayUnload(wb_, *this, Holds::Recipients);
 }
 
 void frmViewDatabase::OnUnload() {
@@ -121,7 +133,7 @@ void frmViewDatabase::FillTableLists() {
 
 void frmViewDatabase::SwitchTable() {
     const std::string table = cmbTable.Text();
-    if (table.empty() || running_) return;
+    if (table.empty() || Held()) return;
     if (!EqualText(table, Data1.CurrentTable())) {
         SaveLayout();
         const DaoError shown = ShowTable(table);

@@ -102,6 +102,8 @@ private:
     void ShowRecordCount();
     std::string RecordCountText() const;
     void FollowState();
+    void FollowRuns();
+    bool Held() const;
 
     // Layout and place: ViewLayout.cpp
     void SaveLayout();
@@ -143,9 +145,9 @@ private:
 
     bool connected_ = false;
     bool filling_ = false;
-    bool running_ = false;  ///< a loop over rows is under way
     bool forgetPlace_ = false;
     int suspended_ = 0;
+    Subscription runsChanged_;
     std::string sortState_;  ///< "ASC" or "DESC": the order last used; "" before the first
     std::string shownCount_;
     std::vector<GridColumn> storedLayout_;  ///< what the layout file has for the table

@@ -23,6 +23,7 @@ public:
 
 protected:
     void OnLoad() override;
+    bool OnQueryUnload() override { return MayUnload(wb_, *this, Holds::Store); }
     void OnUnload() override;
 
 private:
