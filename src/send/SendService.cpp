@@ -64,7 +64,7 @@ void SendService::State::Attach(frmSettings& settings) {
 void SendService::State::Send(frmSettings& settings) {
     if (!wb.state.RunBusy) {
         wb.state.RunBusy = true;
-        SendRun(wb, settings, memory).SendAll();
+        SendAll(wb, settings, memory);
         wb.state.RunBusy = false;
         return;
     }

@@ -150,19 +150,63 @@ TEST_F(SendRuns, ProjectSwitchInTheMiddleEndsTheRunSafely) {
         return "?";
     };
     const auto switchProject = [&](frmStatusEmail&) {
-        wb.forms.UnloadAllExcept({"frmMain"});
-        UseProject("Other");
-        wb.forms.Get<frmSettings>();
-        wb.forms.Get<frmViewEmail>();
+        EXPECT_FALSE(view.Unload()) << "the store is in use";
+        EXPECT_EQ(settings.txtSMTPServer.SetByUser("other"), ControlAnswer::Disabled);
+        wb.runs.EndThen(Holds::Everything, [&] {
+            wb.forms.UnloadAllExcept({"frmMain"});
+            UseProject("Other");
+            wb.forms.Get<frmSettings>();
+            wb.forms.Get<frmViewEmail>();
+        });
+        clock.Advance(std::chrono::seconds(5));  // the server stays silent for them
     };
+    Prompts().QueueBox(BoxAnswer::Ok,
+                       "Sending messages was ended early: 1 of 3 messages are sent, 2 are left in "
+                       "the Outbox.");
     PressOnce([&] { return reached.load(); }, switchProject);
     QueueMany(3);
     Send();
+    Settle();
+    EXPECT_EQ(Prompts().Shown().size(), 1u);
+    EXPECT_EQ(wb.state.ProjectName, "Other");
     EXPECT_EQ(Delivered(), "p1@example.com ");
     EXPECT_EQ(Recipients("Outbox"), "p2@example.com p3@example.com ");
-    EXPECT_EQ(ErrorLog(), "") << "the other project has no errors";
-    EXPECT_NE(ReadFileText(firstProject + "/errorlog.txt"), "");
+    for (const char* file : {"/errorlog.txt", "/delivery.txt"}) {
+        EXPECT_EQ(ReadFileText(wb.state.ProjectFolder + file), "") << "the other project has none";
+        EXPECT_NE(ReadFileText(firstProject + file), "");
+    }
     EXPECT_FALSE(wb.state.RunBusy);
+}
+
+TEST_F(SendRuns, TheListShowsWhatBecameOfEachMessage) {
+    Refuse("p1@", "550 No such user");
+    const std::string all = QueueMany(4);
+    const auto read = [](frmStatusEmail& status) {
+        const std::string from = "Ann <ann@example.com>";
+        const std::vector<std::vector<std::string>> rows = {
+            {"Hello", "p1@example.com", from, "error"},
+            {"Hello", "p2@example.com", from, "success"},
+            {"Hello", "p3@example.com", from, "connected"},
+            {"Hello", "p4@example.com", from, "add"}};
+        EXPECT_EQ(status.lMessages.Rows()->Read(0, 4), rows);
+        EXPECT_EQ(status.lMessages.CurrentRow(), 2u);
+    };
+    PressOnce([&] { return shell.panel == "Sending message 3 of 4..."; }, read);
+    Send();
+    EXPECT_TRUE(pressed);
+}
+
+TEST_F(SendRuns, TheLineIsHungUpAfterTheFinalStepAlone) {
+    for (const bool final : {false, true}) {
+        QueueMany(1);
+        wb.state.FinalRunStep = final;
+        shell.panels.clear();
+        PressOnce([] { return true; }, [](auto& status) { status.chkHang.SetByUser("1"); });
+        Send();
+        EXPECT_EQ(std::count(shell.panels.begin(), shell.panels.end(),
+                             "Disconnecting from the Internet..."),
+                  final ? 1 : 0);
+    }
 }
 
 TEST_F(SendRuns, SecondClickShowsTheRunInPlaceOfStartingOne) {
@@ -295,6 +339,12 @@ TEST_F(SendRuns, ModemWithoutALineWarnsOnceACommand) {
     Send();
     EXPECT_EQ(Prompts().Shown().size(), 1u) << "tried without asking again";
     EXPECT_EQ(Delivered(), "a@example.com ");
+    Queue("b@example.com");
+    wb.state.FinalRunStep = true;
+    Send();
+    Prompts().QueueBox(BoxAnswer::Ok, "You are not connected to the Internet.");
+    Send();
+    EXPECT_EQ(Prompts().Shown().size(), 2u) << "another command";
 }
 
 TEST_F(SendRuns, PreparingDialogAppearsAboveTwentyMessages) {
@@ -346,6 +396,22 @@ TEST_F(StatusForm, ConversationIsCappedAndEndsOnItsLastLine) {
     EXPECT_EQ(status.List1.Count(), 30001);
     EXPECT_EQ(status.List1.Text(), "line 70000");
     EXPECT_EQ(status.List1.FirstItem(), "line 40000");
+}
+
+TEST_F(StatusForm, SilenceIsMeasuredOverMidnight) {
+    auto& settings = wb.forms.Get<frmSettings>();
+    settings.chkSndTimeOut.SetChecked(true);
+    settings.Slider1.SetValue(3);
+    int givenUp = 0;
+    status.onGiveUpMessage = [&] { ++givenUp; };
+    clock.Advance(std::chrono::hours(13) + std::chrono::minutes(29));  // 23:59
+    wb.state.LastSmtpActivity = SecondsSinceMidnight(clock.Now());
+    for (const int minutes : {2, 1}) {
+        EXPECT_EQ(givenUp, 0);
+        clock.Advance(std::chrono::minutes(minutes));
+        windows.PumpEvents();
+    }
+    EXPECT_EQ(givenUp, 1);
 }
 
 TEST_F(StatusForm, DetailsOpenAndClose) {

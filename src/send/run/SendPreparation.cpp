@@ -1,9 +1,9 @@
+#include "send/run/SendPreparation.h"
+
 #include "core/MessageBoxes.h"
 #include "core/Waiting.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/Settings.h"
-#include "send/run/SendRun.h"
-#include "send/run/SentMessages.h"
 #include "store/MessageStore.h"
 
 namespace mailvane {
@@ -14,142 +14,140 @@ constexpr std::int64_t SilentRows = 20;        ///< so many are listed without a
 constexpr std::int64_t ManySentItems = 40000;  ///< more than this raise the question
 constexpr std::size_t ListPiece = 500;
 constexpr const char* Preparing = "Preparing messages...";
-constexpr const char* LineEnd = "\r\n";
 
-}  // namespace
+bool OpenStore(SendJob& job) {
+    auto& workspace = job.wb.state.MainWorkspace;
+    if (!workspace) workspace = Workspace::Create();
+    auto opened = workspace->OpenDatabase(MessageStorePath(job.wb));
+    if (opened.Ok())
+        job.store = *opened;
+    else
+        job.NoteError(opened.Error());
+    return opened.Ok();
+}
 
-bool SendRun::Open() {
-    if (!wb_.state.MainWorkspace) wb_.state.MainWorkspace = Workspace::Create();
-    auto opened = wb_.state.MainWorkspace->OpenDatabase(MessageStorePath(wb_));
-    if (opened.Failed()) {
-        NoteError(opened.Error());
-        return false;
+/// What a run that died had sent leaves the Outbox now, as if that run had ended. Gives what could
+/// not be taken out.
+AcceptedMessages FinishInterruptedRun(SendJob& job) {
+    auto accepted = SentLedger::Entries(*job.store);
+    if (accepted.Failed()) {
+        job.NoteError(accepted.Error());
+        return {};
     }
-    database_ = *opened;
-    return true;
+    accepted->insert(job.memory.unrecorded.begin(), job.memory.unrecorded.end());
+    if (accepted->empty()) return {};
+    const BusyPointer pointer(job.wb);
+    job.notes.NoteAccepted(*job.store, *accepted, job.memory.reported);
+    AcceptedMessages unfinished = job.FinishMessages(*accepted);
+    job.RefreshMailView();
+    return unfinished;
 }
 
-/// What a run that died had sent leaves the Outbox now, as if that run had ended.
-void SendRun::FinishInterruptedRun() {
-    auto accepted = SentLedger::Entries(*database_);
-    if (accepted.Failed()) return NoteError(accepted.Error());
-    accepted->insert(memory_.unrecorded.begin(), memory_.unrecorded.end());
-    if (accepted->empty()) return;
-    const BusyPointer pointer(wb_);
-    notes_.NoteAccepted(*database_, *accepted, memory_.reported);
-    acceptedBefore_ = FinishMessages(*accepted);
-    RefreshMailView();
-}
-
-/// True when there is something to send.
-bool SendRun::PrepareSendList() {
-    const BusyPointer pointer(wb_);
-    const auto list = database_->OpenRecordset("SELECT [Subject], [To], [From] FROM [" +
-                                               std::string(OutboxFolder) + "]");
-    if (list.Failed()) {
-        NoteError(list.Error());
-        return false;
-    }
-    if ((*list)->RecordCount() == 0) {
-        ShowStatus("Your Outbox folder is empty.");
-        return false;
-    }
-    TakeStatusForm();
-    status_->lStatus.SetText("Connecting to the server...");
-    status_->SetCaption(SendingCaption);
-    if (wb_.shell) wb_.shell->SetPanel(Preparing);
-    FillMessageList(**list);
-    wb_.platform.windows.PumpEvents();
-    ShowStatus(status_->lStatus.Text());
-    status_->Show();
-    const std::int64_t count = (*list)->RecordCount();
-    status_->lStats.SetText(std::to_string(count) + (count == 1 ? " message." : " messages."));
-    return true;
-}
-
-void SendRun::TakeStatusForm() {
-    status_ = &wb_.forms.Get<frmStatusEmail>();
-    status_->onStopTransfer = [this] {
-        outgoing_.GiveUp();
-        smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
-    };
-    status_->onGiveUpMessage = [this] {
-        outgoing_.GiveUp();
-        smtp_.SetAction(SmtpClient::Action::Disconnect).Ignore();
-        smtp_.MailServer = "";
-    };
-}
-
-void SendRun::FillMessageList(const Recordset& list) {
+void FillMessageList(SendJob& job, const Recordset& list) {
     const std::int64_t count = list.RecordCount();
-    if (count > SilentRows) ShowPreparing(wb_, Preparing, static_cast<long>(count));
-    status_->ClearMessages();
+    if (count > SilentRows) ShowPreparing(job.wb, Preparing, static_cast<long>(count));
+    job.status->ClearMessages();
     for (std::size_t first = 0; first < static_cast<std::size_t>(count); first += ListPiece) {
         const auto rows = list.ReadRows(first, ListPiece);
         if (rows.Failed()) {
-            NoteError(rows.Error());
+            job.NoteError(rows.Error());
             break;
         }
         for (const auto& row : *rows) {
-            status_->AddMessage(row[0].TextOrEmpty(), row[1].TextOrEmpty(), row[2].TextOrEmpty());
-            StepPreparing(wb_);
+            job.status->AddMessage(row[0].TextOrEmpty(), row[1].TextOrEmpty(),
+                                   row[2].TextOrEmpty());
+            StepPreparing(job.wb);
         }
     }
-    status_->ShowMessages();
-    EndPreparing(wb_);
+    job.status->ShowMessages();
+    EndPreparing(job.wb);
 }
 
-bool SendRun::OpenOutbox() {
-    auto opened = database_->OpenRecordset(OutboxFolder, RecordsetType::Table);
-    if (opened.Failed()) {
-        NoteError(opened.Error());
-        return false;
+std::optional<SendOutcome> PrepareSendList(SendJob& job) {
+    const BusyPointer pointer(job.wb);
+    const auto list = job.store->OpenRecordset("SELECT [Subject], [To], [From] FROM [" +
+                                               std::string(OutboxFolder) + "]");
+    if (list.Failed()) {
+        job.NoteError(list.Error());
+        return SendOutcome::NotStarted;
     }
-    outbox_ = *opened;
-    storeFailure_ = OpenLedgers();
-    count_ = outbox_->RecordCount();
-    status_->Progress1.SetMaximum(static_cast<long>(count_));
-    status_->Progress1.SetValue(0);
-    return true;
-}
-
-/// Without them nothing can be sent: it might be sent twice.
-DaoError SendRun::OpenLedgers() {
-    auto ledger = SentLedger::Open(*database_);
-    if (ledger.Failed()) return ledger.Error();
-    ledger_ = *ledger;
-    auto delivered = DeliveredLedger::Entries(*database_);
-    if (delivered.Failed()) return delivered.Error();
-    deliveredBefore_ = std::move(*delivered);
-    for (const auto& [id, addresses] : memory_.unrecordedRecipients)
-        deliveredBefore_[id].insert(addresses.begin(), addresses.end());
+    const std::int64_t count = (*list)->RecordCount();
+    if (count == 0) {
+        job.ShowStatus("Your Outbox folder is empty.");
+        return job.errors.empty() ? SendOutcome::NothingToSend : SendOutcome::NotStarted;
+    }
+    job.TakeStatusForm();
+    job.status->lStatus.SetText("Connecting to the server...");
+    job.status->SetCaption(SendingCaption);
+    if (job.wb.shell) job.wb.shell->SetPanel(Preparing);
+    FillMessageList(job, **list);
+    job.wb.platform.windows.PumpEvents();
+    job.ShowStatus(job.status->lStatus.Text());
+    job.status->Show();
+    job.status->lStats.SetText(std::to_string(count) + (count == 1 ? " message." : " messages."));
     return {};
 }
 
-/// A row that no run has tried yet may have no number of attempts.
-void SendRun::ResetRetries() {
-    static_cast<void>(database_->Execute("UPDATE Outbox SET Retries = 0 WHERE Retries = Null"));
+/// Without them nothing can be sent: it might be sent twice.
+DaoError OpenLedgers(SendJob& job, OpenOutbox& outbox) {
+    auto ledger = SentLedger::Open(*job.store);
+    if (ledger.Failed()) return ledger.Error();
+    outbox.ledger = *ledger;
+    auto delivered = DeliveredLedger::Entries(*job.store);
+    if (delivered.Failed()) return delivered.Error();
+    outbox.deliveredBefore = std::move(*delivered);
+    for (const auto& [id, addresses] : job.memory.unrecordedRecipients)
+        outbox.deliveredBefore[id].insert(addresses.begin(), addresses.end());
+    return {};
 }
 
-void SendRun::OfferToEmptySentItems() {
-    if (wb_.state.UnattendedRun) return;
-    const auto sentItems = database_->OpenRecordset(SentItemsFolder, RecordsetType::Table);
-    if (sentItems.Failed()) return NoteError(sentItems.Error());
+bool OpenRows(SendJob& job, OpenOutbox& outbox) {
+    auto opened = job.store->OpenRecordset(OutboxFolder, RecordsetType::Table);
+    if (opened.Failed()) {
+        job.NoteError(opened.Error());
+        return false;
+    }
+    outbox.rows = *opened;
+    job.storeFailure = OpenLedgers(job, outbox);
+    job.count = outbox.rows->RecordCount();
+    job.status->Progress1.SetMaximum(static_cast<long>(job.count));
+    job.status->Progress1.SetValue(0);
+    return true;
+}
+
+void OfferToEmptySentItems(SendJob& job) {
+    if (job.wb.state.UnattendedRun) return;
+    const auto sentItems = job.store->OpenRecordset(SentItemsFolder, RecordsetType::Table);
+    if (sentItems.Failed()) return job.NoteError(sentItems.Error());
     if ((*sentItems)->RecordCount() <= ManySentItems) return;
-    if (!AskYesNo(wb_,
+    if (!AskYesNo(job.wb,
                   "You have more than 40000 messages in your 'Sent Items' folder. You can save "
                   "some disk space and improve performance if you delete these messages. Do you "
                   "want to delete messages now? "))
         return;
-    const auto deleted = database_->Execute("DELETE * FROM [Sent Items]");
-    if (deleted.Failed()) NoteError(deleted.Error());
+    const auto deleted = job.store->Execute("DELETE * FROM [Sent Items]");
+    if (deleted.Failed()) job.NoteError(deleted.Error());
 }
 
-void SendRun::StartLog() {
-    const bool wanted = settings_.chkServer.Checked() && !projectFolder_.empty() &&
-                        GetUserSetting(wb_, "MailServer", "Logs") == "1";
-    if (!wanted || log_.Open(projectFolder_, wb_.platform.clock.Now())) return;
-    AddError(std::string("Error: The session log could not be written.") + LineEnd);
+void StartLog(SendJob& job) {
+    const bool wanted = job.settings.chkServer.Checked() && !job.projectFolder.empty() &&
+                        GetUserSetting(job.wb, "MailServer", "Logs") == "1";
+    if (!wanted || job.log.Open(job.projectFolder, job.wb.platform.clock.Now())) return;
+    job.AddError("Error: The session log could not be written.\r\n");
+}
+
+}  // namespace
+
+std::optional<SendOutcome> PrepareSending(SendJob& job, OpenOutbox& outbox) {
+    if (!OpenStore(job)) return SendOutcome::NotStarted;
+    outbox.acceptedBefore = FinishInterruptedRun(job);
+    if (const auto ended = PrepareSendList(job)) return ended;
+    if (!OpenRows(job, outbox)) return SendOutcome::NotStarted;
+    OfferToEmptySentItems(job);
+    StartLog(job);
+    // A row that no run has tried yet may have no number of attempts.
+    static_cast<void>(job.store->Execute("UPDATE Outbox SET Retries = 0 WHERE Retries = Null"));
+    return {};
 }
 
 }  // namespace mailvane
