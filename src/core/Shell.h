@@ -2,9 +2,13 @@
 
 #include <string>
 
+#include "core/run/Runs.h"
 #include "platform/forms/Form.h"
 
 namespace mailvane {
+
+/// What the compaction of the recipients takes away: the views on them, the merge view among them.
+inline constexpr Holds RecipientViews = Holds::Recipients | Holds::Message;
 
 /// What lower parts ask of the main window.
 class Shell {
@@ -22,8 +26,8 @@ public:
     virtual Button& ShowProgressButton() = 0;                  ///< `cmdProgress`
     virtual Button& HideProgressButton() = 0;                  ///< `cmdNoProgress`
     virtual Button& SaveButton() = 0;                          ///< `cmdSave`
-    /// What `cmdCompactMessages` and `cmdCompactDatabase` do. False when it failed, which has been
-    /// told.
+    /// What `cmdCompactMessages` and `cmdCompactDatabase` do. False when it failed, or a run that
+    /// has to end first is under way, which has been told.
     virtual bool CompactMessageStore() = 0;
     virtual bool CompactRecipients() = 0;
     virtual void AddRecentFile(const std::string& path) = 0;

@@ -1,23 +1,21 @@
 #include "core/MessageBoxes.h"
-#include "core/run/frmStatus.h"
+#include "core/Paths.h"
+#include "core/run/LongRun.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmOptions.h"
+#include "core/settings/frmSettings.h"
 #include "shell/StoreUpkeep.h"
 #include "shell/frmMain.h"
 
 namespace mailvane {
 
-/// A run that is under way is told to stop; the program closes when it has.
-bool frmMain::WaitForRun() {
-    const auto* status = wb_.forms.Find<frmStatus>();
-    if (!wb_.state.RunBusy && !(status && status->Window.IsOpen())) return false;
-    wb_.state.CancelRequested = true;
-    Windows().Post([this] { ExitApplication(); });
-    return true;
+void frmMain::ExitApplication() {
+    wb_.runs.EndThen(
+        Holds::Everything, [this] { CloseProgram(); }, HowFar::Kept);
 }
 
-void frmMain::ExitApplication() {
-    if (wb_.state.ExitRequested || WaitForRun()) return;
+void frmMain::CloseProgram() {
+    if (wb_.state.ExitRequested) return;
     Windows().SetPointer(MousePointer::Busy);
     cmdNoProgress.Press();
     const frmOptions& options = wb_.forms.Get<frmOptions>();
@@ -43,14 +41,26 @@ void frmMain::LeaveProgram() {
 }
 
 bool frmMain::CompactMessageStore() {
-    if (!wb_.state.RunBusy) return TellUpkeep(CompactMessages(wb_));
-    Tell(wb_, "The messages cannot be compacted while a send or receive run is in progress.",
-         BoxIcon::Exclamation);
-    return false;
+    DaoError outcome;
+    {
+        LongRun run(wb_, {"Compacting messages", Holds::Store});
+        if (!run.Began()) return false;
+        outcome = CompactMessages(wb_, run);
+    }
+    return TellUpkeep(outcome);
 }
 
 bool frmMain::CompactRecipients() {
-    return TellUpkeep(CompactDatabase(wb_));
+    const std::string path = wb_.forms.Get<frmSettings>().txtAccessDBPath.Text();
+    if (!FileExists(path)) return true;
+    if (!wb_.runs.Holder(RecipientViews)) UnloadRecipientViews(wb_);
+    DaoError outcome;
+    {
+        LongRun run(wb_, {"Compacting the database", RecipientViews});
+        if (!run.Began()) return false;
+        outcome = CompactDatabase(wb_, path, run);
+    }
+    return TellUpkeep(outcome);
 }
 
 /// True when all went well.

@@ -13,14 +13,20 @@ void frmMain::OpenProject(const std::string& path) {
 }
 
 void frmMain::OpenExistingProject(const std::string& path) {
-    if (FileExists(path)) return OpenProject(path);
-    TellFileNotFound(wb_);
+    if (!FileExists(path)) return TellFileNotFound(wb_);
+    if (!IsProjectFile(wb_, path)) return;
+    wb_.runs.EndThen(Holds::Everything, [this, path] { OpenProject(path); });
 }
 
 void frmMain::NewProject() {
     const std::string path = Trim(BrowseProjectFile(wb_, true));
-    if (path.empty() || !MakeProject(path)) return;
+    if (path.empty()) return;
+    wb_.runs.EndThen(Holds::Everything, [this, path] {
+        if (MakeProject(path)) ShowNewProject();
+    });
+}
 
+void frmMain::ShowNewProject() {
     Windows().SetPointer(MousePointer::Busy);
     WaitSeconds(wb_, 1);
     if (Form* status = wb_.forms.FindByName("frmStatus")) status->Unload();
@@ -61,8 +67,9 @@ void frmMain::SaveCommand() {
 void frmMain::SaveAsCommand() {
     const std::string name = BrowseProjectFile(wb_, true);
     if (name.empty() || name == " ") return;
-    SaveProject(wb_, name);
-    OpenProject(name);
+    wb_.runs.EndThen(Holds::Everything, [this, name] {
+        if (SaveProject(wb_, name)) OpenProject(name);
+    });
 }
 
 }  // namespace mailvane

@@ -106,7 +106,7 @@ void frmMain::RunProjectDialog() {
     const ProjectChoice choice = AskForProject(wb_, RecentFile1.Paths());
     if (choice.cancelled || Windows().Quitting()) return;
     if (choice.isNew)
-        MakeProject(choice.file);
+        wb_.runs.EndThen(Holds::Everything, [this, file = choice.file] { MakeProject(file); });
     else if (!choice.file.empty())
         OpenExistingProject(choice.file);
     if (!choice.wizard) return;

@@ -2,9 +2,6 @@
 
 #include "core/Paths.h"
 #include "core/Waiting.h"
-#include "core/run/Progress.h"
-#include "core/run/frmStatus.h"
-#include "core/settings/frmSettings.h"
 #include "database/view/frmViewDatabase.h"
 #include "merge/message/frmViewMerge.h"
 #include "platform/os/Files.h"
@@ -17,40 +14,35 @@ namespace {
 
 constexpr const char* BackupEnding = ".bak";
 
-/// The status display over the steps of one compaction.
-class UpkeepProgress {
+/// The steps of one compaction. They cannot be interrupted, so that no window would come before
+/// the work is done: the text stands in the status bar.
+class UpkeepSteps {
 public:
-    UpkeepProgress(Workbench& wb, long steps, const std::string& caption)
-        : wb_(wb), pointer_(wb), steps_(steps) {
-        UpdateProgress(wb_, steps, 0, caption);
+    UpkeepSteps(Workbench& wb, LongRun& run, long steps, const std::string& caption)
+        : wb_(wb), pointer_(wb), run_(run) {
+        run_.ShowProgress(steps, caption);
+        if (wb_.shell) wb_.shell->SetPanel(caption);
         wb_.platform.windows.PumpEvents();
     }
-    ~UpkeepProgress() {
-        UpdateProgress(wb_, 0, steps_);
-        wb_.forms.Get<frmStatus>().Unload();
-    }
-    UpkeepProgress(const UpkeepProgress&) = delete;
-    UpkeepProgress& operator=(const UpkeepProgress&) = delete;
-
-    void Step() {
-        if (++step_ < steps_) UpdateProgress(wb_, 0, step_);
+    void Next() {
+        run_.Step(++step_);
         wb_.platform.windows.PumpEvents();
     }
 
 private:
     Workbench& wb_;
     BusyPointer pointer_;
-    long steps_;
+    LongRun& run_;
     long step_ = 0;
 };
 
-DaoError CompactFile(const std::string& path, UpkeepProgress& progress) {
+DaoError CompactFile(const std::string& path, UpkeepSteps& steps) {
     const std::string backup = path + BackupEnding;
     DeleteFile(backup);
-    progress.Step();
+    steps.Next();
     DaoError outcome = DBEngine::CompactInPlace(path, backup);
     DeleteFile(backup);
-    progress.Step();
+    steps.Next();
     return outcome;
 }
 
@@ -66,27 +58,28 @@ void UnloadIfLoaded(Workbench& wb) {
 
 }  // namespace
 
-DaoError CompactMessages(Workbench& wb) {
-    const std::string path = MessageStorePath(wb);
-    UpkeepProgress progress(wb, 3, "Compacting messages...");
+DaoError CompactMessages(Workbench& wb, LongRun& run) {
+    UpkeepSteps steps(wb, run, 3, "Compacting messages...");
     CloseStore(wb);
-    const DaoError outcome = CompactFile(path, progress);
+    const DaoError outcome = CompactFile(MessageStorePath(wb), steps);
     if (wb.state.ExitRequested) return outcome;
     if (DaoError failed = OpenMessageStore(wb); failed.Failed()) return failed;
     wb.forms.Get<frmViewEmail>().cmdRefresh.Press();
     return outcome;
 }
 
-DaoError CompactDatabase(Workbench& wb) {
-    const std::string path = wb.forms.Get<frmSettings>().txtAccessDBPath.Text();
-    if (!FileExists(path)) return {};
-    UpkeepProgress progress(
-        wb, 4, "Compacting the " + FileNameFromPath(path, PathSeparator, false) + " database...");
+void UnloadRecipientViews(Workbench& wb) {
     UnloadIfLoaded<frmViewDatabase>(wb);
     UnloadIfLoaded<frmViewMerge>(wb);
-    progress.Step();
+}
+
+DaoError CompactDatabase(Workbench& wb, const std::string& path, LongRun& run) {
+    UpkeepSteps steps(
+        wb, run, 4,
+        "Compacting the " + FileNameFromPath(path, PathSeparator, false) + " database...");
+    steps.Next();
     if (DaoError failed = DBEngine::RepairDatabase(path); failed.Failed()) return failed;
-    return CompactFile(path, progress);
+    return CompactFile(path, steps);
 }
 
 void CleanUpBackup(Workbench& wb) {

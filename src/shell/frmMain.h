@@ -32,10 +32,12 @@ public:
     Button cmdSave{*this, "cmdSave", Button::HiddenButton, [this] { SaveOpenProject(); }};
     Button cmdProgress{*this, "cmdProgress", Button::HiddenButton, [this] { ShowProgress(); }};
     Button cmdNoProgress{*this, "cmdNoProgress", Button::HiddenButton, [this] { HideProgress(); }};
-    Button cmdCompactMessages{*this, "cmdCompactMessages", Button::HiddenButton,
-                              [this] { CompactMessageStore(); }};
-    Button cmdCompactDatabase{*this, "cmdCompactDatabase", Button::HiddenButton,
-                              [this] { CompactRecipients(); }};
+    Button cmdCompactMessages{*this, "cmdCompactMessages", Button::HiddenButton, [this] {
+                                  wb_.runs.EndThen(Holds::Store, [this] { CompactMessageStore(); });
+                              }};
+    Button cmdCompactDatabase{*this, "cmdCompactDatabase", Button::HiddenButton, [this] {
+                                  wb_.runs.EndThen(RecipientViews, [this] { CompactRecipients(); });
+                              }};
     Timer Timer1{*this, "Timer1", std::chrono::milliseconds(50), [this] { SendAndReceive(); }};
     Timer Timer2{*this, "Timer2", std::chrono::milliseconds(500), [this] { ShowWhenAsked(); }};
 
@@ -86,13 +88,14 @@ private:
     void OpenProject(const std::string& path);
     void OpenExistingProject(const std::string& path);
     void NewProject();
+    void ShowNewProject();
     bool MakeProject(const std::string& path);
     void SaveOpenProject();
     void SaveCommand();
     void SaveAsCommand();
 
     // The end.
-    bool WaitForRun();
+    void CloseProgram();
     void LeaveProgram();
     bool TellUpkeep(const DaoError& outcome);
 

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "core/project/Project.h"
 #include "core/settings/frmOptions.h"
 #include "platform/os/Files.h"
 #include "shell/ShellBench.h"
 #include "store/MergeMark.h"
 #include "store/MessageStore.h"
+#include "support/FakeSmtpServer.h"
 #include "support/TestBench.h"
 
 namespace mailvane {
@@ -127,6 +130,55 @@ TEST_F(Shell, ExitSavesByOptionAndStoresThePlace) {
     wb.state = {};
     Start(Path("last.poc"));
     EXPECT_EQ(wb.forms.Get<frmSettings>().txtName.Text(), "Saved at the end");
+}
+
+/// What pulls the ground from under a send run ends it in order, says how far it came, and goes on.
+TEST_F(Shell, CommandsEndTheRunThatStandsInTheirWay) {
+    test::FakeSmtpServer server;
+    Start();
+    Command("New", Path("One.poc"));
+    windows.prompts.UseDefaults();
+    const std::tuple<const char*, const char*, const char*> commands[] = {
+        {"Open", "One.poc", "One"},
+        {"New", "Two.poc", "Two"},
+        {"SaveAs", "Three.poc", "Three"},
+        {"RecentFile2", "", "Two"},
+        {"exit", "", nullptr}};
+    for (const auto& [command, file, project] : commands) {
+        SCOPED_TRACE(command);
+        auto& settings = wb.forms.Get<frmSettings>();
+        settings.txtSMTPServer.SetText("127.0.0.1");
+        settings.txtSMTPPort.SetText(std::to_string(server.Port()));
+        ASSERT_TRUE(wb.state.MessageStore->Execute("DELETE * FROM Outbox").Ok());
+        for (int i = 0; i < 20; ++i) {
+            MessageRecord record;
+            record.From = "ann@example.com";
+            record.To = "p" + std::to_string(i) + "@example.com";
+            SaveMessageRecord(wb, record, "", OutboxFolder, false, 0, "", false);
+        }
+        const std::size_t before = server.Messages().size();
+        const std::size_t boxes = windows.prompts.Shown().size();
+        Subscription yields =
+            windows.yielded.Observe([&, name = std::string(command), chosen = std::string(file)] {
+                if (wb.shell->Panel() != "Sending message 4 of 20...") return;
+                yields.End();
+                if (!chosen.empty()) windows.prompts.QueueFile(Path(chosen));
+                wb.shell->ExecuteCommand(name, Path("Two.poc"));
+            });
+        wb.shell->ExecuteCommand("Send All", "");
+        windows.HandleIdle();
+        const std::size_t sent = server.Messages().size() - before;
+        EXPECT_EQ(sent, 4u);
+        EXPECT_EQ(windows.Quitting(), project == nullptr);
+        if (!project) break;
+        EXPECT_EQ(wb.state.ProjectName, project);
+        ASSERT_EQ(windows.prompts.Shown().size(), boxes + 1);
+        EXPECT_EQ(windows.prompts.Shown().back().text,
+                  "Sending messages was ended early: 4 of 20 messages are sent, 16 are left in the "
+                  "Outbox.");
+        EXPECT_EQ(
+            wb.state.MessageStore->OpenRecordset(OutboxFolder).ValueOr(nullptr)->RecordCount(), 16);
+    }
 }
 
 TEST_F(Shell, ProgressCoversPanelTwoAndGivesItBack) {

@@ -75,6 +75,12 @@ void frmProjectWizard::Finish() {
     if (finishing_ || !MayReplace()) return;
     if (!FileExists(TemplatePath(wb_))) return TellFilesCorrupted(wb_);
     finishing_ = true;
+    wb_.runs.EndThen(Holds::Everything, [&wb = wb_] {
+        if (auto* wizard = wb.forms.Find<frmProjectWizard>()) wizard->MakeProject();
+    });
+}
+
+void frmProjectWizard::MakeProject() {
     wb_.state.NewProjectInProgress = true;
     LoadTemplate();
     FillSettings();

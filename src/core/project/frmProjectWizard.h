@@ -42,6 +42,7 @@ private:
     bool HasLocation();
     bool MayReplace();
     void Finish();
+    void MakeProject();
     void LoadTemplate();
     void FillSettings();
     void ShowFirstWelcome();

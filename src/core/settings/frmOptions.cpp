@@ -121,16 +121,22 @@ bool frmOptions::ConfirmCompacting() {
 }
 
 void frmOptions::CompactMessages() {
-    if (ConfirmCompacting() && wb_.shell->CompactMessageStore()) Tell(wb_, MessagesCompactedText);
+    if (!ConfirmCompacting()) return;
+    wb_.runs.EndThen(Holds::Store, [&wb = wb_] {
+        if (wb.shell->CompactMessageStore()) Tell(wb, MessagesCompactedText);
+    });
 }
 
 void frmOptions::CompactDatabase() {
     const std::string path = wb_.forms.Get<frmSettings>().txtAccessDBPath.Text();
     if (!FileExists(path))
         return Tell(wb_, "Please create new database or open existing database first.");
-    if (ConfirmCompacting() && wb_.shell->CompactRecipients())
-        Tell(wb_, "Successfully compacted the '" + FileNameFromPath(path, PathSeparator, false) +
-                      "' database.");
+    if (!ConfirmCompacting()) return;
+    wb_.runs.EndThen(RecipientViews, [&wb = wb_, path] {
+        if (wb.shell->CompactRecipients())
+            Tell(wb, "Successfully compacted the '" + FileNameFromPath(path, PathSeparator, false) +
+                         "' database.");
+    });
 }
 
 void frmOptions::ShowProxy(const ProxySettings& proxy) {
