@@ -42,9 +42,9 @@ file m.dmg
 tool frmViewMerge Open
 """
 
-RUN = """
-tool frmViewMerge {tool}
-{options}
+# The mail goes out when the notice has been read.
+SEND_NOW = """
+tool frmViewMerge "Send Message"
 press frmMerge.cmdStart
 press frmMSGOutbox.cmdStart
 """
@@ -52,13 +52,9 @@ press frmMSGOutbox.cmdStart
 SEND_ALL = 'answers default\ncommand "Send All"\n'
 
 
-def run_now(options: str = "") -> str:
-    """The mail goes out when the notice has been read."""
-    return RUN.replace("{tool}", '"Send Message"').replace("{options}", options)
-
-
 def run(options: str) -> str:
-    return RUN.replace("{tool}", '"Send Later"').replace("{options}", options)
+    return (f'tool frmViewMerge "Send Later"\n{options}\npress frmMerge.cmdStart\n'
+            "press frmMSGOutbox.cmdStart\n")
 
 
 def rows_from(first: int, last: int) -> str:
@@ -136,7 +132,7 @@ class MergeRuns(program.ProgramTest):
         generator = random.Random(7)
         contents = {name: generator.randbytes(size) for name, size in SIZES.items()}
         choose = self.write_files("bin", contents) + 'tool frmViewMerge "File Attachment"\n'
-        self.play(choose + run_now())
+        self.play(choose + SEND_NOW)
         taken = self.taken()
         self.assertEqual([recipients for recipients, _ in taken], [[row.Email] for row in ROWS])
         for row, (_, message) in zip(ROWS, taken):
@@ -151,7 +147,7 @@ class MergeRuns(program.ProgramTest):
         html = "<h1>{}</h1>\n<p>[name], [NAME]: since [Since], [Nobody]. [Email]</p>"
         pages = {name: html.format(name).encode("utf-8") for name in SIZES if SIZES[name]}
         choose = self.write_files("html", pages) + "tool frmViewMerge HTML\n"
-        self.play(choose + run_now())
+        self.play(choose + SEND_NOW)
         taken = self.taken()
         self.assertEqual([recipients for recipients, _ in taken], [[row.Email] for row in ROWS])
         for row, (_, message) in zip(ROWS, taken):

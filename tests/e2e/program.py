@@ -109,9 +109,6 @@ class Running:
         """No file of the program may be written beyond that size from now on."""
         resource.prlimit(self.process.pid, resource.RLIMIT_FSIZE, (size, resource.RLIM_INFINITY))
 
-    def free_files(self) -> None:
-        self.limit_files(resource.RLIM_INFINITY)
-
     def kill(self) -> None:
         self.process.kill()
         self.finish()
