@@ -1,14 +1,13 @@
 // A database file that is damaged, or none at all: opening, reading and repairing it answers with
 // an error or with rows, and never writes to a file that it cannot read.
 
-#include "fuzz/Require.h"
+#include "fuzz/FuzzTarget.h"
 #include "platform/dao/file/Workspace.h"
 #include "platform/os/Files.h"
 #include "support/TempFolder.h"
 
+namespace mailvane::fuzz {
 namespace {
-
-using namespace mailvane;
 
 constexpr std::int64_t MostRows = 200;
 
@@ -33,11 +32,12 @@ void ReadAll(const std::string& path) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    const mailvane::test::TempFolder folder;
-    const std::string path = folder.Write("d.db", {reinterpret_cast<const char*>(data), size});
+void TryInput(const std::string& input) {
+    const test::TempFolder folder;
+    const std::string path = folder.Write("d.db", input);
     ReadAll(path);
     if (DBEngine::RepairDatabase(path).Ok()) ReadAll(path);
-    mailvane::fuzz::Require(IsFile(path), "the file stays");
-    return 0;
+    Require(IsFile(path), "the file stays");
 }
+
+}  // namespace mailvane::fuzz

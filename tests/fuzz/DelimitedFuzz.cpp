@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "fuzz/Require.h"
+#include "fuzz/FuzzTarget.h"
 #include "platform/tables/text/DelimitedWriter.h"
 #include "platform/tables/text/FormatGuess.h"
 #include "support/TempFolder.h"
@@ -66,16 +66,16 @@ void TryText(const DelimitedFormat& format, std::string_view bytes) {
 }
 
 }  // namespace
-}  // namespace mailvane::fuzz
 
 /// The first byte chooses delimiter, quote and character set; the rest is the text.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace mailvane;
-    if (size == 0) return 0;
+void TryInput(const std::string& input) {
+    if (input.empty()) return;
+    const auto choice = static_cast<unsigned char>(input[0]);
     DelimitedFormat format;
-    format.delimiter = Delimiters[data[0] % 4];
-    format.quote = "\"'\0\""[data[0] / 4 % 4];
-    format.set = CharacterSetNames[data[0] / 16 % 4].set;
-    fuzz::TryText(format, {reinterpret_cast<const char*>(data) + 1, size - 1});
-    return 0;
+    format.delimiter = Delimiters[choice % 4];
+    format.quote = "\"'\0\""[choice / 4 % 4];
+    format.set = CharacterSetNames[choice / 16 % 4].set;
+    TryText(format, std::string_view(input).substr(1));
 }
+
+}  // namespace mailvane::fuzz

@@ -7,7 +7,7 @@
 #include "core/records/Sifrant.h"
 #include "core/settings/ProfileText.h"
 #include "core/settings/RegistryStore.h"
-#include "fuzz/Require.h"
+#include "fuzz/FuzzTarget.h"
 #include "support/TestBench.h"
 
 namespace mailvane::fuzz {
@@ -133,14 +133,10 @@ void TryKey(const std::string& path, const RegistryKey& key, const std::string& 
 }
 
 }  // namespace
-}  // namespace mailvane::fuzz
 
 /// The whole input is a project file, scrambled and not. For profile files it is a section, a key
 /// and a value, each ended by NUL, and the file's content.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace mailvane;
-    using namespace mailvane::fuzz;
-    const std::string input(reinterpret_cast<const char*>(data), size);
+void TryInput(const std::string& input) {
     test::HeadlessBench bench;
     TryScrambling(input);
     TryEscapes(input);
@@ -149,10 +145,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     std::string rest = input;
     const std::string section = TakePart(rest), key = TakePart(rest), value = TakePart(rest);
-    const std::string path = bench.folder.Write("profile.ini", rest);
-    TryProfile(path, section, key, value);
+    TryProfile(bench.folder.Write("profile.ini", rest), section, key, value);
     const RegistryKey registryKey{RegistryRoot::CurrentUser, section};
     TrySetting(bench.folder.Write("registry.ini", rest), registryKey, key, value);
     TryKey(bench.folder.File("own.ini"), registryKey, key);
-    return 0;
 }
+
+}  // namespace mailvane::fuzz

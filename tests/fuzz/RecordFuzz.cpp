@@ -4,7 +4,7 @@
 #include <variant>
 
 #include "core/records/RecordFile.h"
-#include "fuzz/Require.h"
+#include "fuzz/FuzzTarget.h"
 
 namespace mailvane::fuzz {
 namespace {
@@ -74,13 +74,11 @@ void TryRecord(std::string_view kinds, const std::string& bytes) {
 }
 
 }  // namespace
-}  // namespace mailvane::fuzz
 
 /// A line of the fields' kinds (L, I, F, D, and T or anything else for a text), then the record.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string input(reinterpret_cast<const char*>(data), size);
+void TryInput(const std::string& input) {
     const std::size_t kinds = input.find('\n');
-    if (kinds == std::string::npos) return 0;
-    mailvane::fuzz::TryRecord(std::string_view(input).substr(0, kinds), input.substr(kinds + 1));
-    return 0;
+    if (kinds != std::string::npos) TryRecord(input.substr(0, kinds), input.substr(kinds + 1));
 }
+
+}  // namespace mailvane::fuzz

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <variant>
 
-#include "fuzz/Require.h"
+#include "fuzz/FuzzTarget.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "platform/script/ScriptCommands.h"
 #include "platform/script/ScriptParser.h"
@@ -120,10 +120,9 @@ void Play(const std::string& text) {
 }
 
 }  // namespace
-}  // namespace mailvane::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    if (mailvane::fuzz::TryParser(text)) mailvane::fuzz::Play(text);
-    return 0;
+void TryInput(const std::string& text) {
+    if (TryParser(text)) Play(text);
 }
+
+}  // namespace mailvane::fuzz

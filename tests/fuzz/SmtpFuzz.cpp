@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "fuzz/Require.h"
+#include "fuzz/FuzzTarget.h"
 #include "platform/net/smtp/SmtpSession.h"
 
 namespace mailvane::fuzz {
@@ -242,11 +242,11 @@ private:
 };
 
 }  // namespace
-}  // namespace mailvane::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0) return 0;
-    const std::string_view server(reinterpret_cast<const char*>(data), size);
-    mailvane::fuzz::Conversation(data[0], server.substr(1)).Run();
-    return 0;
+void TryInput(const std::string& input) {
+    if (input.empty()) return;
+    const auto choice = static_cast<unsigned char>(input[0]);
+    Conversation(choice, std::string_view(input).substr(1)).Run();
 }
+
+}  // namespace mailvane::fuzz

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 
-#include "fuzz/Require.h"
+#include "fuzz/FuzzTarget.h"
 #include "platform/dao/file/Workspace.h"
 #include "platform/dao/sql/SqlContext.h"
 #include "platform/dao/sql/SqlConvert.h"
@@ -231,18 +231,15 @@ void TryConversions(const std::string& text) {
 }
 
 }  // namespace
-}  // namespace mailvane::fuzz
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace mailvane::fuzz;
+void TryInput(const std::string& text) {
     // Made once for all inputs, as the interface leaves no other place for what is costly to make.
     static Tables tables;
-    const std::string text(reinterpret_cast<const char*>(data), size);
     tables.Try(text);
     tables.TryCondition(text);
     tables.TryLiterals(text);
     TryConversions(text);
-    mailvane::fuzz::Require(mailvane::LikeMatch(mailvane::EscapeLike(text), text),
-                            "an escaped text matches itself");
-    return 0;
+    Require(LikeMatch(EscapeLike(text), text), "an escaped text matches itself");
 }
+
+}  // namespace mailvane::fuzz
