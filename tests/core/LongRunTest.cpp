@@ -7,13 +7,9 @@
 namespace mailvane {
 namespace {
 
-class LongRuns : public ::testing::Test {
-protected:
-    LongRuns() { bench.Prompts().UseDefaults(); }
-    const std::vector<ShownPrompt>& Boxes() { return bench.Prompts().Shown(); }
-
-    test::TestBench bench;
-    Workbench& wb = bench.wb;
+struct LongRuns : testing::Test, test::TestBench {
+    LongRuns() { Prompts().UseDefaults(); }
+    const std::vector<ShownPrompt>& Boxes() { return Prompts().Shown(); }
 };
 
 TEST_F(LongRuns, NoTwoHoldTheSame) {
@@ -49,21 +45,21 @@ TEST_F(LongRuns, EndInOrderForWhoNeedsTheGround) {
         wb.runs.EndThen(
             Holds::Message, [&] { order += "closed "; }, HowFar::Kept);
         EXPECT_FALSE(run.GoesOn());
-        bench.windows.HandleIdle();
+        windows.HandleIdle();
         EXPECT_EQ(order, "free asked ") << "not while the run is under way";
     }
     EXPECT_EQ(order, "free asked ") << "not in the middle of its caller";
-    bench.windows.HandleIdle();
+    windows.HandleIdle();
     EXPECT_EQ(order, "free asked switched closed ");
     const std::string text = "Merging was ended early: 3 of 12 messages are in the Outbox.";
     ASSERT_EQ(Boxes().size(), 1U);
     EXPECT_EQ(Boxes()[0].text, text);
-    EXPECT_EQ(bench.shell.panel, text);
+    EXPECT_EQ(shell.panel, text);
 }
 
 TEST_F(LongRuns, ControlsAreOffMeanwhile) {
     Button& on = wb.forms.Get<frmStatus>().cmdCancel;
-    Button& off = bench.mainForm.cmdSave;
+    Button& off = mainForm.cmdSave;
     off.SetEnabled(false);
     {
         const LongRun run(wb, {"Merging", Holds::Message, {&on, &off}});
@@ -80,7 +76,7 @@ TEST_F(LongRuns, WindowComesAfterHalfASecondAndAlwaysGoes) {
         run.ShowProgress(10, "Generating messages...");
         run.Step(3);
         EXPECT_FALSE(status.Visible());
-        bench.clock.Advance(std::chrono::milliseconds(500));
+        clock.Advance(std::chrono::milliseconds(500));
         run.Step(10, "the last one");
         EXPECT_TRUE(status.Visible()) << "the run's end closes it, not its last step";
         EXPECT_EQ(status.lblCaption1.Text(), "the last one");

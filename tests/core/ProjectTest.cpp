@@ -16,21 +16,18 @@
 namespace mailvane {
 namespace {
 
-class Project : public ::testing::Test {
-protected:
-    frmSettings& Settings() { return bench.wb.forms.Get<frmSettings>(); }
+struct Project : testing::Test, test::TestBench {
+    frmSettings& Settings() { return wb.forms.Get<frmSettings>(); }
     std::string ProjectPath(const std::string& name) const {
-        return bench.InProgramFolder("Projects/" + name);
+        return InProgramFolder("Projects/" + name);
     }
-    void Open(const std::string& path) { SwitchProject(bench.wb, path); }
+    void Open(const std::string& path) { SwitchProject(wb, path); }
     /// A project file with that clear text.
     std::string Written(const std::string& clearText, const char* key = ProjectKey) {
         const std::string path = ProjectPath("given.poc");
         WriteFileText(path, Sifrant().Sifriraj(clearText, key));
         return path;
     }
-
-    test::TestBench bench;
 };
 
 TEST_F(Project, ComesBackAsItWasSaved) {
@@ -40,30 +37,30 @@ TEST_F(Project, ComesBackAsItWasSaved) {
     Settings().optIdentityCustom.SetValue(true);
     Settings().cmbIndent.SetListIndex(3);
     Settings().Slider1.SetValue(12);
-    SaveProject(bench.wb, ProjectPath("Sum.mer.poc"));
-    EXPECT_EQ(bench.wb.state.ProjectName, "Sum.mer");
-    EXPECT_EQ(bench.wb.state.ProjectFolder, ProjectPath("Sum.mer"));
+    SaveProject(wb, ProjectPath("Sum.mer.poc"));
+    EXPECT_EQ(wb.state.ProjectName, "Sum.mer");
+    EXPECT_EQ(wb.state.ProjectFolder, ProjectPath("Sum.mer"));
     EXPECT_TRUE(FileExists(ProjectPath("Sum.mer"), true));
-    EXPECT_EQ(bench.mainForm.Caption(), "Sum.mer - Mailvane");
-    EXPECT_EQ(bench.shell.recentFiles, (std::vector<std::string>{ProjectPath("Sum.mer.poc")}));
-    EXPECT_FALSE(bench.wb.forms.Get<frmStatus>().Visible());
+    EXPECT_EQ(mainForm.Caption(), "Sum.mer - Mailvane");
+    EXPECT_EQ(shell.recentFiles, (std::vector<std::string>{ProjectPath("Sum.mer.poc")}));
+    EXPECT_FALSE(wb.forms.Get<frmStatus>().Visible());
 
     Open(ProjectPath("Sum.mer.poc"));
-    EXPECT_EQ(bench.shell.panels.front(), "");
-    EXPECT_EQ(bench.shell.panel, "");
+    EXPECT_EQ(shell.panels.front(), "");
+    EXPECT_EQ(shell.panel, "");
     EXPECT_EQ(Settings().txtName.Text(), "\xC3\x84nn \"A\"");
     EXPECT_TRUE(Settings().optIdentityCustom.IsSet());
     EXPECT_FALSE(Settings().optIdentityDefault.IsSet());
     EXPECT_EQ(Settings().cmbIndent.ListIndex(), 3);
     EXPECT_EQ(Settings().lblTimeOut.Text(), "12 minutes");
-    EXPECT_FALSE(bench.wb.state.LoadingProject);
+    EXPECT_FALSE(wb.state.LoadingProject);
 
-    SaveProject(bench.wb, ProjectPath("Copy.poc"));
+    SaveProject(wb, ProjectPath("Copy.poc"));
     EXPECT_EQ(ReadFileText(ProjectPath("Copy.poc")), ReadFileText(ProjectPath("Sum.mer.poc")));
 }
 
 TEST_F(Project, TextHasTheFormsOrder) {
-    const std::string text = ReadControlValues(bench.wb, Settings());
+    const std::string text = ReadControlValues(wb, Settings());
     EXPECT_TRUE(text.starts_with("txtName*|*#|#txtEmail*|*#|#txtReplyTo*|*#|#"));
     EXPECT_NE(text.find("optIdentityDefault*|*True#|#optIdentityAnonymous*|*False#|#"),
               std::string::npos);
@@ -73,12 +70,7 @@ TEST_F(Project, TextHasTheFormsOrder) {
 }
 
 TEST_F(Project, ValuesOfTheText) {
-    struct {
-        const char* name;
-        const char* text;
-        const char* control;
-        const char* expected;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> rows[] = {
         {"first of two", "txtName*|*a#|#txtName*|*b#|#", "txtName", "a"},
         {"name counts exactly", "TXTNAME*|*a#|#", "txtName", ""},
         {"item separator in a value", "txtName*|*a#|#b#|#", "txtName", "a"},
@@ -99,28 +91,22 @@ TEST_F(Project, ValuesOfTheText) {
         {"missing POP3 port gets its default", "", "txtPOPPort", "110"},
         {"the secure default port", "cmbPOPSecurity*|*2#|#", "txtPOPPort", "995"},
     };
-    for (const auto& row : rows) {
-        bench.Prompts().UseDefaults();
-        Open(Written(row.text));
-        EXPECT_EQ(Settings().FindControl(row.control)->ShownText(), row.expected) << row.name;
+    for (const auto& [name, text, control, expected] : rows) {
+        Prompts().UseDefaults();
+        Open(Written(text));
+        EXPECT_EQ(Settings().FindControl(control)->ShownText(), expected) << name;
     }
 }
 
 TEST_F(Project, BadFilesEmptyTheTextsAndKeepTheRest) {
     Settings().txtEmail.SetText("a@b.c");
-    const std::string good = ReadControlValues(bench.wb, Settings());
-    std::string random;
-    for (unsigned i = 0, seed = 3; i < 5000; ++i) {
-        seed = seed * 1103515245u + 12345u;
-        random.push_back(static_cast<char>(seed >> 16));
-    }
+    const std::string good = ReadControlValues(wb, Settings());
     const std::pair<const char*, std::string> rows[] = {
         {"wrong key", Written(good, "other")},
-        {"empty", bench.folder.Write("empty.poc", "")},
-        {"random", bench.folder.Write("random.poc", random)},
-        {"not scrambled", bench.folder.Write("plain.poc", good)},
-        {"missing", bench.folder.File("missing.poc")},
-        {"a folder", bench.folder.Path()},
+        {"empty", folder.Write("empty.poc", "")},
+        {"not scrambled", folder.Write("plain.poc", good)},
+        {"missing", folder.File("missing.poc")},
+        {"a folder", folder.Path()},
     };
     for (const auto& [name, path] : rows) {
         SCOPED_TRACE(name);
@@ -133,129 +119,129 @@ TEST_F(Project, BadFilesEmptyTheTextsAndKeepTheRest) {
 }
 
 TEST_F(Project, CutFilesNeverCrash) {
-    SaveProject(bench.wb, ProjectPath("a.poc"));
+    SaveProject(wb, ProjectPath("a.poc"));
     const std::string whole = ReadFileText(ProjectPath("a.poc"));
     for (std::size_t length = 0; length < whole.size(); length += 41)
-        Open(bench.folder.Write("cut.poc", whole.substr(0, length)));
-    EXPECT_FALSE(bench.Prompts().Failure().has_value());
+        Open(folder.Write("cut.poc", whole.substr(0, length)));
+    EXPECT_FALSE(Prompts().Failure().has_value());
 }
 
 TEST_F(Project, SavingRefusesWhatIsNoPath) {
-    bench.Prompts().UseDefaults();
-    SaveProject(bench.wb, "ab");
-    EXPECT_TRUE(bench.Prompts().ExpectBox("Invalid File Name."));
-    EXPECT_EQ(bench.wb.state.ProjectName, "");
-    EXPECT_FALSE(SaveProject(bench.wb, bench.folder.File("none/none/a.poc")));
-    EXPECT_EQ(bench.Prompts().Shown().size(), 2u);
-    EXPECT_EQ(bench.wb.state.ProjectFolder, "") << "the open project stays the open one";
-    EXPECT_TRUE(bench.shell.recentFiles.empty());
+    Prompts().UseDefaults();
+    SaveProject(wb, "ab");
+    EXPECT_TRUE(Prompts().ExpectBox("Invalid File Name."));
+    EXPECT_EQ(wb.state.ProjectName, "");
+    EXPECT_FALSE(SaveProject(wb, folder.File("none/none/a.poc")));
+    EXPECT_EQ(Prompts().Shown().size(), 2u);
+    EXPECT_EQ(wb.state.ProjectFolder, "") << "the open project stays the open one";
+    EXPECT_TRUE(shell.recentFiles.empty());
 }
 
 TEST_F(Project, OnlyTheOwnerReadsWhatHoldsPasswords) {
     namespace fs = std::filesystem;
     constexpr auto OwnerOnly = fs::perms::owner_read | fs::perms::owner_write;
-    SaveProject(bench.wb, ProjectPath("a.poc"));
-    SaveUserSetting(bench.wb, "Proxy", "ProxyServerName", "proxy");
-    for (const std::string& file : {ProjectPath("a.poc"), bench.wb.platform.registryFile})
+    SaveProject(wb, ProjectPath("a.poc"));
+    SaveUserSetting(wb, "Proxy", "ProxyServerName", "proxy");
+    for (const std::string& file : {ProjectPath("a.poc"), wb.platform.registryFile})
         EXPECT_EQ(fs::status(file).permissions(), OwnerOnly) << file;
 }
 
 TEST_F(Project, FilesThatNameNoSettingAreNoProjects) {
-    bench.Prompts().UseDefaults();
-    SaveProject(bench.wb, ProjectPath("a.poc"));
-    EXPECT_TRUE(IsProjectFile(bench.wb, ProjectPath("a.poc")));
+    Prompts().UseDefaults();
+    SaveProject(wb, ProjectPath("a.poc"));
+    EXPECT_TRUE(IsProjectFile(wb, ProjectPath("a.poc")));
     for (const char* content : {"", "a letter", "txtName*|*Ann#|#"})
-        EXPECT_FALSE(IsProjectFile(bench.wb, bench.folder.Write("b.poc", content))) << content;
-    EXPECT_EQ(bench.Prompts().Shown().size(), 3u);
+        EXPECT_FALSE(IsProjectFile(wb, folder.Write("b.poc", content))) << content;
+    EXPECT_EQ(Prompts().Shown().size(), 3u);
 }
 
 TEST_F(Project, ShippedTemplateHoldsTheDefaults) {
-    const std::string defaults = ReadControlValues(bench.wb, Settings());
-    ASSERT_TRUE(PrepareProgramFolder(bench.wb));
-    EXPECT_EQ(Sifrant().DeSifriraj(ReadFileText(TemplatePath(bench.wb)), ProjectKey), defaults);
-    Open(TemplatePath(bench.wb));
-    EXPECT_EQ(bench.mainForm.Caption(), "Mailvane");
-    EXPECT_TRUE(bench.shell.recentFiles.empty());
+    const std::string defaults = ReadControlValues(wb, Settings());
+    ASSERT_TRUE(PrepareProgramFolder(wb));
+    EXPECT_EQ(Sifrant().DeSifriraj(ReadFileText(TemplatePath(wb)), ProjectKey), defaults);
+    Open(TemplatePath(wb));
+    EXPECT_EQ(mainForm.Caption(), "Mailvane");
+    EXPECT_TRUE(shell.recentFiles.empty());
     for (const char* reply : {"subs.msg", "unsubs.msg"}) {
         const std::string text =
-            Sifrant().DeSifriraj(ReadFileText(bench.InProgramFolder(reply)), ProjectKey);
+            Sifrant().DeSifriraj(ReadFileText(InProgramFolder(reply)), ProjectKey);
         for (const char* key : {"txtFrom*|*", "txtSubject*|*", "txtBody*|*"})
             EXPECT_NE(text.find(key), std::string::npos) << reply << key;
         EXPECT_EQ(CountOccurrences(text, "[!replace!]"), 3) << reply;
     }
     for (const char* name : {".shd", "msge.mg", "help/index.html"})
-        EXPECT_TRUE(FileExists(bench.InProgramFolder(name))) << name;
+        EXPECT_TRUE(FileExists(InProgramFolder(name))) << name;
 }
 
 TEST_F(Project, PreparingKeepsWhatIsThere) {
-    WriteFileText(TemplatePath(bench.wb), "mine");
-    EXPECT_TRUE(PrepareProgramFolder(bench.wb));
-    EXPECT_EQ(ReadFileText(TemplatePath(bench.wb)), "mine");
-    bench.platform.shareFolder = bench.folder.Path() + "/none";
-    DeleteFile(TemplatePath(bench.wb));
-    EXPECT_FALSE(PrepareProgramFolder(bench.wb));
+    WriteFileText(TemplatePath(wb), "mine");
+    EXPECT_TRUE(PrepareProgramFolder(wb));
+    EXPECT_EQ(ReadFileText(TemplatePath(wb)), "mine");
+    platform.shareFolder = folder.Path() + "/none";
+    DeleteFile(TemplatePath(wb));
+    EXPECT_FALSE(PrepareProgramFolder(wb));
 }
 
 TEST_F(Project, BrowsingRemembersTheFolder) {
-    bench.Prompts().QueueFile(std::nullopt);
-    EXPECT_EQ(BrowseFile(bench.wb, false, "Projects", ".poc"), "");
-    EXPECT_EQ(GetUserSetting(bench.wb, "Recent File List", "LastDir"), NotFound);
-    bench.Prompts().QueueFile("/p/q/Summer");
-    EXPECT_EQ(BrowseFile(bench.wb, true, "Projects", ".poc"), "/p/q/Summer.poc");
-    EXPECT_EQ(GetUserSetting(bench.wb, "Recent File List", "LastDir"), "/p/q");
+    Prompts().QueueFile(std::nullopt);
+    EXPECT_EQ(BrowseFile(wb, false, "Projects", ".poc"), "");
+    EXPECT_EQ(GetUserSetting(wb, "Recent File List", "LastDir"), NotFound);
+    Prompts().QueueFile("/p/q/Summer");
+    EXPECT_EQ(BrowseFile(wb, true, "Projects", ".poc"), "/p/q/Summer.poc");
+    EXPECT_EQ(GetUserSetting(wb, "Recent File List", "LastDir"), "/p/q");
 }
 
 TEST_F(Project, RecentFilesKeepFive) {
-    RecentFile recent(bench.wb, "Mailvane");
+    RecentFile recent(wb, "Mailvane");
     std::vector<std::string> told;
     recent.onChange = [&](const std::vector<std::string>& paths) { told = paths; };
     for (const char* path : {"/1", "/2", "/3", "/4", "/5", "/6", "/4"})
         recent.Add(path);
     const std::vector<std::string> expected = {"/4", "/6", "/5", "/3", "/2"};
     EXPECT_EQ(told, expected);
-    RecentFile again(bench.wb, "Mailvane");
+    RecentFile again(wb, "Mailvane");
     again.Load();
     EXPECT_EQ(again.Paths(), expected);
-    RecentFile other(bench.wb, "Other");
+    RecentFile other(wb, "Other");
     other.Load();
     EXPECT_EQ(other.Paths(), std::vector<std::string>(5));
 }
 
 TEST_F(Project, ProgressRunsFromItsOpeningToItsLastStep) {
     std::string pressed;
-    bench.mainForm.cmdProgress.onClick = [&] { pressed += "+"; };
-    bench.mainForm.cmdNoProgress.onClick = [&] { pressed += "-"; };
-    auto& status = bench.wb.forms.Get<frmStatus>();
-    bench.shell.panel = "busy";
-    UpdateProgress(bench.wb, 3, 0, "one", "two");
-    UpdateProgress(bench.wb, 0, 1);
+    mainForm.cmdProgress.onClick = [&] { pressed += "+"; };
+    mainForm.cmdNoProgress.onClick = [&] { pressed += "-"; };
+    auto& status = wb.forms.Get<frmStatus>();
+    shell.panel = "busy";
+    UpdateProgress(wb, 3, 0, "one", "two");
+    UpdateProgress(wb, 0, 1);
     EXPECT_FALSE(status.Visible()) << "a short run only flashes";
-    bench.clock.Sleep(std::chrono::milliseconds(500));
-    UpdateProgress(bench.wb, 0, 2, "", "more");
+    clock.Sleep(std::chrono::milliseconds(500));
+    UpdateProgress(wb, 0, 2, "", "more");
     EXPECT_TRUE(status.Visible());
     EXPECT_EQ(status.lblCaption1.Text(), "one");
     EXPECT_EQ(status.lblCaption2.Text(), "more");
-    EXPECT_EQ(bench.mainForm.Progress1.Value(), 2);
-    EXPECT_EQ(bench.shell.panel, "busy");
-    UpdateProgress(bench.wb, 0, 3);
+    EXPECT_EQ(mainForm.Progress1.Value(), 2);
+    EXPECT_EQ(shell.panel, "busy");
+    UpdateProgress(wb, 0, 3);
     EXPECT_FALSE(status.Visible());
     EXPECT_EQ(pressed, "+-");
-    EXPECT_EQ(bench.shell.panel, "");
-    UpdateProgress(bench.wb, 5, 0, "", "", false);
+    EXPECT_EQ(shell.panel, "");
+    UpdateProgress(wb, 5, 0, "", "", false);
     EXPECT_FALSE(status.Visible());
     EXPECT_EQ(status.lblCaption1.Text(), "");
     status.cmdCancel.Press();
-    EXPECT_TRUE(bench.wb.state.CancelRequested);
-    bench.wb.shell = nullptr;
-    UpdateProgress(bench.wb, 0, 5);
+    EXPECT_TRUE(wb.state.CancelRequested);
+    wb.shell = nullptr;
+    UpdateProgress(wb, 0, 5);
 }
 
 TEST_F(Project, BusyPointersNest) {
-    auto outer = std::make_optional<BusyPointer>(bench.wb);
-    std::make_optional<BusyPointer>(bench.wb).reset();
-    EXPECT_EQ(bench.windows.Pointer(), MousePointer::Busy);
+    auto outer = std::make_optional<BusyPointer>(wb);
+    std::make_optional<BusyPointer>(wb).reset();
+    EXPECT_EQ(windows.Pointer(), MousePointer::Busy);
     outer.reset();
-    EXPECT_EQ(bench.windows.Pointer(), MousePointer::Normal);
+    EXPECT_EQ(windows.Pointer(), MousePointer::Normal);
 }
 
 }  // namespace

@@ -5,13 +5,9 @@
 namespace mailvane {
 namespace {
 
-struct Row {
-    const char* name;
-    std::string input;
-    std::string expected;
-};
+using Row = std::tuple<const char*, std::string, std::string>;  ///< name, input, expected
 
-TEST(Text, EncodesForAddresses) {
+TEST(Text, EncodesAndDecodesForAddresses) {
     const Row rows[] = {
         {"percent first", "50% & more", "50%25+%26+more"},
         {"blank and hard blank", "a b\xC2\xA0x", "a+b+x"},
@@ -21,43 +17,33 @@ TEST(Text, EncodesForAddresses) {
         {"untouched", "A-z_0.9@*", "A-z_0.9@*"},
         {"empty", "", ""},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(UrlEncode(row.input), row.expected) << row.name;
-}
-
-TEST(Text, DecodesAddressesInItsOwnOrder) {
-    const Row rows[] = {
+    for (const auto& [name, input, expected] : rows)
+        EXPECT_EQ(UrlEncode(input), expected) << name;
+    const Row decoded[] = {
         {"doubly encoded is decoded twice", "%253A", ":"},
         {"plus encoded once is a blank", "a%2Bb", "a b"},
         {"plus encoded twice is one blank", UrlEncode(UrlEncode("+")), " "},
         {"lower case digits", "%3a%2f", ":/"},
         {"unfinished sequence stays", "100%2", "100%2"},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(UrlDecode(row.input), row.expected) << row.name;
+    for (const auto& [name, input, expected] : decoded)
+        EXPECT_EQ(UrlDecode(input), expected) << name;
     const std::string awkward = "a&b=c?d/e:f;'\"<>[]{}()|`~^#$!\\,% x";
     EXPECT_EQ(UrlDecode(UrlEncode(awkward)), awkward);
 }
 
 TEST(Text, FindsAddresses) {
-    struct {
-        const char* name;
-        std::string text;
-        std::string result;
-        std::string argument;
-    } const rows[] = {
-        {"name and address", "\"Ann\" < ann@example.com >", "ann@example.com", "ann@example.com"},
-        {"bare address stays as it is", " ann@example.com ", " ann@example.com ",
-         " ann@example.com "},
-        {"piece without an at sign is passed over", "<x> <b@c.de>", "b@c.de", "b@c.de"},
-        {"line ends go", "A <a@\r\nb.c>", "a@b.c", "a@b.c"},
-        {"nothing closes", "A <a@b.c", "A <a@b.c", "A <a@b.c"},
-        {"empty", "", "", ""},
+    const Row rows[] = {
+        {"name and address", "\"Ann\" < ann@example.com >", "ann@example.com"},
+        {"bare address stays as it is", " ann@example.com ", " ann@example.com "},
+        {"piece without an at sign is passed over", "<x> <b@c.de>", "b@c.de"},
+        {"line ends go", "A <a@\r\nb.c>", "a@b.c"},
+        {"nothing closes", "A <a@b.c", "A <a@b.c"},
+        {"empty", "", ""},
     };
-    for (const auto& row : rows) {
-        std::string text = row.text;
-        EXPECT_EQ(ExtractAddress(text), row.result) << row.name;
-        EXPECT_EQ(text, row.argument) << row.name;
+    for (auto [name, text, address] : rows) {
+        EXPECT_EQ(ExtractAddress(text), address) << name;
+        EXPECT_EQ(text, address) << name;
     }
 }
 
@@ -70,12 +56,7 @@ TEST(Text, RemovesSpecialCharacters) {
 }
 
 TEST(Text, WrapsNearTheWidth) {
-    struct {
-        const char* name;
-        std::string text;
-        int width;
-        std::string expected;
-    } const rows[] = {
+    const std::tuple<const char*, std::string, int, std::string> rows[] = {
         {"short text", "one two", 30, "one two"},
         {"no blanks", std::string(200, 'a'), 30, std::string(200, 'a')},
         {"near the word's end: behind it", "aaaa bbbbbb cc", 10, "aaaa bbbbbb \r\ncc"},
@@ -91,8 +72,8 @@ TEST(Text, WrapsNearTheWidth) {
         {"width that cannot be kept", "a b c d", 0, "a b c d"},
         {"smallest width ends", "aa aaaaaaaaaaaa b c", 1, "aa aaaaaaaaaaaa b c"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(WrapText(row.text, row.width), row.expected) << row.name;
+    for (const auto& [name, text, width, expected] : rows)
+        EXPECT_EQ(WrapText(text, width), expected) << name;
 }
 
 TEST(Text, WrappingOnlyAddsLineEnds) {
@@ -103,11 +84,10 @@ TEST(Text, WrappingOnlyAddsLineEnds) {
             seed = seed * 1103515245u + 12345u;
             text.push_back(" a\r\nbcdefghij"[seed >> 16 & 15 % 13]);
         }
-        std::string before = text;
         std::string after = WrapText(text, width);
-        std::erase_if(before, [](char c) { return c == '\r' || c == '\n'; });
-        std::erase_if(after, [](char c) { return c == '\r' || c == '\n'; });
-        EXPECT_EQ(after, before) << width;
+        for (std::string* one : {&text, &after})
+            std::erase_if(*one, [](char c) { return c == '\r' || c == '\n'; });
+        EXPECT_EQ(after, text) << width;
     }
 }
 
@@ -131,18 +111,14 @@ TEST(Text, ComparesWithoutRegardToCase) {
 }
 
 TEST(Text, KnowsNumbers) {
-    struct {
-        const char* text;
-        bool numeric;
-        double value;
-    } const rows[] = {
+    const std::tuple<const char*, bool, double> rows[] = {
         {" 65 ", true, 65}, {"-1.5", true, -1.5}, {"+3", true, 3},   {"1e3", true, 1000},
         {".5", true, .5},   {"12abc", false, 12}, {"", false, 0},    {"-", false, 0},
         {"+-3", false, 0},  {"inf", false, 0},    {"nan", false, 0}, {"1e999", false, 0},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(IsNumeric(row.text), row.numeric) << row.text;
-        EXPECT_EQ(NumberOf(row.text), row.value) << row.text;
+    for (const auto& [text, numeric, value] : rows) {
+        EXPECT_EQ(IsNumeric(text), numeric) << text;
+        EXPECT_EQ(NumberOf(text), value) << text;
     }
 }
 

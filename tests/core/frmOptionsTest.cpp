@@ -11,32 +11,23 @@ namespace {
 constexpr const char* MessageKeys[] = {"Compact", "DeleteDatabase", "DeleteEmail",  "MemoSort",
                                        "Outbox",  "Resources",      "SndRecvError", "LargeEmailDB"};
 
-class FormOptions : public ::testing::Test {
-protected:
-    frmOptions& Form() { return bench.wb.forms.Get<frmOptions>(); }
+struct FormOptions : testing::Test, test::TestBench {
+    frmOptions& Form() { return wb.forms.Get<frmOptions>(); }
     /// The form as it is after the next start.
     frmOptions& Again() {
         Form().Unload();
         return Form();
     }
     std::string Stored(const char* section, const char* key) const {
-        return GetUserSetting(bench.wb, section, key);
+        return GetUserSetting(wb, section, key);
     }
     void Store(const char* section, const char* key, const char* value) {
-        SaveUserSetting(bench.wb, section, key, value);
+        SaveUserSetting(wb, section, key, value);
     }
-
-    test::TestBench bench;
 };
 
 TEST_F(FormOptions, EveryKeyGoesThereAndBack) {
-    struct {
-        const char* section;
-        const char* key;
-        const char* control;
-        const char* value;
-        const char* stored;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*, const char*> rows[] = {
         {"Settings", "Load", "chkLoad", "1", "1"},
         {"Settings", "Save", "chkSave", "1", "1"},
         {"Settings", "Upgrade", "chkUpgrade", "1", "1"},
@@ -52,28 +43,27 @@ TEST_F(FormOptions, EveryKeyGoesThereAndBack) {
         {"Proxy", "HttpPort", "txtPort", "3128", "3128"},
         {"Proxy", "Connection", "optDial", "1", "modem"},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(Form().FindControl(row.control)->SetByUser(row.value), ControlAnswer::Done)
-            << row.control;
+    for (const auto& [section, key, control, value, stored] : rows)
+        EXPECT_EQ(Form().FindControl(control)->SetByUser(value), ControlAnswer::Done) << control;
     Form().List1.SetSelected(3, false);
     Form().cmdOk.Press();
-    EXPECT_EQ(bench.wb.forms.Find<frmOptions>(), &Form()) << "stays loaded";
-    EXPECT_EQ(bench.windows.TipTime(), std::chrono::seconds(std::stoi(Form().txtHide.Text())));
-    for (const auto& row : rows)
-        EXPECT_EQ(Stored(row.section, row.key), row.stored) << row.key;
+    EXPECT_EQ(wb.forms.Find<frmOptions>(), &Form()) << "stays loaded";
+    EXPECT_EQ(windows.TipTime(), std::chrono::seconds(std::stoi(Form().txtHide.Text())));
+    for (const auto& [section, key, control, value, stored] : rows)
+        EXPECT_EQ(Stored(section, key), stored) << key;
     for (const char* key : MessageKeys)
         EXPECT_EQ(Stored("Messages", key), std::string(key) == "MemoSort" ? "1" : "0") << key;
 
     frmOptions& again = Again();
-    for (const auto& row : rows)
-        EXPECT_EQ(again.FindControl(row.control)->ShownText(), row.value) << row.key;
+    for (const auto& [section, key, control, value, stored] : rows)
+        EXPECT_EQ(again.FindControl(control)->ShownText(), value) << key;
     EXPECT_EQ(again.List1.SelectedItems(), (std::vector<int>{0, 1, 2, 4, 5, 6, 7}));
-    for (const auto& row : rows)
-        again.FindControl(row.control)->SetByUser("0");
+    for (const auto& [section, key, control, value, stored] : rows)
+        again.FindControl(control)->SetByUser("0");
     again.optDirect.SetByUser("1");
     again.cmdOk.Press();
     EXPECT_EQ(Stored("Settings", "Load"), "0");
-    EXPECT_EQ(bench.windows.TipTime(), std::nullopt) << "tips stay";
+    EXPECT_EQ(windows.TipTime(), std::nullopt) << "tips stay";
     EXPECT_EQ(Stored("Proxy", "UseProxy"), "no");
     EXPECT_EQ(Stored("Proxy", "Connection"), "direct");
 }
@@ -118,7 +108,7 @@ TEST_F(FormOptions, CancelledChangesAreNotInForce) {
             Form().OnCloseBox();
         else
             Form().cmdCancel.Press();
-        const auto* live = bench.wb.forms.Find<frmOptions>();
+        const auto* live = wb.forms.Find<frmOptions>();
         ASSERT_NE(live, nullptr) << "its controls are read at any time";
         EXPECT_FALSE(live->Visible());
         EXPECT_TRUE(live->chkSave.Checked());
@@ -141,11 +131,7 @@ TEST_F(FormOptions, AMessageSwitchedOffByItsOwnBoxStaysOff) {
 }
 
 TEST(Proxy, ServerOfTheDesktopsList) {
-    struct {
-        const char* list;
-        const char* server;
-        const char* port;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"http=a.example.com:8080", "a.example.com", "8080"},
         {"ftp=f:21;http=a:80;https=s:443", "a", "80"},
         {"http=a:80:90;", "a", "80"},
@@ -158,24 +144,23 @@ TEST(Proxy, ServerOfTheDesktopsList) {
         {"", "old", "old port"},
         {NotFound, "old", "old port"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [list, server, port] : rows) {
         ProxySettings settings{false, false, "old", "old port"};
-        TakeProxyServer(row.list, settings);
-        EXPECT_EQ(settings.server, row.server) << row.list;
-        EXPECT_EQ(settings.port, row.port) << row.list;
+        TakeProxyServer(list, settings);
+        EXPECT_EQ(settings.server, server) << list;
+        EXPECT_EQ(settings.port, port) << list;
     }
 }
 
-TEST(Proxy, DesktopsListCountsWhenNothingIsStored) {
-    test::TestBench bench;
-    RegSetValue(bench.wb, RegistryRoot::CurrentUser,
+TEST_F(FormOptions, DesktopsProxyCountsWhenNothingIsStored) {
+    RegSetValue(wb, RegistryRoot::CurrentUser,
                 "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings", "ProxyServer",
                 RegistryType::String, "http=desk:80");
-    EXPECT_EQ(ReadProxySettings(bench.wb).server, "desk") << "absent";
-    SaveProxySettings(bench.wb, {});
-    EXPECT_EQ(ReadProxySettings(bench.wb).port, "80") << "empty";
-    SaveUserSetting(bench.wb, "Proxy", "HttpPort", "3128");
-    EXPECT_EQ(ReadProxySettings(bench.wb).server, "") << "one of them is enough";
+    EXPECT_EQ(ReadProxySettings(wb).server, "desk") << "absent";
+    SaveProxySettings(wb, {});
+    EXPECT_EQ(ReadProxySettings(wb).port, "80") << "empty";
+    SaveUserSetting(wb, "Proxy", "HttpPort", "3128");
+    EXPECT_EQ(ReadProxySettings(wb).server, "") << "one of them is enough";
 }
 
 }  // namespace

@@ -9,12 +9,11 @@
 namespace mailvane {
 namespace {
 
-class FormSettings : public ::testing::Test {
-protected:
-    frmSettings& Form() { return bench.wb.forms.Get<frmSettings>(); }
+struct FormSettings : testing::Test, test::TestBench {
+    frmSettings& Form() { return wb.forms.Get<frmSettings>(); }
     /// A database file with two user tables; gives its path.
     std::string MakeDatabase(const std::string& name) {
-        const std::string path = bench.folder.File(name);
+        const std::string path = folder.File(name);
         const auto workspace = Workspace::Create();
         const auto database = workspace->CreateDatabase(path);
         EXPECT_TRUE(database.Ok());
@@ -26,12 +25,10 @@ protected:
         return path;
     }
     void OpenText(const std::string& clearText) {
-        const std::string path = bench.InProgramFolder("Projects/a.poc");
+        const std::string path = InProgramFolder("Projects/a.poc");
         WriteFileText(path, Sifrant().Sifriraj(clearText, ProjectKey));
-        SwitchProject(bench.wb, path);
+        SwitchProject(wb, path);
     }
-
-    test::TestBench bench;
 };
 
 TEST_F(FormSettings, FieldsFollowTheirChoices) {
@@ -60,28 +57,24 @@ TEST_F(FormSettings, FieldsFollowTheirChoices) {
 TEST_F(FormSettings, NumbersAreCheckedOnLeaving) {
     const char* wrapBox = "Please enter a number of characters between 30 and 132.";
     const char* triesBox = "Please enter a number of characters between 1 and 132.";
-    struct {
-        const char* typed;
-        const char* wrap;
-        const char* tries;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"30", "30", "30"}, {"132", "132", "132"}, {"133", "65", "4"}, {"29", "65", "29"},
         {"1", "65", "1"},   {"0", "65", "4"},      {"abc", "65", "4"}, {"", "65", "4"},
     };
-    bench.Prompts().UseDefaults();
-    for (const auto& row : rows) {
-        Form().txtWrap.SetByUser(row.typed);
-        EXPECT_EQ(Form().txtWrap.Text(), row.wrap);
-        EXPECT_EQ(bench.Prompts().ExpectBox(wrapBox), std::string(row.wrap) != row.typed);
-        Form().txtDeleteUndeliverables.SetByUser(row.typed);
-        EXPECT_EQ(Form().txtDeleteUndeliverables.Text(), row.tries);
-        EXPECT_EQ(bench.Prompts().ExpectBox(triesBox), std::string(row.tries) != row.typed);
+    Prompts().UseDefaults();
+    for (const auto& [typed, wrap, tries] : rows) {
+        Form().txtWrap.SetByUser(typed);
+        EXPECT_EQ(Form().txtWrap.Text(), wrap);
+        EXPECT_EQ(Prompts().ExpectBox(wrapBox), std::string(wrap) != typed);
+        Form().txtDeleteUndeliverables.SetByUser(typed);
+        EXPECT_EQ(Form().txtDeleteUndeliverables.Text(), tries);
+        EXPECT_EQ(Prompts().ExpectBox(triesBox), std::string(tries) != typed);
     }
-    EXPECT_EQ(bench.Prompts().Shown().front().title, "Error");
+    EXPECT_EQ(Prompts().Shown().front().title, "Error");
 }
 
 TEST_F(FormSettings, ButtonsWithoutWorkStayDisabled) {
-    const auto attached = bench.wb.forms.created.Observe([](auto& form) {
+    const auto attached = wb.forms.created.Observe([](auto& form) {
         if (auto* settings = dynamic_cast<frmSettings*>(&form)) {
             settings->SSCommand1.onClick = [] {};
             settings->cmdImportData.onClick = [] {};
@@ -98,35 +91,28 @@ TEST_F(FormSettings, ButtonsWithoutWorkStayDisabled) {
 }
 
 TEST_F(FormSettings, MissingSignatureFileIsTold) {
-    struct {
-        const char* name;
-        std::string text;
-        bool unattended;
-        bool told;
-        bool signs;
-    } const rows[] = {
+    const std::tuple<const char*, std::string, bool, bool, bool> rows[] = {
         {"no text either", "optFile*|*True#|#chkAddSignature*|*1#|#", false, true, false},
         {"with a text", "optFile*|*True#|#chkAddSignature*|*1#|#txtSignature*|*x#|#", false, true,
          true},
         {"nobody there", "optFile*|*True#|#chkAddSignature*|*1#|#", true, false, true},
         {"file is there",
-         "optFile*|*True#|#chkAddSignature*|*1#|#txtSigFile*|*" +
-             bench.folder.Write("sig.txt", "x") + "#|#",
+         "optFile*|*True#|#chkAddSignature*|*1#|#txtSigFile*|*" + folder.Write("sig.txt", "x") +
+             "#|#",
          false, false, true},
     };
-    bench.Prompts().UseDefaults();
-    for (const auto& row : rows) {
-        bench.wb.state.UnattendedRun = row.unattended;
-        OpenText(row.text);
-        EXPECT_EQ(bench.Prompts().ExpectBox("Your signature file cannot be found."), row.told)
-            << row.name;
-        EXPECT_EQ(Form().optText.IsSet(), row.told) << row.name;
-        EXPECT_EQ(Form().chkAddSignature.Checked(), row.signs) << row.name;
+    Prompts().UseDefaults();
+    for (const auto& [name, text, unattended, told, signs] : rows) {
+        wb.state.UnattendedRun = unattended;
+        OpenText(text);
+        EXPECT_EQ(Prompts().ExpectBox("Your signature file cannot be found."), told) << name;
+        EXPECT_EQ(Form().optText.IsSet(), told) << name;
+        EXPECT_EQ(Form().chkAddSignature.Checked(), signs) << name;
     }
 }
 
 TEST_F(FormSettings, RulesListComesFromTheProject) {
-    bench.folder.Write("program/Projects/a/Rules.dat", "1. Copy\r\n2. Move\r\n");
+    folder.Write("program/Projects/a/Rules.dat", "1. Copy\r\n2. Move\r\n");
     OpenText("");
     EXPECT_EQ(Form().lbxRules.Items(), (std::vector<std::string>{"1. Copy", "2. Move"}));
 }
@@ -150,7 +136,7 @@ TEST_F(FormSettings, DatabaseFillsTheTables) {
     EXPECT_EQ(Form().cmbAccessTable.Count(), 0);
     EXPECT_FALSE(Form().cmbAccessTable.Enabled());
     EXPECT_EQ(changes, 2);
-    bench.Prompts().QueueFile(path);
+    Prompts().QueueFile(path);
     Form().cmdAccessBrowse.Press();
     EXPECT_EQ(changes, 3);
     OpenText("txtAccessDBPath*|*" + path + "#|#cmbAccessTable*|*1#|#");
@@ -158,13 +144,13 @@ TEST_F(FormSettings, DatabaseFillsTheTables) {
 }
 
 TEST_F(FormSettings, WhatIsNoDatabaseIsTold) {
-    const std::string path = bench.folder.Write("list.txt", std::string(5000, 'x'));
-    OpenText("txtAccessDBPath*|*" + path + "#|#");
-    EXPECT_TRUE(bench.Prompts().Shown().empty()) << "a project opens in silence";
-    bench.Prompts().UseDefaults();
+    const std::string text = folder.Write("list.txt", std::string(5000, 'x'));
+    OpenText("txtAccessDBPath*|*" + text + "#|#");
+    EXPECT_TRUE(Prompts().Shown().empty()) << "a project opens in silence";
+    Prompts().UseDefaults();
     Form().txtAccessDBPath.SetText("");
-    Form().txtAccessDBPath.SetText(path);
-    EXPECT_EQ(bench.Prompts().Shown().size(), 1u);
+    Form().txtAccessDBPath.SetText(text);
+    EXPECT_EQ(Prompts().Shown().size(), 1u);
     EXPECT_FALSE(Form().cmbAccessTable.Enabled());
 }
 
@@ -172,36 +158,36 @@ TEST_F(FormSettings, HidesAndStaysLoaded) {
     Form().ShowPage(frmSettings::DatabasePage, Form().txtAccessDBPath);
     EXPECT_TRUE(Form().Visible());
     EXPECT_EQ(Form().Tab1.Current(), frmSettings::DatabasePage);
-    EXPECT_EQ(bench.windows.FocusedControl(), &Form().txtAccessDBPath);
+    EXPECT_EQ(windows.FocusedControl(), &Form().txtAccessDBPath);
     int saved = 0;
-    bench.mainForm.cmdSave.onClick = [&] { ++saved; };
+    mainForm.cmdSave.onClick = [&] { ++saved; };
     Form().cmdOk.Press();
     EXPECT_FALSE(Form().Visible());
     EXPECT_EQ(saved, 0) << "there is no file yet";
-    bench.wb.state.CurrentProjectFile = "/a.poc";
+    wb.state.CurrentProjectFile = "/a.poc";
     Form().Show();
-    CloseWindowByTitle(bench.wb, "Project settings");
+    CloseWindowByTitle(wb, "Project settings");
     EXPECT_FALSE(Form().Visible());
     EXPECT_EQ(saved, 1);
-    EXPECT_NE(bench.wb.forms.Find<frmSettings>(), nullptr);
+    EXPECT_NE(wb.forms.Find<frmSettings>(), nullptr);
 }
 
 TEST_F(FormSettings, OtherProgramsAreStartedWithoutAShell) {
-    bench.processes.succeeds = false;
-    bench.Prompts().UseDefaults();
-    EXPECT_FALSE(RunAndWait(bench.wb, {"prog", "a b"}));
-    EXPECT_TRUE(bench.Prompts().ExpectBox("Error starting task "));
-    EXPECT_EQ(bench.processes.ran.front(), (std::vector<std::string>{"prog", "a b"}));
-    bench.wb.state.UnattendedRun = true;
-    EXPECT_FALSE(RunAndWait(bench.wb, {}));
-    EXPECT_FALSE(bench.Prompts().ExpectBox("Error starting task "));
-    ShowHelpContext(bench.wb);
-    EXPECT_TRUE(bench.Prompts().ExpectBox(
+    processes.succeeds = false;
+    Prompts().UseDefaults();
+    EXPECT_FALSE(RunAndWait(wb, {"prog", "a b"}));
+    EXPECT_TRUE(Prompts().ExpectBox("Error starting task "));
+    EXPECT_EQ(processes.ran.front(), (std::vector<std::string>{"prog", "a b"}));
+    wb.state.UnattendedRun = true;
+    EXPECT_FALSE(RunAndWait(wb, {}));
+    EXPECT_FALSE(Prompts().ExpectBox("Error starting task "));
+    ShowHelpContext(wb);
+    EXPECT_TRUE(Prompts().ExpectBox(
         "Unable to display Help Contents. There is no Help associated with this project."));
-    EXPECT_FALSE(OpenInBrowser(bench.wb, "--version"));
-    EXPECT_TRUE(bench.processes.opened.empty());
-    bench.processes.succeeds = true;
-    EXPECT_TRUE(OpenInBrowser(bench.wb, "HTTPS://example.com/"));
+    EXPECT_FALSE(OpenInBrowser(wb, "--version"));
+    EXPECT_TRUE(processes.opened.empty());
+    processes.succeeds = true;
+    EXPECT_TRUE(OpenInBrowser(wb, "HTTPS://example.com/"));
 }
 
 }  // namespace

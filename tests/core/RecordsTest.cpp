@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "core/records/RecordFile.h"
+#include "core/records/Sifrant.h"
 #include "support/TempFolder.h"
 
 namespace mailvane {
@@ -44,21 +45,7 @@ TEST(RecordFile, CutsNoText) {
     }
 }
 
-TEST(RecordFile, ShortBytesReadAsNothing) {
-    const std::string bytes = SampleBytes();
-    for (std::size_t length = 0; length < bytes.size(); ++length) {
-        RecordReader reader(bytes.substr(0, length));
-        const std::int32_t number = reader.Long();
-        EXPECT_EQ(number, length < 4 ? 0 : -2);
-        EXPECT_EQ(reader.Text(), length < 8 ? "" : "ab") << length;
-        reader.Flag();
-        reader.Integer();
-        EXPECT_EQ(reader.Date(), DateTime());
-        EXPECT_FALSE(reader.Complete());
-    }
-}
-
-TEST(RecordFile, HostileLengthsAndDatesReadAsNothing) {
+TEST(RecordFile, ShortAndHostileBytesReadAsNothing) {
     for (const std::string bytes : {"\xFE\xFFxyz", "\xFF\xFF\xFF\xFF\xFF\xFFxyz", "\xFF\xFF\x01"}) {
         RecordReader reader(bytes);
         EXPECT_EQ(reader.Text(), "");
@@ -68,6 +55,16 @@ TEST(RecordFile, HostileLengthsAndDatesReadAsNothing) {
     RecordReader dates(std::string(8, '\xFF') + std::string("\0\0\0\0\0\0\xF0\x7F", 8));
     EXPECT_EQ(dates.Date(), DateTime());
     EXPECT_EQ(dates.Date(), DateTime());
+    const std::string bytes = SampleBytes();
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        RecordReader reader(bytes.substr(0, length));
+        EXPECT_EQ(reader.Long(), length < 4 ? 0 : -2);
+        EXPECT_EQ(reader.Text(), length < 8 ? "" : "ab") << length;
+        reader.Flag();
+        reader.Integer();
+        EXPECT_EQ(reader.Date(), DateTime());
+        EXPECT_FALSE(reader.Complete());
+    }
 }
 
 TEST(RecordFile, SavesAndLoadsWholeFiles) {
@@ -81,6 +78,25 @@ TEST(RecordFile, SavesAndLoadsWholeFiles) {
     EXPECT_FALSE(LoadRecordFile(folder.File("2.fl"), read));
     EXPECT_EQ(text, "");
     EXPECT_FALSE(SaveRecordFile(folder.File("none/1.fl"), [](RecordWriter&) {}));
+}
+
+TEST(Sifrant, GivesTheTextBack) {
+    std::string bytes;
+    for (int i = 0; i < 256; ++i)
+        bytes.push_back(static_cast<char>(i));
+    for (std::size_t length = 0; length < 20; ++length)
+        for (const char* key : {"Velorina", "512903847165320", "", "\xFF"}) {
+            const std::string text = bytes.substr(60, length);
+            EXPECT_EQ(Sifrant().DeSifriraj(Sifrant().Sifriraj(text, key), key), text) << key;
+        }
+    EXPECT_EQ(UnscrambleText(ScrambleText(bytes)), bytes);
+}
+
+// Files written by one version have to be read by every later one.
+TEST(Sifrant, KeepsItsFileFormat) {
+    Sifrant used;
+    used.Sifriraj("something else", "other");
+    EXPECT_EQ(used.Sifriraj("Mailvane", "Velorina"), "Nqit[\\NaR<?");
 }
 
 }  // namespace
