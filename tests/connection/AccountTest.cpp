@@ -114,6 +114,7 @@ TEST_F(TestConnection, SaysStepByStepWhatWorked) {
         test::LoopbackServer server(Answering(row.greeting, row.answers));
         MailAccount account = row.account;
         account.port = server.Port();
+        form.txtReport.SetText("");
         form.Start(account);
         windows.HandleIdle();
         const std::string port = "Port " + std::to_string(account.port);

@@ -46,9 +46,6 @@ TEST(ColumnGuess, FitsAllTheValues) {
     for (const char* text : {"1234567890123456", "+386", "-0", ".5", "1,5", "1e5", "0.00001",
                              "1-800-555", "2023-02-29", "12/31/23", "13:30"})
         check({text, {text}, Text});
-}
-
-TEST(ColumnGuess, TakesLongTextsIntoAMemo) {
     ColumnGuess guess;
     const std::string text(70000, 'x');
     guess.See({ValueKind::Text, text});

