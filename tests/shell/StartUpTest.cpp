@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <tuple>
 
 #include "core/settings/frmOptions.h"
 #include "platform/os/Files.h"
@@ -28,7 +27,8 @@ protected:
 TEST_F(StartUp, FirstStartAsksInOrder) {
     PressWhenOpen("frmConnectionWizard", "cmdCancel");
     PressWhenOpen("frmProjectDialog", "cmdCancel");
-    Start({}, true);
+    Start("\\SHC no such task", true);
+    EXPECT_FALSE(wb.state.UnattendedRun);
     EXPECT_EQ(opened_, (std::vector<std::string>{"frmConnectionWizard", "frmProjectDialog"}));
     EXPECT_TRUE(IsOpen("frmWelcome"));
     EXPECT_TRUE(IsOpen("frmMain"));
@@ -135,17 +135,9 @@ TEST_F(StartUp, TaskOpensItsProjectWithoutQuestions) {
     EXPECT_TRUE(wb.forms.All().empty());
 }
 
-TEST_F(StartUp, MissingTaskIsANormalStart) {
-    AnswerStartUpDialogs();
-    PressWhenOpen("frmProjectDialog", "cmdCancel");
-    Start("\\SHC nothing", true);
-    EXPECT_FALSE(wb.state.UnattendedRun);
-    EXPECT_EQ(opened_.size(), 1u);
-}
-
-using Upkeep = std::tuple<bool, bool>;  ///< of the messages, of the database
-class ExitUpkeep : public StartUp, public testing::WithParamInterface<Upkeep> {};
-INSTANTIATE_TEST_SUITE_P(StartUp, ExitUpkeep, testing::Combine(testing::Bool(), testing::Bool()));
+class ExitUpkeep : public StartUp, public testing::WithParamInterface<std::pair<bool, bool>> {};
+INSTANTIATE_TEST_SUITE_P(OfMessagesAndDatabase, ExitUpkeep,
+                         testing::Values(std::pair(false, true), std::pair(true, false)));
 
 TEST_P(ExitUpkeep, CompactsByOption) {
     const auto& [messages, database] = GetParam();
