@@ -19,18 +19,17 @@ namespace {
 constexpr int BusyWaitMilliseconds = 5000;
 constexpr std::size_t MaxKeptStatements = 64;
 
-/// The path by which every opening of the file knows it, symbolic links followed.
-std::string CanonicalPath(const std::string& path) {
-    std::error_code failure;
-    const std::filesystem::path canonical = std::filesystem::weakly_canonical(path, failure);
-    return failure ? path : canonical.string();
-}
-
 std::string SavepointName(int depth) {
     return "mv" + std::to_string(depth);
 }
 
 }  // namespace
+
+std::string CanonicalPath(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path canonical = std::filesystem::weakly_canonical(path, failure);
+    return failure ? path : canonical.string();
+}
 
 bool FlushToDisk(const std::string& path) {
     const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -40,7 +39,7 @@ bool FlushToDisk(const std::string& path) {
     return flushed;
 }
 
-Connection::Connection(std::string path, FileLock lock)
+Connection::Connection(std::string path, std::optional<FileLock> lock)
     : path_(std::move(path)), lock_(std::move(lock)) {}
 
 Connection::~Connection() {
@@ -53,7 +52,7 @@ DaoResult<std::shared_ptr<Connection>> Connection::Open(const std::string& path,
     DaoResult<FileLock> lock = FileLock::Take(canonical, mode == OpenMode::Exclusive);
     if (lock.Failed()) return lock.Error();
     std::shared_ptr<Connection> connection(new Connection(canonical, std::move(*lock)));
-    if (DaoError failed = connection->OpenFile(false); failed.Failed()) return failed;
+    if (DaoError failed = connection->OpenFile(Opening::Existing); failed.Failed()) return failed;
     return connection;
 }
 
@@ -64,14 +63,22 @@ DaoResult<std::shared_ptr<Connection>> Connection::Create(const std::string& pat
     DaoResult<FileLock> lock = FileLock::Take(canonical, false);
     if (lock.Failed()) return lock.Error();
     std::shared_ptr<Connection> connection(new Connection(canonical, std::move(*lock)));
-    if (DaoError failed = connection->OpenFile(true); failed.Failed()) return failed;
+    if (DaoError failed = connection->OpenFile(Opening::New); failed.Failed()) return failed;
     return connection;
 }
 
-DaoError Connection::OpenFile(bool create) {
-    const int flags =
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_EXRESCODE | (create ? SQLITE_OPEN_CREATE : 0);
-    if (sqlite3_open_v2(path_.c_str(), &database_, flags, nullptr) != SQLITE_OK) {
+DaoResult<std::shared_ptr<Connection>> Connection::OpenUnlocked(const std::string& path) {
+    std::shared_ptr<Connection> connection(new Connection(path, std::nullopt));
+    if (DaoError failed = connection->OpenFile(Opening::WithoutLocks); failed.Failed())
+        return failed;
+    return connection;
+}
+
+DaoError Connection::OpenFile(Opening opening) {
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_EXRESCODE |
+                      (opening == Opening::New ? SQLITE_OPEN_CREATE : 0);
+    const char* system = opening == Opening::WithoutLocks ? "unix-none" : nullptr;
+    if (sqlite3_open_v2(path_.c_str(), &database_, flags, system) != SQLITE_OK) {
         Close();
         return MakeDaoError(dao_error::CannotOpenFile, path_);
     }
@@ -80,10 +87,12 @@ DaoError Connection::OpenFile(bool create) {
     sqlite3_db_config(database_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     if (const int code = RegisterSqlFunctions(database_); code != SQLITE_OK) return ErrorOf(code);
-    if (create) {
-        if (DaoResult<std::string> set = QueryText("PRAGMA journal_mode=WAL"); set.Failed())
-            return set.Error();
-    }
+    // Without locks there is no shared memory either.
+    const char* first = opening == Opening::New            ? "PRAGMA journal_mode=WAL"
+                        : opening == Opening::WithoutLocks ? "PRAGMA locking_mode=EXCLUSIVE"
+                                                           : nullptr;
+    if (first != nullptr)
+        if (const DaoResult<std::string> set = QueryText(first); set.Failed()) return set.Error();
     return ReadHead();
 }
 
@@ -109,12 +118,6 @@ void Connection::Close() {
     sqlite3_close_v2(database_);
     database_ = nullptr;
     lock_.reset();
-}
-
-FileLock Connection::CloseKeepingLock() {
-    FileLock lock = std::move(*lock_);
-    Close();
-    return lock;
 }
 
 DaoResult<Statement> Connection::Prepare(const std::string& sql) {

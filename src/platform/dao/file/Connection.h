@@ -28,6 +28,8 @@ public:
     static DaoResult<std::shared_ptr<Connection>> Open(const std::string& path, OpenMode mode);
     /// Makes a new file, with write-ahead logging.
     static DaoResult<std::shared_ptr<Connection>> Create(const std::string& path);
+    /// Opens a file without taking a lock: for who holds all of them (SoleFile).
+    static DaoResult<std::shared_ptr<Connection>> OpenUnlocked(const std::string& path);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -37,8 +39,6 @@ public:
     std::int64_t MostRows();
     bool IsOpen() const { return database_ != nullptr; }
     void Close();
-    /// Closes the file, and leaves the lock on its path to the caller. Only while open.
-    FileLock CloseKeepingLock();
 
     /// A statement for repeated use.
     DaoResult<Statement> Prepare(const std::string& sql);
@@ -67,8 +67,10 @@ private:
     friend class Statement;
     using KeptStatement = std::pair<std::string, sqlite3_stmt*>;
 
-    Connection(std::string path, FileLock lock);
-    DaoError OpenFile(bool create);
+    enum class Opening { Existing, New, WithoutLocks };
+
+    Connection(std::string path, std::optional<FileLock> lock);
+    DaoError OpenFile(Opening opening);
     DaoError ReadHead();
     DaoError ConstraintError(int code, const std::string& message);
     DaoResult<Statement> PrepareAnew(const std::string& sql, bool keep);
@@ -88,6 +90,9 @@ private:
     bool writeAheadLog_ = false;
     Schema schema_{*this};
 };
+
+/// The path by which every opening of the file knows it, symbolic links followed.
+std::string CanonicalPath(const std::string& path);
 
 /// Flushes a file, or the entries of a folder, to the disk.
 bool FlushToDisk(const std::string& path);

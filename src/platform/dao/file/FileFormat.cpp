@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <fstream>
 #include <string_view>
 
@@ -29,7 +30,11 @@ bool HoldsAt(std::string_view header, std::size_t offset, std::string_view mark)
 
 DaoError CheckFile(const std::string& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0) return MakeDaoError(dao_error::FileNotFound, path);
+    if (::stat(path.c_str(), &status) != 0) {
+        std::error_code noLink;
+        const std::filesystem::path target = std::filesystem::read_symlink(path, noLink);
+        return MakeDaoError(dao_error::FileNotFound, noLink ? path : target.string());
+    }
     if (!S_ISREG(status.st_mode) || status.st_size < LeastFileSize)
         return MakeDaoError(dao_error::UnrecognizedFormat, path);
     return {};

@@ -6,9 +6,9 @@
 
 namespace mailvane {
 
-/// What can be said of a database file without opening it: 3024 when missing, 3343 when it is no
-/// ordinary file or too short to be one. An opened handle would, when closed, take SQLite's locks
-/// along.
+/// What can be said of a database file without opening it: 3024 when missing (with the place that a
+/// link leads to), 3343 when it is no ordinary file or too short to be one. An opened handle would,
+/// when closed, take SQLite's locks along.
 DaoError CheckFile(const std::string& path);
 
 /// The error for a file in which SQLite found no database: 3049 if it once was one, 3343 otherwise,

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/dao/file/Database.h"
+#include "platform/dao/salvage/RepairReport.h"
 
 namespace mailvane {
 
@@ -30,17 +31,18 @@ private:
     std::vector<std::weak_ptr<Database>> databases_;
 };
 
-/// Operations on closed files.
+/// Operations on closed files. A link is followed, and stays. While one is at work nobody else can
+/// read or write the file: what another program commits is never lost. 3356 while anyone has it
+/// open, 3027 when it is marked read-only; nothing is touched then.
 namespace DBEngine {
-/// Checks the file and rebuilds its indexes. On damage every readable row is copied into a fresh
-/// file that takes its place. 3356 while anyone has it open.
-DaoError RepairDatabase(const std::string& path);
-/// Writes a fresh, dense copy of `source` to `target` (whole or not at all).
-DaoError CompactDatabase(const std::string& source, const std::string& target);
-/// Writes a dense copy to `backup`, over what is there, and puts another such copy in the place of
-/// the file. Each file is the old one or the new one at any moment, whole. 3356 while anyone has it
-/// open.
-DaoError CompactInPlace(const std::string& path, const std::string& backup);
+/// Checks the file and rebuilds its indexes. On damage every row that its pages still give is
+/// copied into a fresh file that takes its place, and the damaged one is kept as "NAME.damaged",
+/// with a number when there is one already.
+DaoResult<RepairReport> RepairDatabase(const std::string& path);
+/// Puts a dense copy in the place of the file, and then another one at `backup`, over what is
+/// there. Each file is the old one or the new one at any moment, whole. A damaged file is repaired
+/// instead, and what is at `backup` stays.
+DaoResult<RepairReport> CompactInPlace(const std::string& path, const std::string& backup);
 /// Removes the unfinished files of a repair or compaction of `path` that was killed; does nothing
 /// while one is under way.
 void RemoveLeftovers(const std::string& path, const std::string& backup);
