@@ -6,6 +6,7 @@
 #include "core/settings/frmSettings.h"
 #include "shell/StoreUpkeep.h"
 #include "shell/frmMain.h"
+#include "store/MessageStore.h"
 
 namespace mailvane {
 
@@ -41,32 +42,37 @@ void frmMain::LeaveProgram() {
 }
 
 bool frmMain::CompactMessageStore() {
-    DaoError outcome;
+    DaoResult<RepairReport> outcome = RepairReport();
     {
         LongRun run(wb_, {"Compacting messages", Holds::Store});
         if (!run.Began()) return false;
         outcome = CompactMessages(wb_, run);
     }
-    return TellUpkeep(outcome);
+    return TellUpkeep(outcome, MessageStorePath(wb_));
 }
 
 bool frmMain::CompactRecipients() {
     const std::string path = wb_.forms.Get<frmSettings>().txtAccessDBPath.Text();
     if (!FileExists(path)) return true;
     if (!wb_.runs.Holder(RecipientViews)) UnloadRecipientViews(wb_);
-    DaoError outcome;
+    DaoResult<RepairReport> outcome = RepairReport();
     {
         LongRun run(wb_, {"Compacting the database", RecipientViews});
         if (!run.Began()) return false;
         outcome = CompactDatabase(wb_, path, run);
     }
-    return TellUpkeep(outcome);
+    return TellUpkeep(outcome, path);
 }
 
 /// True when all went well.
-bool frmMain::TellUpkeep(const DaoError& outcome) {
-    if (outcome.Failed() && !wb_.state.UnattendedRun)
-        Tell(wb_, "The file could not be compacted and stays as it was: " + outcome.description,
+bool frmMain::TellUpkeep(const DaoResult<RepairReport>& outcome, const std::string& path) {
+    if (wb_.state.UnattendedRun) return outcome.Ok();
+    if (outcome.Failed())
+        Tell(wb_,
+             "The file could not be compacted and stays as it was: " + outcome.Error().description,
+             BoxIcon::Exclamation);
+    else if (outcome->damaged)
+        Tell(wb_, "Successfully repaired the '" + path + "' database." + outcome->Text(),
              BoxIcon::Exclamation);
     return outcome.Ok();
 }

@@ -36,14 +36,14 @@ private:
     long step_ = 0;
 };
 
-DaoError CompactFile(const std::string& path, UpkeepSteps& steps) {
+DaoResult<RepairReport> CompactFile(const std::string& path, UpkeepSteps& steps) {
     const std::string backup = path + BackupEnding;
-    DeleteFile(backup);
     steps.Next();
-    DaoError outcome = DBEngine::CompactInPlace(path, backup);
-    DeleteFile(backup);
+    DaoResult<RepairReport> report = DBEngine::CompactInPlace(path, backup);
+    // A copy from before the damage may hold what the repair could not save.
+    if (report.Ok() && !report->damaged) DeleteFile(backup);
     steps.Next();
-    return outcome;
+    return report;
 }
 
 void CloseStore(Workbench& wb) {
@@ -58,10 +58,10 @@ void UnloadIfLoaded(Workbench& wb) {
 
 }  // namespace
 
-DaoError CompactMessages(Workbench& wb, LongRun& run) {
+DaoResult<RepairReport> CompactMessages(Workbench& wb, LongRun& run) {
     UpkeepSteps steps(wb, run, 3, "Compacting messages...");
     CloseStore(wb);
-    const DaoError outcome = CompactFile(MessageStorePath(wb), steps);
+    DaoResult<RepairReport> outcome = CompactFile(MessageStorePath(wb), steps);
     if (wb.state.ExitRequested) return outcome;
     if (DaoError failed = OpenMessageStore(wb); failed.Failed()) return failed;
     wb.forms.Get<frmViewEmail>().cmdRefresh.Press();
@@ -73,12 +73,11 @@ void UnloadRecipientViews(Workbench& wb) {
     UnloadIfLoaded<frmViewMerge>(wb);
 }
 
-DaoError CompactDatabase(Workbench& wb, const std::string& path, LongRun& run) {
+DaoResult<RepairReport> CompactDatabase(Workbench& wb, const std::string& path, LongRun& run) {
     UpkeepSteps steps(
         wb, run, 4,
         "Compacting the " + FileNameFromPath(path, PathSeparator, false) + " database...");
     steps.Next();
-    if (DaoError failed = DBEngine::RepairDatabase(path); failed.Failed()) return failed;
     return CompactFile(path, steps);
 }
 

@@ -97,7 +97,7 @@ private:
     // The end.
     void CloseProgram();
     void LeaveProgram();
-    bool TellUpkeep(const DaoError& outcome);
+    bool TellUpkeep(const DaoResult<RepairReport>& outcome, const std::string& path);
 
     template <class F>
     void ShowView();

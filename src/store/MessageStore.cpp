@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 #include "core/Paths.h"
 #include "core/settings/Settings.h"
@@ -64,7 +65,9 @@ std::string MessageStorePath(const Workbench& wb) {
 
 DaoError EnsureMessageStore(Workbench& wb) {
     const std::string path = MessageStorePath(wb);
-    if (FileExists(path)) return {};
+    // What else stands under that name is not ours to replace: a link to a place that is not
+    // mounted, a folder, an empty file. Opening it tells what is wrong.
+    if (std::filesystem::exists(std::filesystem::symlink_status(path))) return {};
     // Made under another name first: a store that exists has all its folders.
     const std::string unfinished = path + ".new";
     RemoveStoreFiles(unfinished);

@@ -15,18 +15,20 @@ namespace {
 
 constexpr const char* BackupEnding = ".bak";
 
-DaoError RepairOrCompact(const std::string& path, MaintainAction action) {
-    if (!IsFile(path)) return MakeDaoError(dao_error::FileNotFound, path);
+DaoResult<RepairReport> RepairOrCompact(const std::string& path, MaintainAction action) {
     const std::string backup = path + BackupEnding;
-    if (IsFile(backup) && !DeleteFile(backup)) return MakeDaoError(dao_error::DiskError, backup);
-    return action == MaintainAction::Repair ? DBEngine::RepairDatabase(path)
-                                            : DBEngine::CompactInPlace(path, backup);
+    if (action == MaintainAction::Compact) return DBEngine::CompactInPlace(path, backup);
+    DaoResult<RepairReport> report = DBEngine::RepairDatabase(path);
+    // A copy from before the damage may hold what the repair could not save.
+    const bool outdated = report.Ok() && !report->damaged && IsFile(backup);
+    if (outdated && !DeleteFile(backup)) return MakeDaoError(dao_error::DiskError, backup);
+    return report;
 }
 
 void Maintain(Workbench& wb, MaintainAction action) {
     const bool repair = action == MaintainAction::Repair;
     std::string path;
-    DaoError outcome;
+    DaoResult<RepairReport> outcome = RepairReport();
     {
         const BusyPointer busy(wb);
         const LongRun run(
@@ -37,9 +39,9 @@ void Maintain(Workbench& wb, MaintainAction action) {
         outcome = RepairOrCompact(path, action);
     }
     if (auto* view = wb.forms.Find<frmViewDatabase>()) view->cmdRefresh.Press();
-    if (outcome.Failed()) return Tell(wb, outcome.description, BoxIcon::Exclamation);
+    if (outcome.Failed()) return Tell(wb, outcome.Error().description, BoxIcon::Exclamation);
     const std::string done = repair ? "repaired" : "compacted";
-    Tell(wb, "Successfully " + done + " the '" + path + "' database.");
+    Tell(wb, "Successfully " + done + " the '" + path + "' database." + outcome->Text());
 }
 
 }  // namespace

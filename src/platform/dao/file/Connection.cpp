@@ -251,6 +251,15 @@ DaoError Connection::InOneRead(const std::function<DaoError()>& work) {
     return outcome.Failed() ? outcome : ended;
 }
 
+DaoError Connection::TakeContentOf(Connection& other) {
+    sqlite3_backup* copying = sqlite3_backup_init(database_, "main", other.database_, "main");
+    if (copying == nullptr) return ErrorOf(sqlite3_errcode(database_));
+    sqlite3_backup_step(copying, -1);
+    const int code = sqlite3_backup_finish(copying);
+    schema_.Forget();
+    return code == SQLITE_OK ? DaoError() : ErrorOf(code);
+}
+
 std::int64_t Connection::Changes() const {
     return sqlite3_changes64(database_);
 }

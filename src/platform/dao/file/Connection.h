@@ -51,6 +51,9 @@ public:
     /// Runs `work` as one unit, inside the unit under way if there is one. A failure undoes it.
     DaoError InUnit(const std::function<DaoError()>& work, bool durable = false);
 
+    /// Replaces all that is in the file by what is in the other one, as one unit.
+    DaoError TakeContentOf(Connection& other);
+
     /// Runs many small reads on one state of the file, with the cost of one lock.
     DaoError InOneRead(const std::function<DaoError()>& work);
 

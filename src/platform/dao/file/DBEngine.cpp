@@ -45,17 +45,19 @@ DaoResult<bool> IsWholeAfterReindex(Connection& connection) {
     return *before ? DaoResult<bool>(outcome) : DaoResult<bool>(false);
 }
 
-DaoError SetJournalMode(const std::string& path, const std::string& mode) {
-    DaoResult<std::shared_ptr<Connection>> copy = Connection::Open(path, OpenMode::Exclusive);
-    if (copy.Failed()) return copy.Error();
-    const DaoResult<std::string> set = (*copy)->QueryText("PRAGMA journal_mode=" + mode);
-    return set.Failed() ? set.Error() : DaoError();
-}
-
 DaoError WriteDenseCopy(Connection& connection, const std::string& path) {
     if (DaoError failed = connection.Run("VACUUM INTO " + QuoteText(path)); failed.Failed())
         return failed;
-    return connection.UsesWriteAheadLog() ? SetJournalMode(path, "WAL") : DaoError();
+    if (!connection.UsesWriteAheadLog()) return {};
+    DaoResult<std::shared_ptr<Connection>> copy = Connection::Open(path, OpenMode::Exclusive);
+    if (copy.Failed()) return copy.Error();
+    const DaoResult<std::string> set = (*copy)->QueryText("PRAGMA journal_mode=WAL");
+    return set.Failed() ? set.Error() : DaoError();
+}
+
+DaoError TakeContentOfFile(Connection& connection, const std::string& path) {
+    DaoResult<std::shared_ptr<Connection>> copy = Connection::Open(path, OpenMode::Exclusive);
+    return copy.Failed() ? copy.Error() : connection.TakeContentOf(**copy);
 }
 
 /// Gives the file a second name, beside its own, that no other file has.
@@ -157,13 +159,9 @@ DaoResult<RepairReport> DBEngine::CompactInPlace(const std::string& path,
 
     FreshFile copy(CanonicalPath(backup));
     if (DaoError failed = WriteDenseCopy(**whole, copy.Path()); failed.Failed()) return failed;
-    (*whole)->Close();
-    FreshFile dense(file->Path());
-    std::error_code failure;
-    if (!std::filesystem::copy_file(copy.Path(), dense.Path(), failure))
-        return MakeDaoError(dao_error::DiskError, failure.message());
-    RemoveCompanions(file->Path());
-    if (DaoError failed = dense.PutInPlace(file->Path()); failed.Failed()) return failed;
+    // Not by renaming: a program that is just about to read the file has it open already, and would
+    // go on with the old one.
+    if (DaoError failed = TakeContentOfFile(**whole, copy.Path()); failed.Failed()) return failed;
     if (DaoError failed = copy.PutInPlace(file->Path()); failed.Failed()) return failed;
     return RepairReport();
 }

@@ -39,9 +39,9 @@ namespace DBEngine {
 /// copied into a fresh file that takes its place, and the damaged one is kept as "NAME.damaged",
 /// with a number when there is one already.
 DaoResult<RepairReport> RepairDatabase(const std::string& path);
-/// Puts a dense copy in the place of the file, and then another one at `backup`, over what is
-/// there. Each file is the old one or the new one at any moment, whole. A damaged file is repaired
-/// instead, and what is at `backup` stays.
+/// Makes the file dense, in one unit, and then puts a copy of it at `backup`, over what is there:
+/// each is the old one or the new one at any moment, whole. A damaged file is repaired instead, and
+/// what is at `backup` stays.
 DaoResult<RepairReport> CompactInPlace(const std::string& path, const std::string& backup);
 /// Removes the unfinished files of a repair or compaction of `path` that was killed; does nothing
 /// while one is under way.

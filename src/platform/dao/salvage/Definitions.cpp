@@ -52,8 +52,8 @@ Definitions ReadDefinitions(const PageFile& file) {
     const FileMap map(file, list);
     Definitions found;
     found.damaged = map.Of(0).damaged;
-    for (const PageNumber number : map.Of(0).pages)
-        if (!AddDefinitions(file, ReadLinkedPage(file, number, true), found.all))
+    for (const PlacedPage& placed : map.Of(0).pages)
+        if (!AddDefinitions(file, ReadLinkedPage(file, placed.number, true), found.all))
             found.damaged = true;
     if (!found.damaged) return found;
     for (const PageNumber number : map.LoosePages()) {

@@ -47,25 +47,20 @@ FileMap::FileMap(const PageFile& file, const std::vector<TreeRoot>& roots)
 }
 
 void FileMap::Walk(std::size_t root) {
-    struct Visit {
-        PageNumber page;
-        std::int64_t low;
-        std::int64_t high;
-    };
     Tree& tree = trees_[root];
     std::set<PageNumber> seen;
-    std::vector<Visit> ahead{{roots_[root].page, std::numeric_limits<std::int64_t>::min(),
-                              std::numeric_limits<std::int64_t>::max()}};
+    std::vector<PlacedPage> ahead{{roots_[root].page, std::numeric_limits<std::int64_t>::min(),
+                                   std::numeric_limits<std::int64_t>::max()}};
     while (!ahead.empty()) {
-        const Visit visit = ahead.back();
+        const PlacedPage visit = ahead.back();
         ahead.pop_back();
         TreePage page;
-        if (seen.insert(visit.page).second)
-            page = ReadLinkedPage(file_, visit.page, roots_[root].isTable);
+        if (seen.insert(visit.number).second)
+            page = ReadLinkedPage(file_, visit.number, roots_[root].isTable);
         if (page.damaged || page.kind == PageKind::None) tree.damaged = true;
         if (page.kind == PageKind::None) continue;
-        claims_[visit.page].push_back({root, visit.low, visit.high});
-        if (page.HoldsRecords()) tree.pages.push_back(visit.page);
+        claims_[visit.number].push_back({root, visit});
+        if (page.HoldsRecords()) tree.pages.push_back(visit);
         if (page.IsLeaf()) continue;
         const std::int64_t last = page.cells.empty() ? visit.low : page.cells.back().key;
         ahead.push_back({page.lastChild, last, visit.high});
@@ -75,13 +70,13 @@ void FileMap::Walk(std::size_t root) {
     }
 }
 
-int FileMap::Fitness(PageNumber number, const Claim& claim) const {
+int FileMap::Fitness(const Claim& claim) const {
     const TreeRoot& root = roots_[claim.root];
-    int fitness = root.page == number ? FitnessOfRoot : 0;
-    const TreePage page = ReadLinkedPage(file_, number, root.isTable);
+    int fitness = root.page == claim.page.number ? FitnessOfRoot : 0;
+    const TreePage page = ReadLinkedPage(file_, claim.page.number, root.isTable);
     for (std::size_t i = 0; i < std::min(page.cells.size(), SampledCells); ++i) {
         const Cell& cell = page.cells[i];
-        if (root.isTable && cell.key > claim.low && cell.key <= claim.high) ++fitness;
+        if (root.isTable && cell.key > claim.page.low && cell.key <= claim.page.high) ++fitness;
         if (!page.HoldsRecords()) continue;
         const auto record = ReadRecord(file_, page, cell);
         if (record && record->values.size() == root.columns) ++fitness;
@@ -91,17 +86,19 @@ int FileMap::Fitness(PageNumber number, const Claim& claim) const {
 
 /// Leaves each page to one tree.
 void FileMap::Settle() {
-    for (const auto& [page, claims] : claims_) {
+    for (const auto& [number, claims] : claims_) {
         if (claims.size() == 1) continue;
         std::size_t owner = 0;
         int best = -1;
         for (const Claim& claim : claims)
-            if (const int fitness = Fitness(page, claim); fitness > best)
+            if (const int fitness = Fitness(claim); fitness > best)
                 best = fitness, owner = claim.root;
         for (const Claim& claim : claims) {
             if (claim.root == owner) continue;
             trees_[claim.root].damaged = true;
-            std::erase(trees_[claim.root].pages, page);
+            std::erase_if(trees_[claim.root].pages, [number = number](const PlacedPage& one) {
+                return one.number == number;
+            });
         }
     }
 }

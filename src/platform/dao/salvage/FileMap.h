@@ -16,9 +16,16 @@ struct TreeRoot {
     std::size_t columns = 0;  ///< of its records; 0 when not known
 };
 
+/// A page, and the keys that its place in a table's tree allows it: above `low`, up to `high`.
+struct PlacedPage {
+    PageNumber number;
+    std::int64_t low;
+    std::int64_t high;
+};
+
 /// The pages of one table or index that still hang together.
 struct Tree {
-    std::vector<PageNumber> pages;  ///< those with records, in their order
+    std::vector<PlacedPage> pages;  ///< those with records, in their order
     bool damaged = false;           ///< some of its pages are lost or make no sense
 };
 
@@ -37,12 +44,11 @@ public:
 private:
     struct Claim {
         std::size_t root;
-        std::int64_t low;  ///< keys are above it
-        std::int64_t high;
+        PlacedPage page;
     };
 
     void Walk(std::size_t root);
-    int Fitness(PageNumber page, const Claim& claim) const;
+    int Fitness(const Claim& claim) const;
     void Settle();
     void ReadFreePages();
     void FindLoosePages();

@@ -138,11 +138,11 @@ DaoError FileSalvage::SaveRows() {
 }
 
 DaoError FileSalvage::SaveUnknownTable(std::size_t root) {
-    for (const PageNumber number : map_->Of(root).pages) {
-        const TreePage page = ReadLinkedPage(file_, number, roots_[root].isTable);
+    for (const PlacedPage& placed : map_->Of(root).pages) {
+        const TreePage page = ReadLinkedPage(file_, placed.number, roots_[root].isTable);
         for (const Cell& cell : page.cells)
             if (const std::optional<Record> record = ReadRecord(file_, page, cell))
-                if (DaoError failed = lost_.PutRecord(number, cell.key, record->values);
+                if (DaoError failed = lost_.PutRecord(placed.number, cell.key, record->values);
                     failed.Failed())
                     return failed;
     }
@@ -217,8 +217,8 @@ DaoError FileSalvage::CopyLastNumbers(std::size_t root) {
     const auto there = fresh_.Tables().Find("sqlite_sequence");
     if (there.Failed()) return there.Error();
     if (*there == nullptr) return {};
-    for (const PageNumber number : map_->Of(root).pages) {
-        const TreePage page = ReadLinkedPage(file_, number, true);
+    for (const PlacedPage& placed : map_->Of(root).pages) {
+        const TreePage page = ReadLinkedPage(file_, placed.number, true);
         for (const Record& record : RecordsOf(file_, page)) {
             const std::string* name = TextIn(record.values.front());
             const std::optional<std::int64_t> last = WholeIn(record.values.back());

@@ -1,6 +1,7 @@
 #include "platform/dao/salvage/TableSalvage.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "platform/dao/file/Connection.h"
@@ -9,26 +10,45 @@ namespace mailvane {
 
 namespace {
 
-/// Keys ascend in a page. One that does not was damaged: it becomes the one that is missing between
-/// its neighbours, if that is only one; of the others it is told that they are in doubt.
-std::vector<bool> CheckKeys(std::vector<Cell>& cells) {
+constexpr std::int64_t NoKeyBefore = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t NoKeyBehind = std::numeric_limits<std::int64_t>::max();
+
+std::uint64_t Gap(std::int64_t low, std::int64_t high) {
+    return static_cast<std::uint64_t>(high) - static_cast<std::uint64_t>(low);
+}
+
+/// The page's place may be wrong itself; then most of its keys are outside, unless there is room
+/// for just as many.
+bool IsInPlace(const std::vector<Cell>& cells, const PlacedPage& page) {
+    const auto inside = std::count_if(cells.begin(), cells.end(), [&](const Cell& cell) {
+        return cell.key > page.low && cell.key <= page.high;
+    });
+    return 2 * static_cast<std::size_t>(inside) >= cells.size() ||
+           Gap(page.low, page.high) == cells.size();
+}
+
+/// Keys ascend in a page, and stay inside what its place allows. One that does not was damaged: it
+/// becomes the one that is missing between its neighbours, if that is only one; of the others it is
+/// told that they are in doubt.
+std::vector<bool> CheckKeys(std::vector<Cell>& cells, const PlacedPage& page) {
+    const bool inPlace = IsInPlace(cells, page);
+    const std::int64_t end = inPlace && page.high < NoKeyBehind ? page.high + 1 : NoKeyBehind;
+    std::int64_t before = inPlace ? page.low : NoKeyBefore;
     std::vector<bool> doubtful(cells.size());
-    std::optional<std::int64_t> before;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         std::int64_t& key = cells[i].key;
-        const bool behind = before && key <= *before;
-        bool ahead = false;
-        if (i + 1 < cells.size() && key >= cells[i + 1].key) {
-            const std::int64_t next = cells[i + 1].key;
-            const bool nextIsWrong = (before && (next <= *before || key == *before + 1)) ||
-                                     (i + 2 < cells.size() && cells[i + 2].key > key);
-            ahead = !nextIsWrong;
-        }
+        const std::int64_t next = i + 1 < cells.size() ? cells[i + 1].key : end;
+        const std::int64_t afterNext = i + 2 < cells.size() ? cells[i + 2].key : end;
+        const bool oneMissing =
+            before != NoKeyBefore && next != NoKeyBehind && Gap(before, next) == 2;
+        const bool nextIsWrong =
+            i + 1 < cells.size() && (next <= before || Gap(before, key) == 1 ||
+                                     (afterNext != NoKeyBehind && key < afterNext));
+        const bool behind = key <= before && before != NoKeyBefore;
+        const bool ahead = key >= next && next != NoKeyBehind && (oneMissing || !nextIsWrong);
         if (behind || ahead) {
-            const bool oneMissing =
-                before && i + 1 < cells.size() && cells[i + 1].key - 1 == *before + 1;
             doubtful[i] = !oneMissing;
-            if (oneMissing) key = *before + 1;
+            if (oneMissing) key = before + 1;
         }
         if (!doubtful[i]) before = key;
     }
@@ -48,23 +68,22 @@ TableSalvage::TableSalvage(const PageFile& file, Connection& fresh, LostAndFound
       damaged_(tree.damaged) {}
 
 DaoError TableSalvage::SaveTree() {
-    for (const PageNumber number : tree_.pages) {
-        TreePage page = ReadLinkedPage(file_, number, shape_.keyed);
-        if (DaoError failed = SavePage(page, number); failed.Failed()) return failed;
-    }
+    for (const PlacedPage& placed : tree_.pages)
+        if (DaoError failed = SavePage(placed); failed.Failed()) return failed;
     return {};
 }
 
-DaoError TableSalvage::SavePage(TreePage& page, PageNumber number) {
+DaoError TableSalvage::SavePage(const PlacedPage& placed) {
+    TreePage page = ReadLinkedPage(file_, placed.number, shape_.keyed);
     std::vector<bool> doubtful(page.cells.size());
-    if (shape_.keyed) doubtful = CheckKeys(page.cells);
+    if (shape_.keyed) doubtful = CheckKeys(page.cells, placed);
     for (std::size_t i = 0; i < page.cells.size(); ++i) {
         const std::optional<Record> record = ReadRecord(file_, page, page.cells[i]);
         if (!record) {
             damaged_ = true;
         } else if (doubtful[i]) {
             damaged_ = true;
-            doubtful_.push_back({number, i});
+            doubtful_.push_back({placed.number, i});
         } else if (DaoError failed = Save(page.cells[i].key, *record, saved_.fromTree, true);
                    failed.Failed()) {
             return failed;
@@ -141,8 +160,8 @@ DaoError TableSalvage::NoteEntry(const IndexShape& index, const Record& entry) {
 
 DaoError TableSalvage::NoteIndex(const IndexShape& index, const Tree& tree) {
     if (shape_.keySql.empty()) return {};
-    for (const PageNumber number : tree.pages) {
-        const TreePage page = ReadLinkedPage(file_, number, false);
+    for (const PlacedPage& placed : tree.pages) {
+        const TreePage page = ReadLinkedPage(file_, placed.number, false);
         for (const Cell& cell : page.cells) {
             const std::optional<Record> entry = ReadRecord(file_, page, cell);
             if (!entry) continue;

@@ -47,7 +47,7 @@ private:
         std::vector<bool> known;
     };
 
-    DaoError SavePage(TreePage& page, PageNumber number);
+    DaoError SavePage(const PlacedPage& placed);
     DaoError Save(std::optional<std::int64_t> key, const Record& record, std::int64_t& count,
                   bool mayChangeKey);
     DaoError SetAside(std::int64_t key, const Record& record);
