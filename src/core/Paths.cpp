@@ -34,7 +34,7 @@ std::string FolderFromPath(std::string_view text, std::string_view delimiter) {
 }
 
 std::string ReadFileText(const std::string& path) {
-    return ReadWholeFile(path).value_or(std::string());
+    return IsFile(path) ? ReadWholeFile(path).value_or(std::string()) : std::string();
 }
 
 bool WriteFileText(const std::string& path, std::string_view text) {

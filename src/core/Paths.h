@@ -15,7 +15,7 @@ bool FileExists(const std::string& path, bool wantFolder = false);
 std::string FileNameFromPath(std::string_view text, std::string_view delimiter, bool dropExtension);
 /// The text before the last delimiter; "" without one.
 std::string FolderFromPath(std::string_view text, std::string_view delimiter);
-std::string ReadFileText(const std::string& path);  ///< "" when it cannot be read
+std::string ReadFileText(const std::string& path);  ///< "" when it cannot be read, or is a pipe
 bool WriteFileText(const std::string& path, std::string_view text);
 std::string TempFolder();  ///< with the separator at its end
 bool IsValidTableName(std::string_view name);

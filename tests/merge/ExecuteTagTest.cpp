@@ -39,6 +39,7 @@ struct ExecuteTagTest : testing::Test, MergeBench {
     }
 
     std::string program = folder.Write("look up.sh", "");
+    const TagList columns{{}};
 };
 
 TEST_F(ExecuteTagTest, RecordFilesAreTheirFieldsInOrder) {
@@ -100,7 +101,7 @@ TEST_F(ExecuteTagTest, FindsProgramTags) {
         MessageRecord record;
         record.Body = row.body;
         record.HTMLCode = row.html;
-        EXPECT_EQ(ProgramTag().FindProgramTag(wb, record), row.number) << row.name;
+        EXPECT_EQ(ProgramTag({wb, columns}).FindProgramTag(record), row.number) << row.name;
         EXPECT_EQ(record.Body, row.bodyAfter) << row.name;
         EXPECT_EQ(record.HTMLCode, row.htmlAfter) << row.name;
     }
@@ -119,7 +120,7 @@ TEST_F(ExecuteTagTest, FindsScriptTags) {
         MessageRecord record;
         record.Body = body;
         record.HTMLCode = html;
-        EXPECT_EQ(CgiTag().FindCgiTag(wb, record), number) << name;
+        EXPECT_EQ(CgiTag({wb, columns}).FindCgiTag(record), number) << name;
         EXPECT_EQ(record.Body, body) << name;
     }
 }
@@ -156,6 +157,20 @@ TEST_F(ExecuteTagTest, ProgramsRunOnceAMessageAndTheirTagsStay) {
     dialog.cmdStart.Press();
     EXPECT_EQ(Outbox().at(0).Body, "##execute program 1####Execute Program 2##");
     EXPECT_EQ(processes.ran.size(), 40u) << "nothing runs for packets";
+}
+
+/// What a row brings in runs nothing, not even from the code that is left of the row before.
+TEST_F(ExecuteTagTest, TagsCountOnlyWhereTheUserWroteThem) {
+    SaveProgram(2, "");
+    SaveScript(2, "127.0.0.1:1", "");
+    const std::string tags = "##Execute Program 2####Execute CGI 2##";
+    MakeTable("People", {{.name = "Email"}, {.name = "Name"}, {.name = "Page"}},
+              {{"a@x", tags, "page"}, {"b@x", tags, "gone"}, {"c@x", "C", "gone"}});
+    folder.Write("page.html", "[Name]");
+    Message("Dear [Name]").lstHTML.SetItems({folder.File("[Page].html")});
+    EXPECT_EQ(Run().at(1).HTMLCode, tags);
+    EXPECT_TRUE(processes.ran.empty());
+    EXPECT_TRUE(shell.panels.end() == std::ranges::find(shell.panels, "Executing CGI script..."));
 }
 
 /// The program of the first row's code goes on running for rows that name none, with what it was

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include "core/Paths.h"
 #include "merge/MergeBench.h"
 #include "merge/check/MergeCheck.h"
@@ -20,44 +22,62 @@ protected:
                          {"not an address", "Di\r\nBcc: all@example.com", "Graz"},
                          {"Ann B <ANN@example.com>", "Ann", Cell()},
                          {"eve@example.com, two words@x", "Eve", "Rome"}});
-        rows.recipients = *bench.database->OpenRecordset("People");
-        rows.count = 6;
-        parts.addressColumn = "Email";
+        bench.Message("");
+    }
+
+    void UseTable(const std::string& name) {
+        auto& view = bench.wb.forms.Get<frmViewMerge>();
+        view.cmdRefresh.Press();
+        view.cmbTable.SetText(name);
     }
 
     /// Each finding as "COUNT TEXT ROWS", the rows counted from 1.
     std::vector<std::string> Findings() {
+        const MergePlan plan = MakeMergePlan(bench.wb, options);
         std::vector<std::string> lines;
-        for (const MergeFinding& finding :
-             CheckMerge(parts, rows, [](std::size_t) { return true; })) {
+        for (const MergeFinding& finding : CheckMerge(bench.wb, plan, [](auto) { return true; })) {
             std::string line = std::to_string(finding.count) + " " + finding.text;
             for (const Bookmark row : finding.rows)
-                line += " " + std::to_string(*rows.recipients->PositionOf(row) + 1);
+                line += " " + std::to_string(*plan.recipients->PositionOf(row) + 1);
             lines.push_back(line);
         }
         return lines;
     }
 
     MergeBench bench;
-    MergeParts parts;
-    MergeRows rows;
+    MergeOptions options{.rows = MergeOptions::Rows{1, 6}};
 };
 
 TEST_F(CheckBeforeSending, AddressesOfEachRow) {
     EXPECT_EQ(Findings(), (Lines{"1 No e-mail address 3", "2 Not an e-mail address 4 6",
                                  "1 The e-mail address stands in an earlier row already 5"}));
-    rows.first = 1;
-    rows.count = 1;
+    options.rows = {2, 2};
     EXPECT_TRUE(Findings().empty()) << "only the rows of the run";
-    rows.count = 2;
-    EXPECT_EQ(Findings(), (Lines{"1 No e-mail address 3"}));
+    options.rows = {6, 8};
+    EXPECT_EQ(Findings(), (Lines{"2 A row beyond the last record", "1 Not an e-mail address 6"}));
+}
+
+TEST_F(CheckBeforeSending, AddressesAsSendingTakesThem) {
+    bench.MakeTable("Others", {{.name = "Email"}},
+                    {{"a@b.de"},
+                     {"a@b.c"},
+                     {"name@"},
+                     {"a@example..com"},
+                     {"@example.com"},
+                     {"ann@exa\r\nmple.com"},
+                     {"\"Smith, Al\" <al@example.com>"}});
+    UseTable("Others");
+    options.rows = {1, 7};
+    EXPECT_EQ(Findings(), (Lines{"4 Not an e-mail address 2 3 4 5",
+                                 "1 The e-mail address has a line break 6"}));
 }
 
 TEST_F(CheckBeforeSending, TagsAndValues) {
-    rows.count = 5;
-    parts.subject = "News for [name] of [Town] [!SYSDATE]";
-    parts.body = "[Town], [CITY], [town] [not a\r\ntag] [[Name]] []";
-    const Lines expected = {"3 The tag [Town] names no column",
+    options.rows = {1, 5};
+    bench.Message("[Town], [CITY], [town] [not a\r\ntag] [[Name]] [] ##Execute Program 9##",
+                  "News for [name] of [Town] [!SYSDATE]");
+    const Lines expected = {"1 The program of the tag ##Execute Program 9## is not there",
+                            "3 The tag [Town] names no column",
                             "1 No e-mail address 3",
                             "1 Not an e-mail address 4",
                             "1 The e-mail address stands in an earlier row already 5",
@@ -69,15 +89,40 @@ TEST_F(CheckBeforeSending, TagsAndValues) {
 
 TEST_F(CheckBeforeSending, FilesOfEachRow) {
     WriteFileText(bench.folder.File("Ann.pdf"), "x");
-    WriteFileText(bench.folder.File("page.html"), "<p>[Street]</p>");
-    rows.count = 2;
-    parts.attachment = bench.folder.File("[Name].pdf");
-    parts.htmlFile = bench.folder.File("page.html");
+    WriteFileText(bench.folder.File("Ann.html"), "<p>[Street] [City]</p>");
+    options.rows = {1, 2};
+    auto& view = bench.Message("");
+    view.lstAttach.SetItems({bench.folder.File("[Name].pdf")});
+    view.lstHTML.SetItems({bench.folder.File("[Name].html")});
     EXPECT_EQ(Findings(),
               (Lines{"1 The tag [Street] names no column", "1 The attachment is not there 2",
-                     "1 The column 'Name' is empty 2"}));
-    parts.htmlFile = bench.folder.File("gone.html");
-    EXPECT_EQ(Findings().at(1), "2 The HTML file is not there 1 2");
+                     "1 The HTML file is not there 2", "1 The column 'Name' is empty 2"}));
+    ASSERT_EQ(mkfifo(bench.folder.File("pipe").c_str(), 0600), 0);
+    view.lstAttach.SetItems({bench.folder.File("pipe")});
+    EXPECT_EQ(Findings().at(1), "2 The attachment is not there 1 2") << "a pipe is no file";
+}
+
+TEST_F(CheckBeforeSending, TextsThatAreTooLong) {
+    bench.MakeTable("Long", {{.name = "Email"}, {.name = "Note", .type = FieldType::Memo}},
+                    {{"a@example.com", "short"},
+                     {"b@example.com", std::string(65530, 'x')},
+                     {"c@example.com", std::string(9 << 20, 'x')}});
+    bench.Message("[Note][Note]", "Subject [Note]");
+    UseTable("Long");
+    options.rows = {1, 3};
+    EXPECT_EQ(Findings(), (Lines{"1 A text of the message grows past 16 MB by its values 3",
+                                 "1 The subject is longer than the Outbox takes 2"}));
+}
+
+TEST_F(CheckBeforeSending, MessagesForMany) {
+    options = {.personal = false, .packetSize = 4, .bulkTo = "all@example.com"};
+    options.addressColumn = "Email";
+    bench.Message("Dear [Name]").lstAttach.SetItems({bench.folder.Write("[Name].pdf", "")});
+    EXPECT_EQ(Findings(), (Lines{"2 The tag [Name] is taken out of messages for many",
+                                 "2 In no packet: the last one is not full 5 6",
+                                 "1 No e-mail address 3", "2 Not an e-mail address 4 6",
+                                 "1 The e-mail address stands in an earlier row already 5",
+                                 "1 The attachment is not there"}));
 }
 
 TEST_F(CheckBeforeSending, WindowSelectsTheRowsConcerned) {
@@ -93,14 +138,14 @@ TEST_F(CheckBeforeSending, WindowSelectsTheRowsConcerned) {
         if (!form || !form->Visible()) return;
         lines = form->lstFindings.Items();
         summary = form->lblSummary.Text();
-        form->lstFindings.SetListIndex(1);
+        form->lstFindings.SetListIndex(2);
         form->lstFindings.onClick();
         form->cmdShow.Press();
     });
     dialog.cmdCheck.Press();
     EXPECT_EQ(summary, "These things were found in 5 records.");
-    ASSERT_GE(lines.size(), 2u);
-    EXPECT_EQ(lines[0] + "; " + lines[1], "1 x  No e-mail address; 2 x  Not an e-mail address");
+    ASSERT_GE(lines.size(), 3u);
+    EXPECT_EQ(lines[1] + "; " + lines[2], "1 x  No e-mail address; 2 x  Not an e-mail address");
     const auto& view = bench.wb.forms.Get<frmViewDatabase>();
     EXPECT_EQ(view.Grid1.SelBookmarks().Count(), 2u);
     EXPECT_EQ(view.Grid1.CurrentRow(), 3u);
@@ -110,7 +155,8 @@ TEST_F(CheckBeforeSending, WindowSelectsTheRowsConcerned) {
 
 TEST_F(CheckBeforeSending, CancelEndsItAtOnce) {
     int reports = 0;
-    EXPECT_TRUE(CheckMerge(parts, rows, [&](std::size_t) { return ++reports > 1; }).empty());
+    const MergePlan plan = MakeMergePlan(bench.wb, {});
+    EXPECT_TRUE(CheckMerge(bench.wb, plan, [&](auto) { return ++reports > 1; }).empty());
     EXPECT_EQ(reports, 1);
 }
 

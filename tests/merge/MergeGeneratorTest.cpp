@@ -142,6 +142,38 @@ TEST_F(MergeGeneratorTest, FilesOfARow) {
     }
 }
 
+TEST_F(MergeGeneratorTest, ValuesKnowTheirPlace) {
+    using namespace std::string_literals;
+    folder.Write("secret.csv", "");
+    MakeFolders(folder.File("pages"));
+    folder.Write("pages/ann.pdf", "");
+    MakeTable("Hostile", {{.name = "Email"}, {.name = "Name"}, {.name = "Path"}},
+              {{"a@x", "A \"B\" \\", "ann.pdf"},
+               {"b@x", "B\0C"s, "../secret.csv"},
+               {"c\0@x"s, "C", "../secret.csv\0"s},
+               {"d@x", "D", folder.File("secret.csv")}});
+    wb.forms.Get<frmSettings>().txtAccessDBPath.SetText(DatabasePath());
+    const std::pair<std::string, std::string> rows[] = {
+        {folder.File("pages/[Path]"), folder.File("pages/ann.pdf") + "   "},
+        {folder.File("pages/x[Path]"), "   "},
+        {"[Path]", "   " + folder.File("secret.csv")},
+    };
+    for (const auto& [path, attached] : rows) {
+        frmViewMerge& view = Message("", "[Name]", "\"[Name]\" [Name] <me@here>");
+        view.cmbTable.SetText("Hostile");
+        view.lstAttach.SetItems({path});
+        const auto messages = Run();
+        ASSERT_EQ(messages.size(), 4u);
+        EXPECT_EQ(messages[0].From, "\"A \\\"B\\\" \\\\\" A \"B\" \\ <me@here>");
+        EXPECT_EQ(messages[1].Subject, "BC");
+        EXPECT_EQ(messages[2].To, "c@x");
+        EXPECT_EQ(messages[0].Attach + " " + messages[1].Attach + " " + messages[2].Attach + " " +
+                      messages[3].Attach,
+                  attached);
+        EmptyOutbox();
+    }
+}
+
 TEST_F(MergeGeneratorTest, BulkTakesFilesAsTheyStand) {
     frmViewMerge& view = Message();
     view.lstHTML.SetItems({"/nowhere/[Email].html"});

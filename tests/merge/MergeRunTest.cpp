@@ -1,9 +1,13 @@
+#include <algorithm>
 #include <optional>
 
 #include "merge/MergeBench.h"
+#include "merge/check/MergeCheck.h"
+#include "merge/check/MergePreview.h"
 #include "merge/run/MergeRun.h"
 #include "merge/run/frmMSGOutbox.h"
 #include "send/report/DeliveryReport.h"
+#include "store/MergeMark.h"
 #include "support/FullDisk.h"
 
 namespace mailvane::test {
@@ -58,39 +62,76 @@ std::string Packets(int last, int size) {
     return text;
 }
 
-TEST_F(MergeRunTest, NarrowsTheRecipients) {
+/// Whom the run writes to, whom the preview shows, and whose addresses the check looks at: none of
+/// them is one that sending takes.
+TEST_F(MergeRunTest, RunPreviewAndCheckTakeTheSameRows) {
     MakeTable("People", {{.name = "Email"}, {.name = "Since", .type = FieldType::Date}},
               {{"a", "2024-01-01 00:00:00"},
                {"b", "2024-01-02 00:00:00"},
                {"c", Cell()},
                {"d", "2024-01-03 00:00:00"},
                {"e", "2024-01-04 00:00:00"}});
-    const std::tuple<const char*, Options, const char*> rows[] = {
+    struct Row {
+        const char* name;
+        Options options;
+        const char* to;
+        int questions = 0;  ///< answered by Yes
+        std::size_t beyond = 0;
+    };
+    const Row rows[] = {
         {"all", {}, "a b c d e "},
         {"a maximum", {.maximum = " 2 "}, "a b "},
         {"a maximum above the rows", {.maximum = "100"}, "a b c d e "},
+        {"a maximum that makes no sense", {.maximum = "0"}, "a b c d e ", 1},
         {"rows", {.first = "2", .last = "4"}, "b c d "},
         {"rows from the first", {.first = "1", .last = "1"}, "a "},
+        {"rows that make no sense", {.first = "3", .last = "2"}, "a b c d e ", 1},
+        {"rows beyond the end", {.first = "4", .last = "7"}, "d e e e ", 2, 2},
+        {"rows all beyond the end", {.first = "9", .last = "9"}, " ", 1, 1},
         {"dates", {.fromDay = 2, .toDay = 3}, "b d "},
         {"dates within a maximum", {.maximum = "4", .fromDay = 2, .toDay = 4}, "b d "},
         {"rows of the dates", {.first = "2", .last = "3", .fromDay = 1, .toDay = 4}, "b d "},
         {"rows within a maximum", {.maximum = "3", .first = "2", .last = "3"}, "b c "},
         {"rows of the dates within a maximum", {"4", "3", "3", nullptr, 1, 4}, "d "},
+        {"nobody's dates", {.first = "1", .last = "2", .fromDay = 5, .toDay = 6}, "", 1},
     };
-    Message();
-    for (const auto& [name, options, to] : rows) {
-        Choose(options).cmdStart.Press();
-        EXPECT_EQ(Recipients(Outbox()), to) << name;
-        EXPECT_FALSE(wb.forms.Find<frmMerge>()) << name;
+    Message("[Email]");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        frmMerge& dialog = Choose(row.options);
+        const MergePlan plan = MakeMergePlan(wb, dialog.Options());
+        std::string checked;
+        for (const MergeFinding& finding : CheckMerge(wb, plan, [](auto) { return true; }))
+            if (finding.text == "Not an e-mail address")
+                for (const Bookmark record : finding.rows) {
+                    EXPECT_TRUE(plan.recipients->SetBookmark(record).Ok());
+                    checked += plan.recipients->Get("Email")->TextOrEmpty() + " ";
+                }
+        std::vector<MessageRecord> shown;
+        MergePreview preview(wb, plan);
+        for (std::size_t i = preview.Count(); i > 0; --i)
+            shown.insert(shown.begin(), *preview.Message(i - 1));
+        for (int i = 0; i < row.questions; ++i)
+            Prompts().QueueBox(*row.to ? BoxAnswer::Yes : BoxAnswer::Ok);
+        dialog.cmdStart.Press();
+        const auto made = Outbox();
+        EXPECT_EQ(Recipients(made), row.to);
+        EXPECT_EQ(Recipients(shown), row.to);
+        ASSERT_EQ(made.size(), shown.size());
+        std::string bodies;
+        for (std::size_t i = 0; i < made.size(); ++i) {
+            EXPECT_EQ(made[i].Body, shown[i].Body);
+            if (!made[i].Body.empty()) bodies += made[i].Body + " ";
+        }
+        EXPECT_EQ(bodies, checked) << "beyond the last record a message is empty";
+        EXPECT_EQ(std::ranges::count(made, std::string(), &MessageRecord::Body), row.beyond);
+        EXPECT_EQ(wb.forms.Find<frmMerge>() != nullptr, made.empty());
         EmptyOutbox();
     }
-    frmMerge& dialog = Choose({.fromDay = 5, .toDay = 6});
-    Prompts().QueueBox(BoxAnswer::Ok);
-    dialog.cmdStart.Press();
-    EXPECT_TRUE(Prompts().ExpectBox(
-        "This message cannot be sent. \r\nChoose another table or select another date range."));
-    EXPECT_TRUE(dialog.IsLoaded());
-    EXPECT_TRUE(dialog.cmdStart.Enabled());
+    EXPECT_EQ(
+        Prompts().Shown().back().text,
+        "This message cannot be sent. \r\nChoose another table or select another date range.");
+    EXPECT_TRUE(Dialog().cmdStart.Enabled());
 }
 
 TEST_F(MergeRunTest, AsksAboutOptionsThatMakeNoSense) {
@@ -151,8 +192,12 @@ TEST_F(MergeRunTest, BulkPackets) {
         wb.forms.Get<frmViewMerge>().cmbTable.SetText(name);
         frmMerge& dialog = Choose(options);
         dialog.txtTo.SetText("[Name]");
+        MergePreview preview(wb, MakeMergePlan(wb, dialog.Options()));
         dialog.cmdStart.Press();
         EXPECT_EQ(BlindCopies(), blindCopies) << name;
+        ASSERT_EQ(preview.Count(), blindCopies.size()) << name;
+        for (std::size_t i = blindCopies.size(); i > 0; --i)
+            EXPECT_EQ(preview.Message(i - 1)->BCC, blindCopies[i - 1]) << name;
         for (const MessageRecord& message : Outbox())
             EXPECT_EQ(message.To, "[Name]") << name;
         EmptyOutbox();
@@ -244,18 +289,18 @@ TEST_F(MergeRunTest, FullDiskStopsTheRunWithOneBox) {
 
 TEST_F(MergeRunTest, MailingTable) {
     const std::string longest = "A table whose name has exactly 40 letters";
-    const std::string cut = "xüüüüüüüüüüüüüüüüüüüüüüüüüüüüü";
+    const std::string full = std::string(58, 'n');
     const std::tuple<const char*, std::string, Options, std::string, const char*> rows[] = {
         {"all rows", "List", {}, "List 3/15/2024 10:30:00 AM", "a1@x a2@x a3@x "},
-        {"the same second",
-         "List",
-         {{}, "2", "2"},
-         "List 3/15/2024 10:30:00 AM",
-         "a1@x a2@x a3@x a2@x "},
+        {"the same second", "List", {{}, "2", "2"}, "List 3/15/2024 10:30:00 AM (2)", "a2@x "},
         {"40 letters", longest, {{}, "3", "3"}, longest + " 3/15/2024 10:30:", "a3@x "},
-        {"a letter that the end would cut", cut, {{}, "1", "1"}, cut.substr(0, 57), "a1@x "},
+        {"no room for the date",
+         full,
+         {},
+         full.substr(0, 36) + " 3/15/2024 10:30:00 AM",
+         "a1@x a2@x a3@x "},
     };
-    for (const std::string& table : {std::string("List"), cut, longest})
+    for (const std::string& table : {std::string("List"), full, longest})
         MakeRecipients(3, table);
     for (const auto& [name, table, options, mailingTable, addresses] : rows) {
         Message().cmbTable.SetText(table);
@@ -263,6 +308,7 @@ TEST_F(MergeRunTest, MailingTable) {
         dialog.chkCreate.SetChecked(true);
         dialog.cmdStart.Press();
         EXPECT_EQ(FirstColumn(mailingTable), addresses) << name;
+        EXPECT_EQ(FirstColumn(table), "a1@x a2@x a3@x ") << name;
     }
 }
 
@@ -278,17 +324,80 @@ TEST_F(MergeRunTest, RowsBeyondTheEndAskEachTime) {
     EXPECT_EQ(Recipients(Outbox()), "a3@x a4@x a4@x ");
     EXPECT_TRUE(dialog.IsLoaded());
     EXPECT_EQ(FirstColumn("People 3/15/2024 10:30:00 AM"), "a3@x a4@x ");
-    EmptyOutbox();
+}
 
-    for (int i = 0; i < 2; ++i)
-        Prompts().QueueBox(BoxAnswer::Yes, question);
-    Choose({.first = "3", .last = "6"}).cmdStart.Press();
-    EXPECT_EQ(Outbox().size(), 4u);
-    EmptyOutbox();
+TEST_F(MergeRunTest, ARowWhoseTextsGrowTooLongIsNamed) {
+    const std::string half(9 << 20, 'x');
+    MakeTable("People", {{.name = "Email"}, {.name = "Note", .type = FieldType::Memo}},
+              {{"a1@x", "1"}, {"a2@x", half}, {"a3@x", "3"}});
+    Message("[Note][Note]");
+    for (const auto& [answer, to] :
+         {std::pair(BoxAnswer::No, "a1@x "), {BoxAnswer::Yes, "a1@x a3@x "}}) {
+        Prompts().QueueBox(answer, "Row 2, a2@x: A text of the message grows past 16 MB");
+        Dialog().cmdStart.Press();
+        EXPECT_EQ(Recipients(Outbox()), to);
+        EmptyOutbox();
+    }
+}
 
-    Prompts().QueueBox(BoxAnswer::Yes, question);
-    Choose({.first = "9", .last = "9"}).cmdStart.Press();
-    EXPECT_EQ(Recipients(Outbox()), " ");
+TEST_F(MergeRunTest, TheMessageIsLockedAndTheRowRestored) {
+    MakeRecipients(20);
+    frmViewMerge& view = Message("Body", "Subject");
+    frmMerge& dialog = Dialog();
+    auto& shown = wb.forms.Get<frmViewDatabase>();
+    shown.Grid1.SetCurrentRow(4);
+    int yields = 0;
+    const Subscription meddle = windows.yielded.Observe([&] {
+        if (++yields != 3) return;
+        for (Control* control : view.MessageControls())
+            EXPECT_FALSE(control->Enabled()) << control->Name();
+        EXPECT_FALSE(dialog.cmdCheck.Enabled());
+        view.txtBody.SetText("other");
+        view.lstAttach.SetItems({"other"});
+        dialog.optBulk.SetValue(true);
+        shown.Grid1.SetCurrentRow(9);
+    });
+    dialog.cmdStart.Press();
+    const auto messages = Outbox();
+    ASSERT_EQ(messages.size(), 20u);
+    EXPECT_EQ(messages.back().Body, "Body");
+    EXPECT_TRUE(view.txtBody.Enabled());
+    EXPECT_EQ(shown.Data1.Recordset()->Get("Email")->TextOrEmpty(), "a5@x");
+}
+
+TEST_F(MergeRunTest, WhateverClosesItsFormsEndsTheRunInOrder) {
+    MakeRecipients(1200);
+    const auto close = [this](int form) {
+        if (form == 0)
+            wb.forms.Get<frmViewMerge>().OnCloseBox();
+        else if (form == 1)
+            wb.forms.Get<frmMerge>().OnCloseBox();
+        else
+            wb.runs.EndThen(
+                Holds::Store, [] {}, HowFar::Kept);
+    };
+    for (int form = 0; form < 3; ++form) {
+        Message();
+        frmMerge& dialog = Dialog();
+        dialog.chkCreate.SetChecked(true);
+        int yields = 0;
+        const Subscription closing = windows.yielded.Observe([&] {
+            if (++yields == 3) close(form);
+        });
+        if (form < 2)
+            Prompts().QueueBox(BoxAnswer::Ok,
+                               "Generating messages was ended early: 4 of 1,200 messages are in "
+                               "the Outbox.");
+        dialog.cmdStart.Press();
+        Settle();
+        EXPECT_EQ(wb.forms.Find<frmViewMerge>() == nullptr, form == 0);
+        EXPECT_EQ(wb.forms.Find<frmMerge>() == nullptr, form < 2);
+        EXPECT_EQ(Outbox().size(), 4u);
+        EXPECT_EQ(MergeMark::Find(*wb.state.MessageStore)->has_value(), form == 2)
+            << "the next start tells what nobody was told";
+        EXPECT_EQ(database->UserTableNames()->size(), 1u);
+        EmptyOutbox();
+    }
 }
 
 TEST_F(MergeRunTest, SendsWhenAskedTo) {
@@ -328,27 +437,19 @@ TEST_F(MergeRunTest, SettingsGoBackToTheProject) {
     MakeRecipients(1);
     frmSettings& settings = wb.forms.Get<frmSettings>();
     settings.txtSMTPServer.SetText("old.example.com");
+    settings.chkSaveSentMessages.SetChecked(true);
     Message();
-    frmMerge& dialog = Dialog();
-    EXPECT_EQ(dialog.txtSMTPServer.Text(), "old.example.com");
-    dialog.txtSMTPServer.SetText("new.example.com");
-    dialog.chkSaveSentMessages.SetChecked(true);
-    dialog.cmdStart.Press();
-    EXPECT_EQ(settings.txtSMTPServer.Text(), "new.example.com");
-    EXPECT_TRUE(settings.chkSaveSentMessages.Checked());
-}
-
-TEST_F(MergeRunTest, OutlivesTheFormsItWorksOn) {
-    MakeRecipients(50);
-    Message();
-    int yields = 0;
-    const Subscription unload = windows.yielded.Observe([&] {
-        if (++yields == 3) wb.forms.UnloadAllExcept({"frmMain"});
-    });
-    Dialog().cmdStart.Press();
-    Settle();
-    EXPECT_FALSE(wb.forms.Find<frmMerge>());
-    EXPECT_LT(yields, 50);
+    for (const bool saved : {false, true}) {
+        frmMerge& dialog = Dialog();
+        EXPECT_EQ(dialog.chkSaveSentMessages.Checked(), !saved);
+        dialog.txtSMTPServer.SetText("new.example.com");
+        dialog.txtSMTPPort.SetText("2525");
+        dialog.chkSaveSentMessages.SetChecked(saved);
+        dialog.cmdStart.Press();
+        EXPECT_EQ(settings.txtSMTPServer.Text(), "new.example.com");
+        EXPECT_EQ(settings.txtSMTPPort.Text(), "2525");
+        EXPECT_EQ(settings.chkSaveSentMessages.Checked(), saved);
+    }
 }
 
 }  // namespace

@@ -11,8 +11,9 @@ namespace {
 using Values = std::vector<std::optional<std::string>>;
 
 std::string Fill(const TagList& tags, std::string text, const Values& values) {
-    tags.Replace(text, [&](std::size_t i) { return values[i] ? &*values[i] : nullptr; });
-    return text;
+    const bool fits =
+        tags.Replace(text, [&](std::size_t i) { return values[i] ? &*values[i] : nullptr; });
+    return fits ? text : "too long";
 }
 
 /// The definition: one pass a name, in order.
@@ -53,6 +54,23 @@ TEST(TagList, NamesMayHoldAnyLetter) {
     EXPECT_EQ(Fill(TagList({"Größe", "STRASSE"}), "[GRÖßE] [größe] [Straße]", {"1", "2"}),
               "1 1 [Straße]");
     EXPECT_EQ(Fill(TagList({"a]b", "[c"}), "[a]b] [[c]", {"1", "2"}), "1 2");
+}
+
+TEST(TagList, NoTextGrowsWithoutEnd) {
+    const TagList tags({"a", "b", "c"});
+    const auto repeated = [](const std::string& text, int times) {
+        std::string made;
+        for (int i = 0; i < times; ++i)
+            made += text;
+        return made;
+    };
+    const std::string long1(1 << 20, 'x');
+    const Values chain = {repeated("[b]", 20000), repeated("[c]", 20000), long1};
+    EXPECT_EQ(Fill(tags, "[a]", chain), "too long");
+    EXPECT_EQ(Fill(tags, "[c] [c] " + repeated("[c]", 15), chain), "too long");
+    EXPECT_EQ(Fill(tags, repeated("[c]", 15), chain).size(), 15u << 20);
+    EXPECT_EQ(Fill(tags, std::string(17 << 20, 'x') + "[a]", {"xx", "", ""}).size(),
+              (17u << 20) + 2);
 }
 
 TEST(TagList, OneWalkEqualsThePasses) {

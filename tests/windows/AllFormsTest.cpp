@@ -215,11 +215,8 @@ protected:
             "<a href=\"http://example.com/\">read on</a></p><img src=\"http://example.com/a.png\">"
             "<img src=\"/usr/share/icons/hicolor/48x48/apps/a.png\"><table border=\"1\"><tr><td>"
             "Customer</td><td>[Customer]</td></tr></table>")});
-        MergePlan plan;
-        plan.rows = WholeTable(wb);
-        plan.addressing = {true, "Email", ""};
         auto& preview = wb.forms.Get<frmMergePreview>();
-        preview.Preview(plan);
+        preview.Preview(MakeMergePlan(wb, {}));
         preview.cmdNext.Press();
         preview.txtFind.SetText("nobody");
         preview.cmdFind.Press();
@@ -228,7 +225,7 @@ protected:
         Photograph(preview, "frmMergePreview2" + ending);
         auto& check = wb.forms.Get<frmMergeCheck>();
         message.lstAttach.SetItems({"/nowhere/[Customer].pdf"});
-        check.Check(PartsOf(message), WholeTable(wb));
+        check.Check(MakeMergePlan(wb, {}));
         Photograph(check, "frmMergeCheck1" + ending);
         message.lstAttach.Clear();
         message.lstHTML.Clear();

@@ -69,7 +69,8 @@ bool LongRun::GoesOn(long done, const std::string& caption1) {
     return GoesOn();
 }
 
-void LongRun::AskToEnd() {
+void LongRun::AskToEnd(HowFar telling) {
+    if (telling == HowFar::Kept) outcomeIsKept_ = true;
     if (std::exchange(endAsked_, true)) return;
     RunHandler(onEndAsked);
 }

@@ -47,6 +47,8 @@ public:
     bool GoesOn();
     /// The same, with the display brought up to date.
     bool GoesOn(long done, const std::string& caption1 = {});
+    /// Somebody ended it who tells nobody how far it came: the run has to keep that itself.
+    bool OutcomeIsKept() const { return outcomeIsKept_; }
 
     /// Asked when the run has ended early for somebody else's sake: how far it came, with numbers,
     /// as the rest of the sentence "NAME was ended early: ".
@@ -57,7 +59,7 @@ public:
 
 private:
     friend class Runs;
-    void AskToEnd();
+    void AskToEnd(HowFar telling);
     std::string Outcome() const;
 
     Workbench& wb_;
@@ -66,6 +68,7 @@ private:
     bool cancelled_ = false;
     bool endAsked_ = false;
     bool endedEarly_ = false;  ///< it has heard that it is to end: it was not through by itself
+    bool outcomeIsKept_ = false;
     bool progressShown_ = false;
     long steps_ = 0;
 };

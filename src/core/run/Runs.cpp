@@ -28,7 +28,7 @@ void Runs::Wait(Waiting waiting) {
     waiting_.push_back(std::move(waiting));
     const auto present = underWay_;
     for (LongRun* run : present)
-        if (Share(run->Held(), what)) run->AskToEnd();
+        if (Share(run->Held(), what)) run->AskToEnd(telling);
 }
 
 void Runs::Begin(LongRun& run) {

@@ -3,20 +3,19 @@
 #include <algorithm>
 #include <map>
 #include <optional>
-#include <string_view>
+#include <set>
 
 #include "core/Paths.h"
 #include "core/text/Text.h"
-#include "merge/tags/TagList.h"
+#include "merge/check/AddressCheck.h"
+#include "merge/run/MergeGenerator.h"
 #include "platform/net/mime/MailAddress.h"
 
 namespace mailvane {
 
 namespace {
 
-constexpr std::size_t LongestName = 64;  ///< of a column; longer brackets are no tag
-constexpr std::size_t GroupSize = 500;   ///< rows that are read at once
-constexpr std::string_view SystemTags[] = {"!systime", "!sysdate", "!sysip", "!sysresources"};
+constexpr std::size_t LongestName = 64;  // of a column; longer brackets are no tag
 
 /// What stands between brackets in a text, as often as it does.
 std::vector<std::string> TagsIn(const std::string& text) {
@@ -31,219 +30,220 @@ std::vector<std::string> TagsIn(const std::string& text) {
     return tags;
 }
 
-bool IsSystemTag(const std::string& tag) {
-    return std::ranges::find(SystemTags, ToLower(tag)) != std::end(SystemTags);
-}
-
-/// FNV-1a; equal addresses are told by it alone: among a million of them two others meet once in
-/// thirty million lists.
-std::uint64_t HashOf(std::string_view text) {
-    std::uint64_t hash = 0xcbf29ce484222325;
-    for (const char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
-    return hash;
+bool IsLongerThanAColumn(const std::string& text) {
+    return text.size() > DefaultTextSize &&
+           std::ranges::count_if(text, [](char sign) {
+               return (static_cast<unsigned char>(sign) & 0xC0) != 0x80;
+           }) > DefaultTextSize;
 }
 
 /// Carries one check through.
 class MergeCheck {
 public:
-    MergeCheck(const MergeParts& parts, const MergeRows& rows)
-        : parts_(parts),
-          rows_(rows),
-          tags_(ColumnNames(*rows.recipients)),
-          attachment_{"attachment", parts.attachment},
-          htmlFile_{"HTML file", parts.htmlFile} {
-        FindUsedColumns();
-    }
+    MergeCheck(Workbench& wb, const MergePlan& plan)
+        : wb_(wb),
+          plan_(plan),
+          generator_(wb, plan, MissingTagFile::Leave),
+          addresses_(plan.options.personal) {}
 
-    std::vector<MergeFinding> Run(const std::function<bool(std::size_t)>& goOn) {
-        for (std::size_t done = 0; done < rows_.count && goOn(done); done += GroupSize)
-            CheckGroup(rows_.first + done, std::min(GroupSize, rows_.count - done));
-        FindRepeatedAddresses();
+    std::vector<MergeFinding> Run(const std::function<bool(std::int64_t)>& goOn) {
+        ReadWrittenTexts();
+        const std::int64_t rows = plan_.UsedRecords();
+        if (!plan_.options.personal) CheckMessage(std::nullopt);
+        plan_.GoTo(0).Ignore();
+        for (std::int64_t done = 0; done < rows && goOn(done);)
+            plan_.database->OneRead([&] { return CheckGroup(done, rows); }).Ignore();
         return Findings();
     }
 
 private:
     struct Column {
-        std::size_t position;
-        bool inHeader;
+        bool inHeader = false;
         MergeFinding empty;
         MergeFinding broken;
     };
-    struct File {
-        const char* kind;
-        const std::string& path;
-        MergeFinding missing = {};
-        std::optional<std::string> last = {};  ///< the path looked for last
-        bool lastFound = false;
-    };
 
-    static std::vector<std::string> ColumnNames(const Recordset& recipients) {
-        std::vector<std::string> names;
-        for (const Field& field : recipients.Fields())
-            names.push_back(field.name);
-        return names;
+    /// The rows from one yield to the next.
+    DaoError CheckGroup(std::int64_t& done, std::int64_t rows) {
+        do {
+            if (const auto row = plan_.recipients->GetBookmark(); row.Ok()) CheckRow(done, *row);
+            ++done;
+            plan_.recipients->MoveNext().Ignore();
+        } while (done < rows && !wb_.platform.windows.YieldIsDue());
+        return {};
     }
 
-    void FindUsedColumns() {
-        std::map<std::string, std::pair<std::string, std::int64_t>> unknown;
-        const std::string html = FileExists(parts_.htmlFile) ? ReadFileText(parts_.htmlFile) : "";
-        const std::pair<const std::string*, bool> texts[] = {
-            {&parts_.from, true},        {&parts_.subject, true},   {&parts_.body, false},
-            {&parts_.attachment, false}, {&parts_.htmlFile, false}, {&html, false}};
-        for (const auto& [text, inHeader] : texts) {
-            for (const std::string& tag : TagsIn(*text)) {
-                if (const auto position = PositionOf(tag))
-                    Use(*position, inHeader);
-                else if (!IsSystemTag(tag))
-                    ++unknown.try_emplace(ToLower(tag), tag, 0).first->second.second;
-            }
+    // The message as it was written.
+
+    void ReadWrittenTexts() {
+        const MergeMessage& message = plan_.message;
+        Read(message.from, true);
+        Read(message.subject, true);
+        Read(message.body, false);
+        Read(message.attachment, false);
+        Read(message.htmlFile.value_or(std::string()), false);
+        ReadObjections(message.body);
+    }
+
+    void Read(const std::string& text, bool inHeader) {
+        for (const std::string& tag : TagsIn(text)) {
+            const auto column = generator_.Columns().Find(tag);
+            if (!Owned(tag))
+                Count("The tag [" + tag + "] names no column", tag);
+            else if (column && !plan_.options.personal)
+                Count("The tag [" + tag + "] is taken out of messages for many", tag);
+            else if (column)
+                Use(*column, inHeader);
         }
-        if (const auto address = PositionOf(parts_.addressColumn)) addressPosition_ = *address;
-        for (const auto& [key, tag] : unknown)
-            unknownTags_.push_back({"The tag [" + tag.first + "] names no column", tag.second, {}});
     }
 
-    std::optional<std::size_t> PositionOf(const std::string& name) const {
-        const auto& names = tags_.Names();
-        const auto found = std::ranges::find_if(
-            names, [&](const std::string& candidate) { return EqualText(candidate, name); });
-        if (found == names.end()) return std::nullopt;
-        return static_cast<std::size_t>(found - names.begin());
+    bool Owned(const std::string& tag) const {
+        return std::ranges::any_of(generator_.Tags(),
+                                   [&](const auto& kind) { return kind->Owns(tag); });
+    }
+
+    void Count(const std::string& text, const std::string& tag) {
+        MergeFinding& finding = tagFindings_[ToLower(tag)];
+        if (finding.text.empty()) finding.text = text;
+        ++finding.count;
     }
 
     void Use(std::size_t position, bool inHeader) {
-        const auto known = std::ranges::find(columns_, position, &Column::position);
-        if (known != columns_.end()) {
-            known->inHeader |= inHeader;
-            return;
+        const std::string& name = generator_.Columns().Names()[position];
+        Column& column = columns_[position];
+        column.inHeader |= inHeader;
+        column.empty.text = "The column '" + name + "' is empty";
+        column.broken.text = "The column '" + name + "' has a line break in a header field";
+    }
+
+    void ReadObjections(const std::string& text) {
+        if (!plan_.options.personal) return;
+        for (const auto& kind : generator_.Tags())
+            if (const std::string objection = kind->Objection(text); !objection.empty())
+                ++tagFindings_[objection].count, tagFindings_[objection].text = objection;
+    }
+
+    // Each message as it is made.
+
+    void CheckRow(std::int64_t number, Bookmark row) {
+        RecipientRow& values = generator_.Row();
+        if (!plan_.options.personal) {
+            values.Renew();
+            if (number >= InPackets()) Note(left_, row);
+            return addresses_.Look(values.Text(plan_.options.addressColumn), row);
         }
-        const std::string& name = tags_.Names()[position];
-        columns_.push_back(
-            {position,
-             inHeader,
-             {"The column '" + name + "' is empty", 0, {}},
-             {"The column '" + name + "' has a line break in a header field", 0, {}}});
+        if (CheckMessage(row)) CheckColumns(row);
+        addresses_.Look(values.Text(plan_.message.addressColumn), row);
     }
 
-    void CheckGroup(std::size_t first, std::size_t count) {
-        const auto group = rows_.recipients->ReadRows(first, count);
-        for (std::size_t i = 0; group.Ok() && i < group->size(); ++i) {
-            const auto bookmark = rows_.recipients->BookmarkAt(first + i);
-            if (bookmark.Failed()) continue;
-            row_ = &(*group)[i];
-            CheckRow(*bookmark);
-        }
-    }
+    /// Records that stand in a packet that is full.
+    std::int64_t InPackets() const { return plan_.MessageCount() * plan_.PacketRecords(); }
 
-    /// The present row's value as a text, until the next call; null for Null.
-    const std::string* Text(std::size_t position) {
-        const DaoValue& value = (*row_)[position];
-        if (value.IsNull()) return nullptr;
-        auto text = value.ToText();
-        if (text.Failed()) return nullptr;
-        text_ = std::move(*text);
-        return &text_;
-    }
-
-    static void Note(MergeFinding& finding, Bookmark row) {
-        ++finding.count;
-        finding.rows.push_back(row);
-    }
-
-    void CheckRow(Bookmark row) {
-        for (Column& column : columns_) {
-            const std::string* value = Text(column.position);
+    void CheckColumns(Bookmark row) {
+        for (auto& [position, column] : columns_) {
+            const std::string* value = generator_.Row().Text(position);
             if (!value || Trim(*value).empty())
                 Note(column.empty, row);
             else if (column.inHeader && value->find_first_of("\r\n") != std::string::npos)
                 Note(column.broken, row);
         }
-        CheckAddress(row);
-        CheckFile(attachment_, row);
-        CheckFile(htmlFile_, row);
     }
 
-    void CheckAddress(Bookmark row) {
-        const std::string* value = addressPosition_ ? Text(*addressPosition_) : nullptr;
-        if (!value || Trim(*value).empty()) return Note(noAddress_, row);
-        const std::vector<std::string> addresses = AddressesOf(*value);
-        const bool good =
-            !addresses.empty() && std::ranges::all_of(addresses, [](const std::string& address) {
-                return IsMailbox(address) && address.find('@') != std::string::npos;
-            });
-        if (!good) Note(badAddress_, row);
-        for (const std::string& address : addresses)
-            addresses_.push_back({HashOf(ToLower(address)), row});
-    }
-
-    void CheckFile(File& file, Bookmark row) {
-        if (file.path.empty()) return;
-        std::string path = file.path;
-        tags_.Replace(path, [this](std::size_t position) { return Text(position); });
-        if (file.last != path) {
-            file.lastFound = FileExists(path);
-            file.last = std::move(path);
+    /// Without a row: the one message that all packets get. False when it cannot be made.
+    bool CheckMessage(std::optional<Bookmark> row) {
+        const auto note = [row](MergeFinding& finding) {
+            ++finding.count;
+            if (row) finding.rows.push_back(*row);
+        };
+        if (generator_.BuildMessage().Failed()) {
+            note(tooLong_);
+            return false;
         }
-        if (!file.lastFound) Note(file.missing, row);
+        const MessageRecord& made = generator_.Message();
+        for (const auto& [name, text] : {std::pair("sender", &made.From),
+                                         {"subject", &made.Subject},
+                                         {"To line", &made.To},
+                                         {"attachment's path", &made.Attach},
+                                         {"HTML file's path", &made.HTML}}) {
+            if (!IsLongerThanAColumn(*text)) continue;
+            MergeFinding& finding = longHeaders_[name];
+            finding.text = std::string("The ") + name + " is longer than the Outbox takes";
+            note(finding);
+        }
+        const std::vector<std::string> senders = AddressesOf(made.From);
+        if (senders.empty() || !IsMailbox(senders.front())) note(badSender_);
+        if (!plan_.message.attachment.empty() && !FileExists(made.Attach)) note(noAttachment_);
+        if (!plan_.message.htmlFile) return true;
+        if (FileExists(made.HTML))
+            ReadPage(made.HTML);
+        else
+            note(noHtmlFile_);
+        return true;
     }
 
-    /// All but the first row of each address, in the order of the rows.
-    void FindRepeatedAddresses() {
-        std::ranges::stable_sort(addresses_, {}, &Address::hash);
-        for (std::size_t i = 1; i < addresses_.size(); ++i)
-            if (addresses_[i].hash == addresses_[i - 1].hash)
-                Note(repeatedAddress_, addresses_[i].row);
-        auto& rows = repeatedAddress_.rows;
-        std::ranges::sort(rows);
-        rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-        repeatedAddress_.count = static_cast<std::int64_t>(rows.size());
+    /// Every page is read once, whichever rows choose it. Its tags stay as they are in messages for
+    /// many.
+    void ReadPage(const std::string& path) {
+        if (!pages_.insert(path).second) return;
+        const std::string page = ReadFileText(path);
+        if (plan_.options.personal) {
+            Read(page, false);
+            ReadObjections(page);
+        } else {
+            for (const std::string& tag : TagsIn(page))
+                if (Owned(tag))
+                    Count("The tag [" + tag + "] of the HTML file stays in messages for many",
+                          "file " + tag);
+        }
     }
 
     std::vector<MergeFinding> Findings() {
-        std::vector<MergeFinding> all = std::move(unknownTags_);
+        std::vector<MergeFinding> all;
         const auto add = [&all](MergeFinding& finding) {
             if (finding.count > 0) all.push_back(std::move(finding));
         };
-        for (MergeFinding* finding : {&noAddress_, &badAddress_, &repeatedAddress_})
+        for (auto& [tag, finding] : tagFindings_)
+            add(finding);
+        beyond_.count = plan_.total - plan_.UsedRecords();
+        add(beyond_);
+        add(left_);
+        for (MergeFinding& finding : addresses_.Findings())
+            add(finding);
+        for (MergeFinding* finding : {&badSender_, &tooLong_})
             add(*finding);
-        for (File* file : {&attachment_, &htmlFile_}) {
-            file->missing.text = std::string("The ") + file->kind + " is not there";
-            add(file->missing);
-        }
-        for (Column& column : columns_) {
+        for (auto& [name, finding] : longHeaders_)
+            add(finding);
+        for (MergeFinding* finding : {&noAttachment_, &noHtmlFile_})
+            add(*finding);
+        for (auto& [position, column] : columns_) {
             add(column.empty);
             add(column.broken);
         }
         return all;
     }
 
-    struct Address {
-        std::uint64_t hash;
-        Bookmark row;
-    };
-
-    const MergeParts& parts_;
-    const MergeRows& rows_;
-    TagList tags_;
-    const std::vector<DaoValue>* row_ = nullptr;
-    std::string text_;
-    std::vector<Column> columns_;
-    std::optional<std::size_t> addressPosition_;
-    std::vector<Address> addresses_;
-    std::vector<MergeFinding> unknownTags_;
-    MergeFinding noAddress_{"No e-mail address", 0, {}};
-    MergeFinding badAddress_{"Not an e-mail address", 0, {}};
-    MergeFinding repeatedAddress_{"The e-mail address stands in an earlier row already", 0, {}};
-    File attachment_;
-    File htmlFile_;
+    Workbench& wb_;
+    const MergePlan& plan_;
+    MergeGenerator generator_;
+    AddressCheck addresses_;
+    std::set<std::string> pages_;
+    std::map<std::string, MergeFinding> tagFindings_;
+    std::map<std::size_t, Column> columns_;
+    std::map<std::string, MergeFinding> longHeaders_;
+    MergeFinding beyond_{"A row beyond the last record", 0, {}};
+    MergeFinding left_{"In no packet: the last one is not full", 0, {}};
+    MergeFinding badSender_{"The sender is no e-mail address", 0, {}};
+    MergeFinding tooLong_{"A text of the message grows past 16 MB by its values", 0, {}};
+    MergeFinding noAttachment_{"The attachment is not there", 0, {}};
+    MergeFinding noHtmlFile_{"The HTML file is not there", 0, {}};
 };
 
 }  // namespace
 
-std::vector<MergeFinding> CheckMerge(const MergeParts& parts, const MergeRows& rows,
-                                     const std::function<bool(std::size_t done)>& goOn) {
-    return MergeCheck(parts, rows).Run(goOn);
+std::vector<MergeFinding> CheckMerge(Workbench& wb, const MergePlan& plan,
+                                     const std::function<bool(std::int64_t done)>& goOn) {
+    if (!plan.recipients) return {};
+    return MergeCheck(wb, plan).Run(goOn);
 }
 
 }  // namespace mailvane

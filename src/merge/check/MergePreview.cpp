@@ -19,32 +19,16 @@ bool MessageHolds(const frmSettings& settings, const MessageRecord& message,
 }  // namespace
 
 MergePreview::MergePreview(Workbench& wb, MergePlan plan)
-    : wb_(wb), plan_(std::move(plan)), packet_(EmptyPacket()) {
-    if (plan_.rows.recipients)
-        count_ = plan_.addressing.personal ? plan_.rows.count : CountPackets();
-}
-
-BulkPacket MergePreview::EmptyPacket() const {
-    const auto& recipients = plan_.rows.recipients;
-    return {plan_.packetSize, recipients ? recipients->RecordCount() : 0};
-}
-
-std::size_t MergePreview::CountPackets() const {
-    BulkPacket packet = EmptyPacket();
-    std::size_t packets = 0;
-    for (std::size_t row = 0; row < plan_.rows.count; ++row)
-        if (packet.Next()) ++packets;
-    return packets;
-}
+    : wb_(wb),
+      plan_(std::move(plan)),
+      packet_(plan_.options.packetSize, plan_.records),
+      count_(static_cast<std::size_t>(plan_.MessageCount())) {}
 
 DaoResult<MessageRecord> MergePreview::Message(std::size_t number) {
     if (number >= count_) return MakeDaoError(dao_error::NoCurrentRecord);
-    const auto* view = wb_.forms.Find<frmViewMerge>();
-    if (!view) return MakeDaoError(dao_error::ObjectNotSet);
-    MergeGenerator generator(wb_, *view, plan_.rows.recipients, plan_.addressing);
-    generator.WriteNothing();
+    MergeGenerator generator(wb_, plan_, MissingTagFile::Leave);
     const DaoError failed =
-        plan_.addressing.personal ? BuildPersonal(generator, number) : BuildBulk(generator, number);
+        Personal() ? BuildPersonal(generator, number) : BuildBulk(generator, number);
     if (failed.Failed()) return failed;
     MessageRecord message = generator.Message();
     FinishForSending(wb_, message);
@@ -57,11 +41,10 @@ DaoError MergePreview::BuildPersonal(MergeGenerator& generator, std::size_t numb
     if (addressed.Failed()) return addressed.Error();
     if (*addressed != number) {
         if (DaoError failed = MoveTo(*addressed); failed.Failed()) return failed;
-        generator.BuildMessage();
+        generator.BuildMessage().Ignore();
     }
     if (DaoError failed = MoveTo(number); failed.Failed()) return failed;
-    generator.BuildMessage();
-    return {};
+    return generator.BuildMessage();
 }
 
 /// The row itself, or the nearest before it that has an address; the first when none has.
@@ -78,34 +61,29 @@ DaoResult<std::size_t> MergePreview::FindRowOfAddress(std::size_t row) const {
     for (; row > 0; --row) {
         if (row > addressed_ && row <= addressedTo_) return addressed_;
         if (DaoError failed = MoveTo(row); failed.Failed()) return failed;
-        const auto address = plan_.rows.recipients->Get(plan_.addressing.toColumn);
-        const bool noSuchColumn = address.Failed();
-        if (noSuchColumn || address->ToText().Ok()) break;
+        const auto address = plan_.recipients->Get(plan_.message.addressColumn);
+        if (address.Failed() && address.Error().number != dao_error::NoCurrentRecord) break;
+        if (address.Ok() && address->ToText().Ok()) break;
     }
     return row;
 }
 
 DaoError MergePreview::BuildBulk(MergeGenerator& generator, std::size_t number) {
     if (packets_ > number + 1) {
-        packet_ = EmptyPacket();
+        packet_ = BulkPacket(plan_.options.packetSize, plan_.records);
         packets_ = packetRows_ = 0;
     }
     for (; packets_ <= number; ++packetRows_) {
         if (DaoError failed = MoveTo(packetRows_); failed.Failed()) return failed;
         if (packet_.Next()) ++packets_;
-        const auto address = plan_.rows.recipients->Get(plan_.bulkColumn);
-        if (address.Failed()) return address.Error();
-        packet_.Append(address->TextOrEmpty());
+        // A row beyond the last record adds nothing.
+        const auto address = plan_.recipients->Get(plan_.options.addressColumn);
+        if (address.Ok()) packet_.Append(address->TextOrEmpty());
+        if (address.Failed() && address.Error().number != dao_error::NoCurrentRecord)
+            return address.Error();
     }
     generator.PacketText = packet_.Text();
-    generator.BuildMessage();
-    return {};
-}
-
-DaoError MergePreview::MoveTo(std::size_t row) const {
-    Recordset& recipients = *plan_.rows.recipients;
-    const auto bookmark = recipients.BookmarkAt(plan_.rows.first + row);
-    return bookmark.Ok() ? recipients.SetBookmark(*bookmark) : bookmark.Error();
+    return generator.BuildMessage();
 }
 
 DaoResult<std::optional<std::size_t>> MergePreview::Find(

@@ -5,19 +5,11 @@
 #include <optional>
 #include <string>
 
-#include "merge/check/MergeCheck.h"
 #include "merge/run/BulkPacket.h"
 #include "merge/run/MergeGenerator.h"
+#include "merge/run/MergePlan.h"
 
 namespace mailvane {
-
-/// What a run would be asked to do.
-struct MergePlan {
-    MergeRows rows;
-    MergeAddressing addressing;
-    std::string bulkColumn;  ///< bulk: the column of the addresses
-    double packetSize = 1;   ///< bulk: addresses in a packet
-};
 
 /// The finished messages of a run that is not made: built as the run builds them, one at a time
 /// and in any order. Runs no program or script and writes nothing.
@@ -25,6 +17,7 @@ class MergePreview {
 public:
     MergePreview(Workbench& wb, MergePlan plan);
 
+    bool Personal() const { return plan_.options.personal; }
     std::size_t Count() const { return count_; }  ///< messages
     /// The message of that number, from 0, as it would stand in the Outbox.
     DaoResult<MessageRecord> Message(std::size_t number);
@@ -35,13 +28,11 @@ public:
                                                const std::function<bool(std::size_t)>& goOn);
 
 private:
-    std::size_t CountPackets() const;
-    BulkPacket EmptyPacket() const;
     DaoError BuildPersonal(MergeGenerator& generator, std::size_t number);
     DaoError BuildBulk(MergeGenerator& generator, std::size_t number);
     DaoResult<std::size_t> RowOfAddress(std::size_t row);
     DaoResult<std::size_t> FindRowOfAddress(std::size_t row) const;
-    DaoError MoveTo(std::size_t row) const;
+    DaoError MoveTo(std::size_t row) const { return plan_.GoTo(static_cast<std::int64_t>(row)); }
 
     Workbench& wb_;
     MergePlan plan_;

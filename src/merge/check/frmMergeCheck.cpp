@@ -1,16 +1,14 @@
 #include "merge/check/frmMergeCheck.h"
 
 #include "core/MessageBoxes.h"
-#include "core/Waiting.h"
-#include "core/run/Progress.h"
+#include "core/run/LongRun.h"
 #include "database/view/frmViewDatabase.h"
-#include "merge/message/frmViewMerge.h"
 
 namespace mailvane {
 
 namespace {
 
-std::string Records(std::size_t count) {
+std::string Records(std::int64_t count) {
     return std::to_string(count) + (count == 1 ? " record" : " records");
 }
 
@@ -26,29 +24,34 @@ frmMergeCheck::frmMergeCheck(Workbench& wb)
     cmdShow.SetEnabled(false);
 }
 
-void frmMergeCheck::Check(const MergeParts& parts, const MergeRows& rows) {
-    const auto total = static_cast<long>(rows.count) + 1;
+void frmMergeCheck::Check(const MergePlan& plan) {
     bool complete = true;
-    wb_.state.CancelRequested = false;
-    UpdateProgress(wb_, total, 0, "Check", "Checking records...");
-    findings_ = CheckMerge(parts, rows, [&](std::size_t done) {
-        UpdateProgress(wb_, 0, static_cast<long>(done));
-        YieldBriefly(wb_);
-        complete = !wb_.state.CancelRequested && IsLoaded() && !Windows().Quitting();
-        return complete;
-    });
-    wb_.state.CancelRequested = false;
-    UpdateProgress(wb_, 0, total);
-    ShowFindings(rows.count, complete);
+    {
+        LongRun run(wb_, {"Checking the messages", Holds::Recipients | Holds::Message});
+        if (!run.Began()) {
+            Unload();
+            return;
+        }
+        const std::string total = std::to_string(plan.UsedRecords());
+        std::int64_t checked = 0;
+        run.howFar = [&] { return std::to_string(checked) + " of " + total + " records"; };
+        run.ShowProgress(static_cast<long>(plan.UsedRecords()), "Check", "Checking records...");
+        findings_ = CheckMerge(wb_, plan, [&](std::int64_t done) {
+            checked = done;
+            complete = run.GoesOn(static_cast<long>(done)) && IsLoaded();
+            return complete;
+        });
+    }
+    if (IsLoaded()) ShowFindings(plan.UsedRecords(), complete);
 }
 
-void frmMergeCheck::ShowFindings(std::size_t rows, bool complete) {
+void frmMergeCheck::ShowFindings(std::int64_t records, bool complete) {
     lstFindings.Clear();
     for (const MergeFinding& finding : findings_)
         lstFindings.AddItem(std::to_string(finding.count) + " x  " + finding.text);
     lstFindings.SetListIndex(findings_.empty() ? -1 : 0);
     std::string summary = findings_.empty() ? "Nothing was found" : "These things were found";
-    summary += " in " + Records(rows) + ".";
+    summary += " in " + Records(records) + ".";
     if (!complete) summary += " The check was canceled before its end.";
     lblSummary.SetText(summary);
 }
@@ -72,30 +75,15 @@ void frmMergeCheck::ShowRows() {
     Unload();
 }
 
-MergeParts PartsOf(const frmViewMerge& message) {
-    return {message.txtFrom.Text(),        message.txtSubject.Text(),   message.txtBody.Text(),
-            message.lstAttach.FirstItem(), message.lstHTML.FirstItem(), message.txtTo.Text()};
-}
-
-void ShowMergeCheck(Workbench& wb, const MergeParts& parts, const MergeRows& rows) {
+void ShowMergeCheck(Workbench& wb, const MergePlan& plan) {
     auto& form = wb.forms.Get<frmMergeCheck>();
-    form.Check(parts, rows);
+    form.Check(plan);
     if (form.IsLoaded()) ShowModalDialog(wb, form);
 }
 
-MergeRows WholeTable(Workbench& wb) {
-    const auto& message = wb.forms.Get<frmViewMerge>();
-    MergeRows rows;
-    if (!message.Data1.Database()) return rows;
-    rows.recipients =
-        message.Data1.Database()->OpenRecordset(message.CurrentMergeTable()).ValueOr({});
-    if (rows.recipients) rows.count = static_cast<std::size_t>(rows.recipients->RecordCount());
-    return rows;
-}
-
 void CheckWholeTable(Workbench& wb) {
-    const MergeRows rows = WholeTable(wb);
-    if (rows.recipients) ShowMergeCheck(wb, PartsOf(wb.forms.Get<frmViewMerge>()), rows);
+    const MergePlan plan = MakeMergePlan(wb, {});
+    if (plan.recipients) ShowMergeCheck(wb, plan);
 }
 
 }  // namespace mailvane

@@ -8,8 +8,6 @@
 
 namespace mailvane {
 
-class frmViewMerge;
-
 /// What a check before sending has found. It informs; what to do about it is the user's business.
 class frmMergeCheck final : public WorkbenchForm {
 public:
@@ -21,25 +19,19 @@ public:
     Button cmdClose{*this, "cmdClose", [this] { Unload(); }};
 
     /// Looks at the rows and lists the findings, the most serious first.
-    void Check(const MergeParts& parts, const MergeRows& rows);
+    void Check(const MergePlan& plan);
 
 private:
-    void ShowFindings(std::size_t rows, bool complete);
+    void ShowFindings(std::int64_t records, bool complete);
     void ShowRows();
     const MergeFinding* Chosen() const;
     std::vector<MergeFinding> findings_;
 };
 
-/// The message as frmViewMerge has it now.
-MergeParts PartsOf(const frmViewMerge& message);
+/// Checks the messages of a plan, in a form of its own.
+void ShowMergeCheck(Workbench& wb, const MergePlan& plan);
 
-/// Checks the message for those rows, in a form of its own.
-void ShowMergeCheck(Workbench& wb, const MergeParts& parts, const MergeRows& rows);
-
-/// All rows of the table that the message is written for; without recipients when there is none.
-MergeRows WholeTable(Workbench& wb);
-
-/// The same for all rows of the table that the message is written for.
+/// The same for a message to each row of the table that the message is written for.
 void CheckWholeTable(Workbench& wb);
 
 }  // namespace mailvane

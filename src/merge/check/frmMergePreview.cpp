@@ -4,8 +4,8 @@
 
 #include "core/MessageBoxes.h"
 #include "core/Waiting.h"
-#include "merge/check/frmMergeCheck.h"
-#include "merge/message/frmViewMerge.h"
+#include "core/run/LongRun.h"
+#include "core/settings/frmSettings.h"
 #include "send/message/MessageAssembly.h"
 
 namespace mailvane {
@@ -29,8 +29,8 @@ frmMergePreview::frmMergePreview(Workbench& wb)
 }
 
 void frmMergePreview::Preview(MergePlan plan) {
-    txtBCC.SetVisible(!plan.addressing.personal);
     preview_.emplace(wb_, std::move(plan));
+    txtBCC.SetVisible(!preview_->Personal());
     EnableButtons();
     if (preview_->Count() == 0) return lblPosition.SetText("There is no message to show.");
     GoTo(0);
@@ -87,22 +87,24 @@ void frmMergePreview::Find() {
     if (std::exchange(searching_, false)) return;
     const std::string text = txtFind.Text();
     if (text.empty()) return;
+    LongRun run(wb_, {"Searching the messages", Holds::Recipients | Holds::Message});
+    if (!run.Began()) return;
     searching_ = true;
     EnableButtons();
-    Search(text);
+    Search(run, text);
     searching_ = false;
     if (IsLoaded()) EnableButtons();
 }
 
-void frmMergePreview::Search(const std::string& text) {
+void frmMergePreview::Search(LongRun& run, const std::string& text) {
     const std::string total = std::to_string(preview_->Count());
     const auto found = preview_->Find(text, number_ + 1, [&](std::size_t looked) {
-        lblFound.SetText("Searching... " + std::to_string(looked) + " of " + total);
-        YieldBriefly(wb_);
-        return searching_ && IsLoaded() && !Windows().Quitting();
+        if (Windows().YieldIsDue())
+            lblFound.SetText("Searching... " + std::to_string(looked) + " of " + total);
+        return run.GoesOn() && searching_ && IsLoaded();
     });
     if (!IsLoaded()) return;
-    const bool stopped = !std::exchange(searching_, false);
+    const bool stopped = !std::exchange(searching_, false) || run.Cancelled();
     if (found.Failed())
         lblFound.SetText(found.Error().description);
     else if (*found)
@@ -118,10 +120,8 @@ void ShowMergePreview(Workbench& wb, MergePlan plan) {
 }
 
 void PreviewWholeTable(Workbench& wb) {
-    MergePlan plan;
-    plan.rows = WholeTable(wb);
-    plan.addressing = {true, wb.forms.Get<frmViewMerge>().txtTo.Text(), ""};
-    if (plan.rows.recipients) ShowMergePreview(wb, std::move(plan));
+    MergePlan plan = MakeMergePlan(wb, {});
+    if (plan.recipients) ShowMergePreview(wb, std::move(plan));
 }
 
 }  // namespace mailvane

@@ -8,6 +8,8 @@
 
 namespace mailvane {
 
+class LongRun;
+
 /// Pages through the messages that a run would make.
 class frmMergePreview final : public WorkbenchForm {
 public:
@@ -42,7 +44,7 @@ private:
     void ShowParts(const MessageRecord& message);
     void EnableButtons();
     void Find();
-    void Search(const std::string& text);
+    void Search(LongRun& run, const std::string& text);
 
     std::optional<MergePreview> preview_;
     std::size_t number_ = 0;

@@ -1,19 +1,17 @@
 #include "merge/message/InsertTag.h"
 
-#include "merge/tags/frmTagCGI.h"
-#include "merge/tags/frmTagProgram.h"
+#include "merge/tags/TagKinds.h"
 
 namespace mailvane {
 
 bool InsertExecuteTag(Workbench& wb, RichTextBox& body, const std::string& toolName) {
-    const bool program = toolName == "Execute Program";
-    if (!program && toolName != "Execute CGI") return false;
-    TagListForm& list = program ? static_cast<TagListForm&>(wb.forms.Get<frmTagProgram>())
-                                : wb.forms.Get<frmTagCGI>();
-    const std::string number = list.Pick();
-    if (!number.empty())
-        body.ReplaceSelection(ExecuteTagText(program ? ProgramTagKind : CgiTagKind, number));
-    return true;
+    for (const TagKind& kind : TagKinds()) {
+        if (!kind.tool || toolName != kind.tool) continue;
+        const std::string tag = kind.pick(wb);
+        if (!tag.empty()) body.ReplaceSelection(tag);
+        return true;
+    }
+    return false;
 }
 
 }  // namespace mailvane

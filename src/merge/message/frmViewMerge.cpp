@@ -91,6 +91,11 @@ void frmViewMerge::OnActivate() {
     ShowRecordCount();
 }
 
+/// A run that works on the message is ended first.
+bool frmViewMerge::OnQueryUnload() {
+    return MayUnload(wb_, *this, Holds::Message);
+}
+
 void frmViewMerge::OnUnload() {
     viewMade_.End();
     tableShown_.End();
@@ -254,9 +259,8 @@ void frmViewMerge::PresetSender() {
     if (!sender.empty()) txtFrom.SetText(sender);
 }
 
-void frmViewMerge::SetRunning(bool running) {
-    ActiveBar1.SetEnabled(!running);
-    cmbTable.SetEnabled(!running);
+std::vector<Control*> frmViewMerge::MessageControls() {
+    return {&txtFrom, &txtSubject, &txtBody, &txtTo, &lstAttach, &lstHTML, &cmbTable, &ActiveBar1};
 }
 
 std::string SenderLine(Workbench& wb) {

@@ -61,11 +61,13 @@ public:
 
     /// "1" high, "3" normal, "5" low.
     const std::string& PriorityValue() const { return priority_; }
-    void SetRunning(bool running);  ///< a run has the message: it cannot be exchanged meanwhile
+    /// Those that a run locks: what it was started with counts to its end.
+    std::vector<Control*> MessageControls();
 
 protected:
     void OnLoad() override;
     void OnActivate() override;
+    bool OnQueryUnload() override;
     void OnUnload() override;
 
 private:
@@ -95,7 +97,7 @@ private:
     bool HasRecipients() const;
     void TellNoRecords();
     std::string AskTestAddress();
-    DaoError StoreTestMessage(const std::string& address);
+    DaoResult<bool> StoreTestMessage(const std::string& address);
     void SendScheduled();
 
     // Commands: frmViewMergeCommands.cpp

@@ -1,6 +1,7 @@
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Waiting.h"
+#include "core/run/LongRun.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
@@ -91,10 +92,11 @@ void frmViewMerge::TestMergeMessage() {
     if (!Data1.Recordset()) return TellNoRecords();
     const std::string address = AskTestAddress();
     if (address.empty()) return;
-    if (const DaoError failed = StoreTestMessage(address); failed.Failed())
-        return Tell(wb_, "The message store cannot be written: " + failed.description,
+    const DaoResult<bool> stored = StoreTestMessage(address);
+    if (stored.Failed())
+        return Tell(wb_, "The message cannot be stored: " + stored.Error().description,
                     BoxIcon::Critical);
-    if (!IsLoaded()) return;
+    if (!*stored || !IsLoaded()) return;
     wb_.state.FinalRunStep = true;
     wb_.forms.Get<frmSettings>().cmdSendEmail.Press();
     wb_.state.FinalRunStep = false;
@@ -119,29 +121,34 @@ std::string frmViewMerge::AskTestAddress() {
 }
 
 /// The message for the row under the cursor, as a run makes it, in the Outbox. No column names its
-/// recipient. Handlers run while its tags do; one that closes this form ends the test.
-DaoError frmViewMerge::StoreTestMessage(const std::string& address) {
-    MergeGenerator generator(wb_, *this, Data1.Recordset(), {true, "", ""});
-    generator.KeepWaiting = [this] { return IsLoaded(); };
-    SetRunning(true);
-    generator.BuildMessage();
+/// recipient. False when it was ended while its tags ran; it is not in the Outbox then.
+DaoResult<bool> frmViewMerge::StoreTestMessage(const std::string& address) {
+    LongRun run(wb_, {"Making the test message", Holds::Everything, MessageControls()});
+    if (!run.Began()) return false;
+    MergePlan plan;
+    plan.message = CopyMessage(wb_, *this);
+    plan.message.addressColumn.clear();
+    plan.recipients = Data1.Recordset();
+    MergeGenerator generator(wb_, plan);
+    generator.KeepWaiting = [&run] { return !run.Cancelled(); };
+    if (DaoError failed = generator.BuildMessage(); failed.Failed()) return failed;
     generator.RunTags();
-    SetRunning(false);
-    if (!IsLoaded()) return {};
+    if (run.Cancelled()) return false;
     if (DaoError missing = EnsureMessageStore(wb_); missing.Failed()) return missing;
     if (DaoError closed = OpenMessageStore(wb_); closed.Failed()) return closed;
     const DaoError stored = wb_.state.MessageStore->Transaction([&]() -> DaoError {
         if (DaoError failed = generator.StoreMessage(); failed.Failed()) return failed;
         return AddressStoredMessage(wb_.state, address);
     });
-    if (stored.Failed()) wb_.state.CurrentFolderRecordset = nullptr;  // it lists what was undone
+    if (stored.Ok()) return true;
+    wb_.state.CurrentFolderRecordset = nullptr;  // it lists what was undone
     return stored;
 }
 
 /// The merge of an unattended run: nobody is there to choose another file or table, so that one
 /// that is missing ends it.
 void frmViewMerge::SendScheduled() {
-    if (!ActiveBar1.Enabled() || !FileExists(ScheduledMessage)) return;
+    if (wb_.runs.Holder(Holds::Message) || !FileExists(ScheduledMessage)) return;
     OpenMergeDocument(ScheduledMessage);
     const std::string table = lblTable.Text();
     if (!Trim(table).empty() && !cmbTable.SetText(table)) return;

@@ -1,76 +1,49 @@
 #include "merge/run/MergeGenerator.h"
 
-#include "core/Machine.h"
+#include <algorithm>
+#include <utility>
+
 #include "core/Paths.h"
 #include "core/Waiting.h"
-#include "merge/tags/ExecuteTag.h"
+#include "merge/tags/FieldTags.h"
 #include "store/MessageStore.h"
 
 namespace mailvane {
 
-namespace {
-
-enum SystemTag : std::size_t { Time, Date, Address, Resources };
-
-std::string SystemValue(const Workbench& wb, std::size_t tag) {
-    switch (tag) {
-        case Time:
-            return wb.platform.clock.Now().LongTime();
-        case Date:
-            return wb.platform.clock.Now().ShortDate();
-        case Address:
-            return GetLocalIpAddress();
-        default: {
-            const int percent = FreeResourcesPercent();
-            return percent == 0 ? std::string() : std::to_string(percent) + "%";
-        }
-    }
-}
-
-}  // namespace
-
-void FillInSystemTags(const Workbench& wb, std::string& text) {
-    if (text.find("[!") == std::string::npos) return;
-    static const TagList tags({"!SYSTIME", "!SYSDATE", "!SYSIP", "!SYSRESOURCES"});
-    std::string value;
-    tags.Replace(text, [&](std::size_t tag) {
-        value = SystemValue(wb, tag);
-        return &value;
-    });
-}
-
-MergeGenerator::MergeGenerator(Workbench& wb, const frmViewMerge& message,
-                               std::shared_ptr<Recordset> recipients, MergeAddressing addressing)
+MergeGenerator::MergeGenerator(Workbench& wb, const MergePlan& plan, MissingTagFile missingFile)
     : wb_(wb),
-      message_(message),
-      settings_(wb.forms.Get<frmSettings>()),
-      addressing_(std::move(addressing)),
-      fieldTags_(message.lstFields.Items()),
-      row_(std::move(recipients), fieldTags_.Names()) {}
+      plan_(plan),
+      columns_(plan.message.columns),
+      tags_(MakeMessageTags({wb, columns_, missingFile})),
+      row_(plan.recipients, columns_.Names()) {}
 
 DaoError MergeGenerator::GenerateMergeMessage() {
-    BuildMessage();
+    if (DaoError failed = BuildMessage(); failed.Failed()) return failed;
     RunTags();
     return StoreMessage();
 }
 
-/// All that is read of the row and of the forms is read here, before anything waits.
-void MergeGenerator::BuildMessage() {
+/// All that is read of the row is read here, before anything waits.
+DaoError MergeGenerator::BuildMessage() {
+    const TagList::ValueOf row = [this](std::size_t column) { return row_.Text(column); };
+    const bool personal = plan_.options.personal;
     row_.Renew();
     ReadMessageParts();
-    if (addressing_.personal) {
-        FindFiles();
-        FindTags();
-        FillInFields();
-    }
-    FillInSystemValues();
-    RemoveFieldTags();
+    bool fits = !personal || FindFiles(row);
+    if (personal) FindTags();
+    for (const auto& tag : tags_)
+        fits = fits && tag->FillIn(record_, personal ? &row : nullptr);
+    if (!fits)
+        return {dao_error::FieldTooSmall,
+                "A text of the message grows past 16 MB by the values of the row."};
+    for (const auto& tag : tags_)
+        tag->CleanUp(record_);
     Address();
-    record_.Priority = message_.PriorityValue();
+    return {};
 }
 
-void MergeGenerator::WriteNothing() {
-    program_.MissingFile = script_.MissingFile = MissingTagFile::Leave;
+bool MergeGenerator::HasTagsToRun() const {
+    return std::ranges::any_of(tags_, [](const auto& tag) { return tag->HasToRun(); });
 }
 
 void MergeGenerator::RunTags() {
@@ -78,8 +51,8 @@ void MergeGenerator::RunTags() {
         YieldBriefly(wb_);
         return !wb_.platform.windows.Quitting() && (!KeepWaiting || KeepWaiting());
     };
-    if (programFound_) program_.Run(wb_, keepWaiting);
-    if (scriptFound_) script_.Call(wb_, keepWaiting);
+    for (const auto& tag : tags_)
+        tag->Run(keepWaiting);
 }
 
 DaoError MergeGenerator::StoreMessage() {
@@ -90,63 +63,50 @@ DaoError MergeGenerator::StoreMessage() {
 }
 
 void MergeGenerator::ReadMessageParts() {
-    record_.Body = message_.txtBody.Text();
-    record_.Subject = message_.txtSubject.Text();
-    record_.From = message_.txtFrom.Text();
-    record_.ReplyTo = settings_.txtReplyTo.Text();
-    record_.Attach = message_.lstAttach.FirstItem();
-    record_.HTML = message_.lstHTML.FirstItem();
-    record_.ContentType = message_.lstHTML.Count() > 0 ? "html" : "text";
+    const MergeMessage& message = plan_.message;
+    record_.Body = message.body;
+    record_.Subject = message.subject;
+    record_.From = message.from;
+    record_.ReplyTo = message.replyTo;
+    record_.Priority = message.priority;
+    record_.Attach = message.attachment;
+    record_.HTML = message.htmlFile.value_or(std::string());
+    record_.ContentType = message.htmlFile ? "html" : "text";
 }
 
 /// The HTML code of the message before stays where this row's file is missing.
-void MergeGenerator::FindFiles() {
-    const auto value = [this](std::size_t field) { return row_.Text(field); };
-    fieldTags_.Replace(record_.Attach, value);
-    fieldTags_.Replace(record_.HTML, value);
+bool MergeGenerator::FindFiles(const TagList::ValueOf& row) {
+    const bool fits =
+        FillInPath(columns_, record_.Attach, row) && FillInPath(columns_, record_.HTML, row);
     if (!FileExists(record_.Attach)) record_.Attach.clear();
     if (FileExists(record_.HTML)) {
-        record_.HTMLCode = ReadFileText(record_.HTML);
+        record_.HTMLCode = writtenCode_ = ReadFileText(record_.HTML);
         record_.ContentType = "html";
     } else {
         record_.HTML.clear();
         record_.ContentType = "text";
     }
+    return fits;
 }
 
+/// In the code as the user wrote it: what came in with the values of an earlier row runs nothing.
 void MergeGenerator::FindTags() {
-    if (program_.FindProgramTag(wb_, record_) != NoExecuteTag) programFound_ = true;
-    if (script_.FindCgiTag(wb_, record_) != NoExecuteTag) scriptFound_ = true;
-}
-
-void MergeGenerator::FillInFields() {
-    const auto value = [this](std::size_t field) { return row_.Text(field); };
-    for (std::string* text : {&record_.Body, &record_.Subject, &record_.From, &record_.HTMLCode})
-        fieldTags_.Replace(*text, value);
-    if (programFound_) program_.FillIn(fieldTags_, value);
-    if (scriptFound_) script_.FillIn(fieldTags_, value);
-}
-
-void MergeGenerator::FillInSystemValues() {
-    for (std::string* text : {&record_.Body, &record_.Subject, &record_.HTMLCode})
-        FillInSystemTags(wb_, *text);
-}
-
-/// Takes out what could not be filled in: columns that are Null, tags that came in with a value,
-/// and in bulk messages all of them.
-void MergeGenerator::RemoveFieldTags() {
-    for (std::string* text :
-         {&record_.Body, &record_.Subject, &record_.Attach, &record_.From, &record_.HTMLCode})
-        fieldTags_.Remove(*text);
+    const bool earlier = record_.HTML.empty();
+    const std::string code = std::exchange(record_.HTMLCode, writtenCode_);
+    for (const auto& tag : tags_)
+        tag->Find(record_);
+    writtenCode_ = record_.HTMLCode;
+    if (earlier) record_.HTMLCode = code;
 }
 
 /// A row without an address leaves the one of the message before.
 void MergeGenerator::Address() {
-    if (!addressing_.personal) {
-        record_.To = addressing_.bulkToText;
+    if (!plan_.options.personal) {
+        record_.To = plan_.options.bulkTo;
         record_.BCC = PacketText;
-    } else if (const std::string* address = row_.Text(addressing_.toColumn)) {
+    } else if (const std::string* address = row_.Text(plan_.message.addressColumn)) {
         record_.To = *address;
+        std::erase(record_.To, '\0');
     }
 }
 

@@ -1,50 +1,45 @@
 #pragma once
 
-#include <memory>
+#include <functional>
 #include <string>
 
 #include "core/Workbench.h"
-#include "core/settings/frmSettings.h"
-#include "merge/message/frmViewMerge.h"
+#include "merge/run/MergePlan.h"
 #include "merge/run/RecipientRow.h"
-#include "merge/tags/CgiTag.h"
-#include "merge/tags/ProgramTag.h"
+#include "merge/tags/TagKinds.h"
 #include "merge/tags/TagList.h"
 #include "store/MessageRecord.h"
 
 namespace mailvane {
 
-/// How the messages of a run are addressed.
-struct MergeAddressing {
-    bool personal = true;
-    std::string toColumn;    ///< personal: the column that holds each recipient's address
-    std::string bulkToText;  ///< bulk: the To line of every message
-};
-
-/// Turns the message of frmViewMerge and the current row of the recipients into finished rows of
-/// the Outbox. One per run: a message keeps the To line and the HTML code of the one before where
-/// its row gives none.
+/// Turns the message of a plan and the current row of its recipients into finished rows of the
+/// Outbox. One per run: a message keeps the To line and the HTML code of the one before where its
+/// row gives none.
 class MergeGenerator {
 public:
-    MergeGenerator(Workbench& wb, const frmViewMerge& message,
-                   std::shared_ptr<Recordset> recipients, MergeAddressing addressing);
+    /// The plan must live as long as this. With MissingTagFile::Leave building leaves the disk as
+    /// it is.
+    MergeGenerator(Workbench& wb, const MergePlan& plan,
+                   MissingTagFile missingFile = MissingTagFile::Make);
 
     /// Makes one message, runs its tags and stores it; failures on the way to it leave the part
-    /// concerned as it was. Tells when it could not be stored.
+    /// concerned as it was. Tells when it could not be made or stored.
     DaoError GenerateMergeMessage();
 
     // The same in steps. RunTags waits and lets the program go on meanwhile: no transaction may be
     // open.
-    void BuildMessage();
+    /// Fails for a row whose values make a text too long.
+    DaoError BuildMessage();
     /// From the first message on that had a program or script to run.
-    bool HasTagsToRun() const { return programFound_ || scriptFound_; }
+    bool HasTagsToRun() const;
     void RunTags();
     DaoError StoreMessage();
 
     /// The message built last, with its tags run or not.
     const MessageRecord& Message() const { return record_; }
-    /// From now on building leaves the disk as it is.
-    void WriteNothing();
+    RecipientRow& Row() { return row_; }
+    const TagList& Columns() const { return columns_; }
+    const MessageTags& Tags() const { return tags_; }
 
     std::string PacketText;  ///< bulk: the addresses of the blind copy
     /// Called while a program or script is waited for; false ends the wait.
@@ -52,28 +47,17 @@ public:
 
 private:
     void ReadMessageParts();
-    void FillInFields();
-    void FindFiles();
+    [[nodiscard]] bool FindFiles(const TagList::ValueOf& row);
     void FindTags();
-    void FillInSystemValues();
-    void RemoveFieldTags();
     void Address();
 
     Workbench& wb_;
-    const frmViewMerge& message_;
-    const frmSettings& settings_;
-    MergeAddressing addressing_;
-    TagList fieldTags_;
+    const MergePlan& plan_;
+    TagList columns_;
+    MessageTags tags_;
     RecipientRow row_;
     MessageRecord record_;
-    // Once found they run for every message, with the record that was read last.
-    bool programFound_ = false;
-    bool scriptFound_ = false;
-    ProgramTag program_;
-    CgiTag script_;
+    std::string writtenCode_;  ///< of the last HTML file, before anything was filled in
 };
-
-/// Replaces the tags of the machine's time, date, address and resources.
-void FillInSystemTags(const Workbench& wb, std::string& text);
 
 }  // namespace mailvane

@@ -1,14 +1,14 @@
 #include "merge/run/MergeRun.h"
 
-#include <algorithm>
-#include <cmath>
-#include <utility>
-
 #include "core/MessageBoxes.h"
 #include "core/Waiting.h"
 #include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"
-#include "core/text/Text.h"
+#include "merge/run/MailingTable.h"
+#include "merge/run/frmMSGOutbox.h"
+#include "send/report/frmDeliveryReport.h"
+#include "store/MessageStore.h"
+#include "store/view/frmViewEmail.h"
 
 namespace mailvane {
 
@@ -16,16 +16,7 @@ namespace {
 
 constexpr const char* AccessingRecords = "Accessing records, please wait...";
 constexpr const char* FilteringRecords = "Filtering records, please wait...";
-constexpr std::size_t MailingTableNameLength = 58;
-
-std::string MailingTableName(const std::string& table, DateTime now) {
-    std::string name = table + " " + now.Stamp();
-    std::size_t length = std::min(name.size(), MailingTableNameLength);
-    // No letter is cut in the middle of its bytes.
-    while (length < name.size() && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80)
-        --length;
-    return name.substr(0, length);
-}
+constexpr const char* AccessingMessages = "Accessing new messages, please wait...";
 
 }  // namespace
 
@@ -36,67 +27,38 @@ MergeRun::MergeRun(Workbench& wb, frmMerge& dialog)
       message_(wb.forms.Get<frmViewMerge>()) {}
 
 void MergeRun::Start() {
-    if (!CheckOptions()) return;
+    if (!AskAboutOptions()) return;
     CopySettings();
-    Begin();
-    OpenRecipients();
-    if (!Narrow()) return FinishMergeRun();
-    ShowPanel("");
-    wb_.platform.windows.SetPointer(MousePointer::ArrowBusy);
-    const Outcome outcome = GenerateMessages();
-    FinishMergeRun();
-    if (outcome == Outcome::Complete) HandOver();
-    if (outcome == Outcome::Cancelled) {
+    const MergeOutcome outcome = Work();
+    if (!dialog_.IsLoaded()) return;
+    if (outcome == MergeOutcome::Complete) HandOver();
+    if (outcome == MergeOutcome::Cancelled) {
         AskToDelete();
         dialog_.Unload();
     }
 }
 
-bool MergeRun::AskToProceed(const std::string& text, BoxIcon icon) {
-    return AskYesNo(wb_, text + "\r\nDo you want to proceed anyway?", icon);
+bool MergeRun::AskToProceed(const std::string& text) {
+    return AskYesNo(wb_, text + "\r\nDo you want to proceed anyway?");
 }
 
-bool MergeRun::IsBelowOneOrNoNumber(const std::string& text) {
-    return !IsNumeric(text) || NumberOf(text) < 1;
+/// False ends the run; an option that was asked about counts no more.
+bool MergeRun::AskAboutOptions() {
+    for (const frmMerge::Doubt& doubt : dialog_.Doubts()) {
+        doubt.option->SetChecked(false);
+        if (!AskToProceed(doubt.text)) return false;
+    }
+    return true;
 }
 
-bool MergeRun::CheckOptions() {
-    return CheckDateColumn() && CheckMaximum() && CheckRange();
-}
-
-bool MergeRun::CheckDateColumn() {
-    if (!dialog_.chkDate.Checked() || dialog_.DateColumnChosen()) return true;
-    dialog_.chkDate.SetChecked(false);
-    return AskToProceed("Your database field '" + dialog_.cmbField.Text() +
-                        "' is not a date data type field. \r\n"
-                        "You can use this criteria only with date data type fields.");
-}
-
-bool MergeRun::CheckMaximum() {
-    if (!dialog_.chkMax.Checked()) return true;
-    dialog_.txtMax.SetText(Trim(dialog_.txtMax.Text()));
-    const std::string value = dialog_.txtMax.Text();
-    if (!IsBelowOneOrNoNumber(value)) return true;
-    dialog_.chkMax.SetChecked(false);
-    return AskToProceed("'Maximum number of messages' text box contains invalid value: '" + value +
-                        "'.");
-}
-
-bool MergeRun::CheckRange() {
-    if (!dialog_.chkFractional.Checked()) return true;
-    for (TextBox* field : {&dialog_.txtFractional1, &dialog_.txtFractional2})
-        field->SetText(Trim(field->Text()));
-    const std::string first = dialog_.txtFractional1.Text();
-    const std::string second = dialog_.txtFractional2.Text();
-    if (!IsBelowOneOrNoNumber(first) && !IsBelowOneOrNoNumber(second) &&
-        NumberOf(first) <= NumberOf(second))
-        return true;
-    dialog_.chkFractional.SetChecked(false);
-    return AskToProceed("Invalid range of rows for fractional sending: " + RangeText());
-}
-
-std::string MergeRun::RangeText() const {
-    return "'from " + dialog_.txtFractional1.Text() + " to " + dialog_.txtFractional2.Text() + "'.";
+bool MergeRun::AskAboutPackets() {
+    if (plan_.options.personal || dialog_.PacketSizeMakesSense()) return true;
+    wb_.platform.windows.SetPointer(MousePointer::Normal);
+    if (!AskToProceed("'Messages per packet' text-box contains invalid value: '" +
+                      dialog_.txtPacket.Text() + "'."))
+        return false;
+    dialog_.txtPacket.SetText(MergeOptions::UsualPacketSize);
+    return true;
 }
 
 void MergeRun::CopySettings() {
@@ -107,65 +69,63 @@ void MergeRun::CopySettings() {
     settings.chkSaveSentMessages.SetChecked(dialog_.chkSaveSentMessages.Checked());
 }
 
-void MergeRun::Begin() {
+/// The message, and the whole dialog but for what ends the run.
+std::vector<Control*> MergeRun::Locked() {
+    std::vector<Control*> locked = message_.MessageControls();
+    for (Control* control : dialog_.Controls())
+        if (control != &dialog_.cmdCancel && control != &dialog_.SSCommand2)
+            locked.push_back(control);
+    return locked;
+}
+
+MergeOutcome MergeRun::Work() {
+    LongRun run(wb_, {"Generating messages", Holds::Everything, Locked()});
+    if (!run.Began()) return MergeOutcome::Stopped;
+    BeginWork();
+    MergeOutcome outcome = MergeOutcome::Stopped;
+    if (MakePlan() && AskAboutPackets()) {
+        wb_.platform.windows.SetPointer(MousePointer::ArrowBusy);
+        MergeWalk walk(wb_, run, plan_);
+        run.howFar = [&walk] { return walk.HowFar(); };
+        outcome = walk.Generate();
+        run.howFar = [text = walk.HowFar()] { return text; };
+        const bool cancelledPersonal = outcome == MergeOutcome::Cancelled && plan_.options.personal;
+        if (!plan_.mailingTable.empty() && !cancelledPersonal && outcome != MergeOutcome::Ended)
+            CreateMailingTable(wb_, run, plan_);
+        RecordRun(walk);
+    }
+    EndWork();
+    return outcome;
+}
+
+void MergeRun::BeginWork() {
     message_.Grid1.SetRedraw(false);
     view_.Grid1.SetRedraw(false);
-    message_.SetRunning(true);
-    dialog_.cmdStart.SetEnabled(false);
-    wb_.state.CancelRequested = false;
     if (const auto shown = view_.Data1.Recordset()) {
         const auto bookmark = shown->GetBookmark();
         if (bookmark.Ok()) savedBookmark_ = *bookmark;
     }
     wb_.platform.windows.SetPointer(MousePointer::Busy);
-    table_ = view_.Data1.CurrentTable();
-    mailingTable_ = MailingTableName(table_, wb_.platform.clock.Now());
 }
 
-/// A table that cannot be opened leaves no recipients and a total of 0.
-void MergeRun::OpenRecipients() {
+/// False when there is nobody to write to, which has been told.
+bool MergeRun::MakePlan() {
     ShowPreparing(wb_, AccessingRecords);
     ShowPanel(AccessingRecords);
-    database_ = view_.Data1.Database();
-    if (database_) {
-        const auto opened = database_->OpenRecordset(dialog_.RecipientsSource(table_));
-        if (opened.Ok()) recipients_ = *opened;
-    }
-    if (recipients_) total_ = recipients_->RecordCount();
+    plan_ = OpenMergePlan(wb_, dialog_.Options());
     EndPreparing(wb_);
-}
-
-bool MergeRun::Narrow() {
-    if (recipients_ && dialog_.chkDate.Checked() && !NarrowByDate()) return false;
-    if (recipients_ && dialog_.chkFractional.Checked() && !NarrowByRows()) return false;
-    if (total_ == 0)
+    const bool byDates = plan_.recipients && plan_.options.dates;
+    if (byDates || plan_.options.rows) ShowPanel(FilteringRecords);
+    NarrowMergePlan(plan_);
+    if (byDates && plan_.total == 0)
+        return RefuseStart(
+            "This message cannot be sent. \r\nChoose another table or select another date range.");
+    if (plan_.total == 0)
         return RefuseStart(
             "This message cannot be sent. You don't have any records.\r\n"
             "Choose another table or select another date range.");
-    return dialog_.IsLoaded();
-}
-
-/// Dates that cannot be compared select nobody, rather than everybody.
-bool MergeRun::NarrowByDate() {
-    ShowPanel(FilteringRecords);
-    recipients_->SetFilter(dialog_.DateFilter());
-    const auto filtered = recipients_->OpenFiltered();
-    recipients_ = filtered.Ok() ? *filtered : nullptr;
-    total_ = recipients_ ? recipients_->RecordCount() : 0;
-    if (total_ > 0) return true;
-    return RefuseStart(
-        "This message cannot be sent. \r\nChoose another table or select another date range.");
-}
-
-bool MergeRun::NarrowByRows() {
-    ShowPanel(FilteringRecords);
-    firstRow_ = dialog_.FirstRow();
-    total_ = dialog_.LastRow() - firstRow_ + 1;
-    SkipRows(firstRow_ - 1);
-    if (total_ >= 1) return true;
-    return RefuseStart(
-        "This message can't be sent. Invalid range of rows for fractional sending: " + RangeText() +
-        "\r\nChoose another table or select another range.");
+    ShowPanel("");
+    return true;
 }
 
 bool MergeRun::RefuseStart(const std::string& text) {
@@ -174,13 +134,67 @@ bool MergeRun::RefuseStart(const std::string& text) {
     return false;
 }
 
-void MergeRun::SkipRows(std::int64_t count) {
-    // A failed step leaves the position past the end, which the next message then meets.
-    recipients_->MoveFirst().Ignore();
-    for (std::int64_t i = 0; i < count && !recipients_->EndOfFile(); ++i) {
-        recipients_->MoveNext().Ignore();
-        YieldBriefly(wb_);
+/// Failures in here are passed over: the messages are made already.
+void MergeRun::EndWork() {
+    if (plan_.recipients) plan_.recipients->Close();
+    if (auto* mail = wb_.forms.Find<frmViewEmail>()) mail->cmdRefresh.Press();
+    if (message_.IsLoaded()) message_.cmdRefresh.Press();
+    message_.Grid1.SetRedraw(true);
+    view_.Grid1.SetRedraw(true);
+    RestoreRow();
+    ShowPanel("");
+    wb_.platform.windows.SetPointer(MousePointer::Normal);
+}
+
+/// The database view stands on the row that it stood on before the run.
+void MergeRun::RestoreRow() {
+    const auto& shown = view_.Data1.Recordset();
+    if (!savedBookmark_ || !shown || shown->SetBookmark(*savedBookmark_).Failed()) return;
+    const auto row = shown->PositionOf(*savedBookmark_);
+    if (row.Ok()) view_.Grid1.SetCurrentRow(*row);
+}
+
+/// For the delivery report. A run that has made nothing is not worth a line of it.
+void MergeRun::RecordRun(const MergeWalk& walk) const {
+    DeliveryRun run;
+    run.began = began_;
+    run.kind = DeliveryRun::Kind::Merge;
+    run.table = ReportText(plan_.table);
+    run.generated = walk.StoredMessages().value_or(0);
+    if (run.generated > 0) RecordDeliveryRun(wb_, projectFolder_, std::move(run));
+}
+
+/// Deletes all of the Outbox, also what was there before the run.
+void MergeRun::AskToDelete() {
+    if (!AskYesNo(wb_,
+                  "Do you want to delete all generated messages from your Outbox e-mail folder?",
+                  BoxIcon::Question, "Delete messages"))
+        return;
+    const BusyPointer busy(wb_);
+    if (wb_.state.MessageStore)
+        if (const auto deleted = wb_.state.MessageStore->Execute("DELETE * FROM [Outbox]");
+            deleted.Failed())
+            Tell(wb_, deleted.Error().description, BoxIcon::Exclamation);
+    if (auto* mail = wb_.forms.Find<frmViewEmail>()) mail->cmdRefresh.Press();
+}
+
+void MergeRun::HandOver() {
+    ShowPreparing(wb_, AccessingMessages);
+    ShowPanel(AccessingMessages);
+    if (wb_.state.MessageStore) {
+        const auto outbox = wb_.state.MessageStore->OpenRecordset(OutboxFolder);
+        if (outbox.Ok()) (*outbox)->Close();
     }
+    EndPreparing(wb_);
+    ShowPanel("");
+    dialog_.Hide();
+    if (!wb_.state.UnattendedRun) ShowModalDialog(wb_, wb_.forms.Get<frmMSGOutbox>());
+    if (wb_.state.SendNowFlag && dialog_.IsLoaded()) {
+        wb_.state.FinalRunStep = true;
+        wb_.forms.Get<frmSettings>().cmdSendEmail.Press();
+        wb_.state.FinalRunStep = false;
+    }
+    dialog_.Unload();
 }
 
 void MergeRun::ShowPanel(const std::string& text) {

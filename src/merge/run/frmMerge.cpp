@@ -6,7 +6,6 @@
 #include "core/MessageBoxes.h"
 #include "core/Running.h"
 #include "core/commands/ToolTable.h"
-#include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "database/view/frmViewDatabase.h"
@@ -26,6 +25,10 @@ std::int64_t RowNumber(const std::string& text) {
     return std::llrint(std::clamp(NumberOf(text), -Most, Most));
 }
 
+bool IsCount(const std::string& text) {
+    return IsNumeric(text) && NumberOf(text) >= 1;
+}
+
 }  // namespace
 
 frmMerge::frmMerge(Workbench& wb) : WorkbenchForm(wb, "frmMerge", "E-mail Merge") {
@@ -40,7 +43,9 @@ void frmMerge::WireControls() {
     cmbField.onClick = [this] { LeaveDateColumn(); };
     txtFractional1.onChange = [this] { CheckRowNumber(txtFractional1); };
     txtFractional2.onChange = [this] { CheckRowNumber(txtFractional2); };
-    cmdStart.onClick = [this] { Start(); };
+    cmdStart.onClick = [this] { MergeRun(wb_, *this).Start(); };
+    cmdCheck.onClick = [this] { ShowMergeCheck(wb_, MakeMergePlan(wb_, Options())); };
+    cmdPreview.onClick = [this] { ShowMergePreview(wb_, MakeMergePlan(wb_, Options())); };
     cmdCancel.onClick = [this] { Cancel(); };
     SSCommand1.onClick = [this] {
         ShowMailServer(wb_);
@@ -136,87 +141,65 @@ void frmMerge::CheckRowNumber(TextBox& field) {
     field.SetText("1");
 }
 
-/// A bracket in the name itself would end it early; without it, no table has that name.
-std::string frmMerge::Bracketed(const std::string& name) {
-    std::string inner = name;
-    std::erase(inner, ']');
-    return "[" + inner + "]";
+std::vector<frmMerge::Doubt> frmMerge::Doubts() {
+    std::vector<Doubt> doubts;
+    if (chkDate.Checked() && !DateColumnChosen())
+        doubts.push_back(
+            {&chkDate, "Your database field '" + cmbField.Text() +
+                           "' is not a date data type field. \r\n"
+                           "You can use this criteria only with date data type fields."});
+    if (chkMax.Checked()) txtMax.SetText(Trim(txtMax.Text()));
+    if (chkFractional.Checked())
+        for (TextBox* field : {&txtFractional1, &txtFractional2})
+            field->SetText(Trim(field->Text()));
+    if (chkMax.Checked() && !IsCount(txtMax.Text()))
+        doubts.push_back(
+            {&chkMax, "'Maximum number of messages' text box contains invalid value: '" +
+                          txtMax.Text() + "'."});
+    const std::string first = txtFractional1.Text();
+    const std::string last = txtFractional2.Text();
+    const bool range = IsCount(first) && IsCount(last) && NumberOf(first) <= NumberOf(last);
+    if (chkFractional.Checked() && !range)
+        doubts.push_back({&chkFractional, "Invalid range of rows for fractional sending: 'from " +
+                                              first + " to " + last + "'."});
+    return doubts;
 }
 
-std::string frmMerge::RecipientsSource(const std::string& table) const {
-    if (!chkMax.Checked()) return table;
-    const std::string all = Bracketed(table);
-    return "SELECT TOP " + std::to_string(RowNumber(txtMax.Text())) + " " + all + ".* FROM " + all +
-           ";";
+bool frmMerge::PacketSizeMakesSense() const {
+    return IsCount(txtPacket.Text());
 }
 
-std::string frmMerge::DateFilter() const {
-    return Bracketed(cmbField.Text()) + " BETWEEN #" + Date1.Value().GeneralDate() + "# And #" +
-           Date2.Value().GeneralDate() + "#";
+MergeOptions frmMerge::Options() {
+    const std::vector<Doubt> doubts = Doubts();
+    const auto counts = [&doubts](const CheckBox& option) {
+        return option.Checked() &&
+               std::ranges::find(doubts, &option, &Doubt::option) == doubts.end();
+    };
+    MergeOptions options;
+    options.personal = optPersonal.IsSet();
+    if (counts(chkMax)) options.maximum = RowNumber(txtMax.Text());
+    if (counts(chkDate))
+        options.dates = MergeOptions::Dates{cmbField.Text(), Date1.Value(), Date2.Value()};
+    if (counts(chkFractional))
+        options.rows =
+            MergeOptions::Rows{RowNumber(txtFractional1.Text()), RowNumber(txtFractional2.Text())};
+    txtPacket.SetText(Trim(txtPacket.Text()));
+    options.packetSize =
+        NumberOf(PacketSizeMakesSense() ? txtPacket.Text() : MergeOptions::UsualPacketSize);
+    options.bulkTo = txtTo.Text();
+    options.addressColumn = cmbEmail.Text();
+    options.mailingTable = chkCreate.Checked();
+    return options;
 }
 
-std::int64_t frmMerge::FirstRow() const {
-    return RowNumber(txtFractional1.Text());
+/// A run that works on the dialog's message is ended first.
+bool frmMerge::OnQueryUnload() {
+    return MayUnload(wb_, *this, Holds::Message);
 }
 
-std::int64_t frmMerge::LastRow() const {
-    return RowNumber(txtFractional2.Text());
-}
-
-/// The rows of the run as the options stand now; options that the run would ask about count as far
-/// as they make sense.
-MergeRows frmMerge::NarrowedRows() const {
-    const DataControl& shown = wb_.forms.Get<frmViewDatabase>().Data1;
-    MergeRows rows;
-    if (!shown.Database()) return rows;
-    rows.recipients =
-        shown.Database()->OpenRecordset(RecipientsSource(shown.CurrentTable())).ValueOr(nullptr);
-    if (rows.recipients && chkDate.Checked() && DateColumnChosen()) {
-        rows.recipients->SetFilter(DateFilter());
-        rows.recipients = rows.recipients->OpenFiltered().ValueOr(nullptr);
-    }
-    if (!rows.recipients) return rows;
-    const std::int64_t all = rows.recipients->RecordCount();
-    const std::int64_t first =
-        chkFractional.Checked() ? std::clamp<std::int64_t>(FirstRow() - 1, 0, all) : 0;
-    const std::int64_t end =
-        chkFractional.Checked() ? std::clamp<std::int64_t>(LastRow(), first, all) : all;
-    rows.first = static_cast<std::size_t>(first);
-    rows.count = static_cast<std::size_t>(end - first);
-    return rows;
-}
-
-void frmMerge::Check() {
-    MergeParts parts = PartsOf(wb_.forms.Get<frmViewMerge>());
-    if (optBulk.IsSet()) parts.addressColumn = cmbEmail.Text();
-    ShowMergeCheck(wb_, parts, NarrowedRows());
-}
-
-/// A packet size that the run would ask about counts as the usual one.
-void frmMerge::Preview() {
-    MergePlan plan;
-    plan.rows = NarrowedRows();
-    plan.addressing = {optPersonal.IsSet(), wb_.forms.Get<frmViewMerge>().txtTo.Text(),
-                       txtTo.Text()};
-    plan.bulkColumn = cmbEmail.Text();
-    const std::string size = Trim(txtPacket.Text());
-    const bool makesSense = IsNumeric(size) && NumberOf(size) >= 1;
-    plan.packetSize = NumberOf(makesSense ? size : UsualPacketSize);
-    ShowMergePreview(wb_, std::move(plan));
-}
-
-void frmMerge::Start() {
-    if (running_) return;
-    running_ = true;
-    MergeRun(wb_, *this).Start();
-    running_ = false;
-}
-
-/// While messages are made the run ends itself at the next one; otherwise there is nothing to end.
+/// A run ends itself at its next step; otherwise there is nothing to end.
 void frmMerge::Cancel() {
-    const auto* status = wb_.forms.Find<frmStatus>();
-    if (status && status->Window.IsOpen() &&
-        ContainsText(status->lblCaption1.Text(), "Generating message"))
+    if (wb_.runs.Holder(Holds::Message))
         wb_.state.CancelRequested = true;
     else
         Unload();

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "core/Workbench.h"
-#include "merge/check/MergeCheck.h"
+#include "merge/run/MergePlan.h"
 
 namespace mailvane {
 
@@ -14,13 +14,11 @@ class frmMerge final : public WorkbenchForm {
 public:
     explicit frmMerge(Workbench& wb);
 
-    static constexpr const char* UsualPacketSize = "19";  ///< addresses in a bulk message
-
     Label Label1{*this, "Label1"};
     Label Label2{*this, "Label2"};
     OptionButton optPersonal{*this, "optPersonal", true};
     OptionButton optBulk{*this, "optBulk"};
-    TextBox txtPacket{*this, "txtPacket", UsualPacketSize};
+    TextBox txtPacket{*this, "txtPacket", MergeOptions::UsualPacketSize};
     TextBox txtTo{*this, "txtTo", "recipients@example.com"};
     ComboBox cmbEmail{*this, "cmbEmail"};
     CheckBox chkCreate{*this, "chkCreate"};
@@ -44,25 +42,25 @@ public:
     Button cmdText{*this, "cmdText"};
     Button cmdClean{*this, "cmdClean"};
     Button cmdStart{*this, "cmdStart"};
-    Button cmdPreview{*this, "cmdPreview", [this] { Preview(); }};
-    Button cmdCheck{*this, "cmdCheck", [this] { Check(); }};
+    Button cmdPreview{*this, "cmdPreview"};
+    Button cmdCheck{*this, "cmdCheck"};
     Button cmdCancel{*this, "cmdCancel"};
     Button SSCommand2{*this, "SSCommand2"};
 
-    /// What the run opens of a table: its name, or a query of its first rows by chkMax.
-    std::string RecipientsSource(const std::string& table) const;
-    /// A name in the brackets that statements want.
-    static std::string Bracketed(const std::string& name);
-    std::string DateFilter() const;  ///< the condition on those rows by chkDate
-    // The rows of chkFractional, counted from 1.
-    std::int64_t FirstRow() const;
-    std::int64_t LastRow() const;
-    /// The column chosen in cmbField holds dates.
-    bool DateColumnChosen() const;
-    void OnCloseBox() override { Cancel(); }
+    /// An option that is chosen and makes no sense, with what the run asks about it.
+    struct Doubt {
+        CheckBox* option;
+        std::string text;
+    };
+    /// In the order in which the run asks. Blanks around the numbers are taken away.
+    std::vector<Doubt> Doubts();
+    bool PacketSizeMakesSense() const;
+    /// What is chosen, but for the options in doubt; a packet size in doubt is the usual one.
+    MergeOptions Options();
 
 protected:
     void OnLoad() override;
+    bool OnQueryUnload() override;
 
 private:
     void WireControls();
@@ -71,15 +69,11 @@ private:
     void CopySettings();
     void EnableBulkFields();
     void CopyServerChoice();
+    bool DateColumnChosen() const;
     void CheckDateColumn();
     void LeaveDateColumn();
     void CheckRowNumber(TextBox& field);
-    void Start();
-    void Check();
-    void Preview();
-    MergeRows NarrowedRows() const;
     void Cancel();
-    bool running_ = false;
 };
 
 }  // namespace mailvane

@@ -2,6 +2,7 @@
 
 #include "core/Paths.h"
 #include "core/text/Text.h"
+#include "merge/tags/FieldTags.h"
 #include "platform/net/http/HttpRequest.h"
 
 namespace mailvane {
@@ -56,26 +57,34 @@ std::string CgiTagEntry(const CgiTagRecord& tag) {
                               : " CGI script and do not include results.");
 }
 
-std::string CgiTag::FindCgiTag(const Workbench& wb, const MessageRecord& record) {
+std::string CgiTag::FindCgiTag(const MessageRecord& record) {
     auto number = FirstTagNumber(record.Body, CgiTagKind);
     if (!number) number = FirstTagNumber(record.HTMLCode, CgiTagKind);
     if (!number) return NoExecuteTag;
-    record_ = LoadCgiTag(wb, *number, MissingFile);
+    record_ = LoadCgiTag(setting_.wb, *number, setting_.missingFile);
     return *number;
 }
 
-void CgiTag::FillIn(const TagList& fieldTags, const TagList::ValueOf& valueOf) {
-    std::string encoded;
-    fieldTags.Replace(record_.QueryString, [&](std::size_t field) -> const std::string* {
-        const std::string* value = valueOf(field);
-        if (value == nullptr) return nullptr;
-        encoded = UrlEncode(*value);
-        return &encoded;
-    });
+void CgiTag::Find(MessageRecord& message) {
+    if (FindCgiTag(message) != NoExecuteTag) found_ = true;
 }
 
-void CgiTag::Call(Workbench& wb, const std::function<bool()>& keepWaiting) const {
-    ShowTagStatus(wb, "Executing CGI script...");
+bool CgiTag::FillIn(MessageRecord&, const TagList::ValueOf* row) {
+    if (!row || !found_) return true;
+    ValuesWithoutNul values(*row);
+    std::string encoded;
+    return setting_.columns.Replace(record_.QueryString,
+                                    [&](std::size_t column) -> const std::string* {
+                                        const std::string* value = values(column);
+                                        if (value == nullptr) return nullptr;
+                                        encoded = UrlEncode(*value);
+                                        return &encoded;
+                                    });
+}
+
+void CgiTag::Run(const std::function<bool()>& keepWaiting) const {
+    if (!found_) return;
+    ShowTagStatus(setting_.wb, "Executing CGI script...");
     HttpRequest request;
     request.url = record_.ScriptUrl;
     request.method = MethodOf(record_.RequestMethod);
@@ -84,9 +93,17 @@ void CgiTag::Call(Workbench& wb, const std::function<bool()>& keepWaiting) const
     const HttpAnswer answer = SendHttpRequest(request, keepWaiting);
     // Nobody reads the file on the way, and the message goes out without it too.
     if (answer.error.Ok())
-        WriteFileText(
-            record_.SaveResult ? record_.ResultFile : wb.platform.programFolder + UnsavedResultFile,
-            answer.content);
+        WriteFileText(record_.SaveResult ? record_.ResultFile
+                                         : setting_.wb.platform.programFolder + UnsavedResultFile,
+                      answer.content);
+}
+
+std::string CgiTag::Objection(const std::string& text) const {
+    const auto number = FirstTagNumber(text, CgiTagKind);
+    if (!number) return {};
+    const CgiTagRecord record = LoadCgiTag(setting_.wb, *number, MissingTagFile::Leave);
+    if (!record.ScriptUrl.empty()) return {};
+    return "The tag " + ExecuteTagText(CgiTagKind, *number) + " has no script";
 }
 
 }  // namespace mailvane

@@ -5,9 +5,7 @@
 #include <string>
 
 #include "core/Workbench.h"
-#include "merge/tags/ExecuteTag.h"
-#include "merge/tags/TagList.h"
-#include "store/MessageRecord.h"
+#include "merge/tags/MessageTag.h"
 
 namespace mailvane {
 
@@ -34,23 +32,29 @@ bool SaveCgiTag(const Workbench& wb, const CgiTagRecord& tag);
 /// "3. execute count.pl CGI script and include results."
 std::string CgiTagEntry(const CgiTagRecord& tag);
 
-/// A script on its way to be called for a message.
-class CgiTag {
+/// A script on its way to be called for a message. Once one was found, every later message calls
+/// the one found last.
+class CgiTag final : public MessageTag {
 public:
+    explicit CgiTag(const TagSetting& setting) : setting_(setting) {}
+
     /// The number of the first tag in Body, else of the first in HTMLCode, else NoExecuteTag. Its
     /// record is kept.
-    std::string FindCgiTag(const Workbench& wb, const MessageRecord& record);
-    /// Fills field tags in, with the values encoded for a URL.
-    void FillIn(const TagList& fieldTags, const TagList::ValueOf& valueOf);
-    /// Sends the request and writes what comes back to the result file, or to one in the program's
-    /// folder. Waits for the answer, for the end of the request's own time-outs, or until
-    /// `keepWaiting`, which is called all the time, says no. A script that does not answer is
-    /// passed over.
-    void Call(Workbench& wb, const std::function<bool()>& keepWaiting) const;
+    std::string FindCgiTag(const MessageRecord& record);
 
-    MissingTagFile MissingFile = MissingTagFile::Make;  ///< of the records that are looked for
+    void Find(MessageRecord& message) override;
+    /// With the values encoded for a URL.
+    bool FillIn(MessageRecord& message, const TagList::ValueOf* row) override;
+    bool HasToRun() const override { return found_; }
+    /// Sends the request and writes what comes back to the result file, or to one in the program's
+    /// folder. Waits for the answer, or for the end of the request's own time-outs. A script that
+    /// does not answer is passed over.
+    void Run(const std::function<bool()>& keepWaiting) const override;
+    std::string Objection(const std::string& text) const override;
 
 private:
+    TagSetting setting_;
+    bool found_ = false;
     CgiTagRecord record_;
 };
 

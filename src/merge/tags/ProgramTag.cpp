@@ -6,6 +6,7 @@
 #include "core/Paths.h"
 #include "core/Running.h"
 #include "core/text/Text.h"
+#include "merge/tags/FieldTags.h"
 
 namespace mailvane {
 
@@ -63,17 +64,21 @@ std::string ProgramTagEntry(const ProgramTagRecord& tag) {
            (tag.IncludeResult ? " and include results." : " and do not include results.");
 }
 
-std::string ProgramTag::FindProgramTag(const Workbench& wb, MessageRecord& record) {
+std::string ProgramTag::FindProgramTag(MessageRecord& record) {
     std::string number;
-    if (Take(wb, record.Body, number) || Take(wb, record.HTMLCode, number)) return number;
+    if (Take(record.Body, number) || Take(record.HTMLCode, number)) return number;
     return NoExecuteTag;
 }
 
-bool ProgramTag::Take(const Workbench& wb, std::string& text, std::string& number) {
+void ProgramTag::Find(MessageRecord& message) {
+    if (FindProgramTag(message) != NoExecuteTag) found_ = true;
+}
+
+bool ProgramTag::Take(std::string& text, std::string& number) {
     const auto found = FirstTagNumber(text, ProgramTagKind);
     if (!found) return false;
     number = *found;
-    record_ = LoadProgramTag(wb, number, MissingFile);
+    record_ = LoadProgramTag(setting_.wb, number, setting_.missingFile);
     arguments_.reset();
     if (FileExists(record_.ProgramPath)) return true;
     text = ReplaceText(text, ExecuteTagText(ProgramTagKind, number), "");
@@ -81,21 +86,27 @@ bool ProgramTag::Take(const Workbench& wb, std::string& text, std::string& numbe
 }
 
 /// A field tag is one piece also where its name has blanks or quotes.
-void ProgramTag::FillIn(const TagList& fieldTags, const TagList::ValueOf& valueOf) {
+bool ProgramTag::FillIn(MessageRecord&, const TagList::ValueOf* row) {
+    if (!row || !found_) return true;
+    const TagList& columns = setting_.columns;
     if (!arguments_) {
         const std::string& line = record_.CommandLine;
         arguments_ = SplitCommandLine(
-            line, [&](std::size_t position) { return fieldTags.TagLengthAt(line, position); });
+            line, [&](std::size_t position) { return columns.TagLengthAt(line, position); });
     }
-    for (std::string& argument : *arguments_)
-        fieldTags.Replace(argument, valueOf);
+    ValuesWithoutNul values(*row);
+    return std::ranges::all_of(*arguments_, [&](std::string& argument) {
+        return columns.Replace(argument, std::ref(values));
+    });
 }
 
 std::vector<std::string> ProgramTag::Arguments() const {
     return arguments_ ? *arguments_ : SplitCommandLine(record_.CommandLine);
 }
 
-void ProgramTag::Run(Workbench& wb, const std::function<bool()>& keepWaiting) const {
+void ProgramTag::Run(const std::function<bool()>& keepWaiting) const {
+    if (!found_) return;
+    Workbench& wb = setting_.wb;
     std::vector<std::string> commandLine = Arguments();
     commandLine.insert(commandLine.begin(), record_.ProgramPath);
     if (record_.WaitForExit) {
@@ -109,6 +120,14 @@ void ProgramTag::Run(Workbench& wb, const std::function<bool()>& keepWaiting) co
     }
     ShowTagStatus(wb, "Executing program " +
                           FileNameFromPath(record_.ProgramPath, PathSeparator, true) + "...");
+}
+
+std::string ProgramTag::Objection(const std::string& text) const {
+    const auto number = FirstTagNumber(text, ProgramTagKind);
+    if (!number) return {};
+    const ProgramTagRecord record = LoadProgramTag(setting_.wb, *number, MissingTagFile::Leave);
+    if (FileExists(record.ProgramPath)) return {};
+    return "The program of the tag " + ExecuteTagText(ProgramTagKind, *number) + " is not there";
 }
 
 }  // namespace mailvane

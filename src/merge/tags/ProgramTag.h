@@ -7,9 +7,7 @@
 #include <vector>
 
 #include "core/Workbench.h"
-#include "merge/tags/ExecuteTag.h"
-#include "merge/tags/TagList.h"
-#include "store/MessageRecord.h"
+#include "merge/tags/MessageTag.h"
 
 namespace mailvane {
 
@@ -36,24 +34,31 @@ bool SaveProgramTag(const Workbench& wb, const ProgramTagRecord& tag);
 /// "3. execute lookup.sh and include results."
 std::string ProgramTagEntry(const ProgramTagRecord& tag);
 
-/// A program on its way to be run for a message.
-class ProgramTag {
+/// A program on its way to be run for a message. Once one was found, every later message runs the
+/// one found last.
+class ProgramTag final : public MessageTag {
 public:
+    explicit ProgramTag(const TagSetting& setting) : setting_(setting) {}
+
     /// Looks for the first tag in Body, then in HTMLCode. The number of the one whose program is
     /// there, or NoExecuteTag; a tag whose program is missing is taken out of its text. The record
     /// found last is kept.
-    std::string FindProgramTag(const Workbench& wb, MessageRecord& record);
-    /// Fills field tags in, inside each argument: a value never becomes a second argument.
-    void FillIn(const TagList& fieldTags, const TagList::ValueOf& valueOf);
-    /// Starts the program, and waits as its record says, or until `keepWaiting`, which is called
-    /// all the time, says no; it runs on then. A program that cannot be started is passed over.
-    void Run(Workbench& wb, const std::function<bool()>& keepWaiting) const;
+    std::string FindProgramTag(MessageRecord& record);
 
-    MissingTagFile MissingFile = MissingTagFile::Make;  ///< of the records that are looked for
+    void Find(MessageRecord& message) override;
+    /// Inside each argument of the command line: a value never becomes a second one.
+    bool FillIn(MessageRecord& message, const TagList::ValueOf* row) override;
+    bool HasToRun() const override { return found_; }
+    /// Starts the program, and waits as its record says; it runs on when that was ended. A program
+    /// that cannot be started is passed over.
+    void Run(const std::function<bool()>& keepWaiting) const override;
+    std::string Objection(const std::string& text) const override;
 
 private:
-    bool Take(const Workbench& wb, std::string& text, std::string& number);
+    bool Take(std::string& text, std::string& number);
     std::vector<std::string> Arguments() const;
+    TagSetting setting_;
+    bool found_ = false;
     ProgramTagRecord record_;
     std::optional<std::vector<std::string>> arguments_;  ///< empty: CommandLine as it stands
 };

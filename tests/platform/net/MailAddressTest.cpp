@@ -55,13 +55,28 @@ TEST(MailAddress, WhatIsAMailbox) {
         "a@[IPv6:::1]", "ž@š.si",       std::string(64, 'a') + "@" + std::string(255, 'x')};
     for (const std::string& address : mailboxes)
         EXPECT_TRUE(IsMailbox(address)) << address;
-    const std::vector<std::string> others = {
-        "",           "Ann a@x",  "a@x NOTIFY=NEVER",
-        "a@x>",       "a@xb@y",   "a@x\t",
-        "a@x\x7F",    "a\0@x"s,   "\"a@x",
-        "\"a\"x",     "\"a\"b@x", "a@[x> SIZE=1]",
-        "a@[x]y@[z]", "a@x:25",   "(a)@x",
-        "a\\@x",      "\xC5@x",   std::string(64, 'a') + "@" + std::string(256, 'x')};
+    const std::vector<std::string> others = {"",
+                                             "Ann a@x",
+                                             "a@x NOTIFY=NEVER",
+                                             "a@x>",
+                                             "a@xb@y",
+                                             "a@x\t",
+                                             "a@x\x7F",
+                                             "a\0@x"s,
+                                             "\"a@x",
+                                             "\"a\"x",
+                                             "\"a\"b@x",
+                                             "a@[x> SIZE=1]",
+                                             "a@[x]y@[z]",
+                                             "a@x:25",
+                                             "(a)@x",
+                                             "a\\@x",
+                                             "@x",
+                                             "a@",
+                                             "a@.x",
+                                             "a@x..y",
+                                             "\xC5@x",
+                                             std::string(64, 'a') + "@" + std::string(256, 'x')};
     for (const std::string& address : others)
         EXPECT_FALSE(IsMailbox(address)) << address;
 }

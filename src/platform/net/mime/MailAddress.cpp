@@ -162,6 +162,11 @@ bool IsMailbox(std::string_view address) {
     std::string_view domain = address.substr(std::min(at + 1, address.size()));
     const bool literal = domain.size() > 2 && domain.front() == '[' && domain.back() == ']';
     if (literal) domain = domain.substr(1, domain.size() - 2);
+    const bool named = at < address.size();
+    const bool nobody = named && at == 0 && quoted == 0;
+    const bool emptyPart =
+        domain.empty() || domain.front() == '.' || domain.find("..") != std::string_view::npos;
+    if (nobody || (named && emptyPart)) return false;
     return HasNone(address.substr(0, at), MailSpecials) && HasNone(domain, MailSpecials) &&
            (literal || HasNone(domain, ":"));
 }

@@ -13,8 +13,8 @@ namespace mailvane {
 std::vector<std::string> AddressesOf(std::string_view list);
 
 /// False for what is no mailbox to any server (RFC 5321 section 4.1.2, read generously): blanks,
-/// control characters and brackets outside quotes, a second at sign, more than 320 bytes. A local
-/// name without a domain is one.
+/// control characters and brackets outside quotes, a second at sign, a domain with an empty part,
+/// more than 320 bytes. A local name without a domain is one.
 bool IsMailbox(std::string_view address);
 
 /// A header value fit for the wire: CR, LF and NUL removed, text outside ASCII as encoded words in

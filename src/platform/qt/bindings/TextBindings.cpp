@@ -177,6 +177,23 @@ QString DocumentText(const QTextDocument& document) {
     return text;
 }
 
+/// A line without an end takes the widget minutes to lay out. What is only read is broken.
+QString WithShorterLines(const QString& text) {
+    constexpr int Longest = 10000;
+    QString broken;
+    int length = 0;
+    for (const QChar sign : text) {
+        length = sign == QLatin1Char('\n') ? 0 : length + 1;
+        // Not between the two halves of one letter.
+        if (length > Longest && !sign.isLowSurrogate()) {
+            broken += QLatin1Char('\n');
+            length = 1;
+        }
+        broken += sign;
+    }
+    return broken;
+}
+
 /// Several lines; `Edit` is QPlainTextEdit or QTextEdit.
 template <class Edit>
 class DocumentBinding : public ControlBinding {
@@ -200,7 +217,8 @@ public:
 private:
     void Show(Property property) override {
         if (property == Property::Text) {
-            const QString text = ToWidgetText(control_.Text());
+            QString text = ToWidgetText(control_.Text());
+            if (edit_.isReadOnly()) text = WithShorterLines(text);
             if (text == DocumentText(*edit_.document())) return;
             ShowText(text);
             ShowSelection();
