@@ -166,7 +166,9 @@ TEST_F(ViewCommands, ClosingTheViewInTheMiddleOfADeletion) {
     Fill(10);
     Select({9, 8, 7, 6});
     const Subscription yields = bench.windows.yielded.Observe([this] {
-        if (bench.wb.forms.Get<frmStatus>().Progress1.Value() == 2) EXPECT_FALSE(view->Unload());
+        if (bench.wb.forms.Get<frmStatus>().Progress1.Value() == 2) {
+            EXPECT_FALSE(view->Unload());
+        }
     });
     AnswerBox(BoxAnswer::Ok, "Deleting records was ended early: 2 of 4 records are deleted.");
     view->cmdDeleteSelectedNoStatus.Press();
