@@ -25,6 +25,7 @@ void Runs::EndThen(Holds what, std::function<void()> next, HowFar telling) {
 
 void Runs::Wait(Waiting waiting) {
     const Holds what = waiting.what;
+    const HowFar telling = waiting.telling;
     waiting_.push_back(std::move(waiting));
     const auto present = underWay_;
     for (LongRun* run : present)
