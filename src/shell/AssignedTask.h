@@ -4,7 +4,6 @@
 #include <string>
 
 #include "core/Workbench.h"
-#include "core/records/RecordFile.h"
 
 namespace mailvane {
 
@@ -18,19 +17,32 @@ struct AssignedTask {
     std::string LastDate;  ///< "m/d/yyyy"
     std::string KeptTexts[3];
     std::int32_t KeptNumbers[3] = {};
-    bool CloseWhenDone = false;
-    bool Minimised = false;
+    std::int16_t CloseWhenDone = 0;  ///< flags: 1 when set
+    std::int16_t Minimised = 0;
     std::string Connection;  ///< name of the dial-up entry
-    bool DialFirst = false;
-    bool HangUpAfter = false;
+    std::int16_t DialFirst = 0;
+    std::int16_t HangUpAfter = 0;
+
+    static void Fields(auto& record, auto&& field) {
+        field(record.KeptNumber);
+        field(record.Project);
+        field(record.LastRun);
+        field(record.LastTime);
+        field(record.LastDate);
+        for (auto& text : record.KeptTexts)
+            field(text);
+        for (auto& number : record.KeptNumbers)
+            field(number);
+        field(record.CloseWhenDone);
+        field(record.Minimised);
+        field(record.Connection);
+        field(record.DialFirst);
+        field(record.HangUpAfter);
+    }
 
     /// The record is written back after each start, what was kept unchanged.
     void NoteStart(DateTime now);
 };
-
-/// False when the file is missing or short.
-bool LoadTask(const std::string& path, AssignedTask& task);
-bool SaveTask(const std::string& path, const AssignedTask& task);
 
 /// The task file that a command line "\SHC NAME" names; "" for any other line, and when there is no
 /// such file.

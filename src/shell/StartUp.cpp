@@ -12,6 +12,7 @@
 #include "core/project/frmProjectDialog.h"
 #include "core/project/frmProjectWizard.h"
 #include "core/project/frmWelcome.h"
+#include "core/records/RecordFile.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmOptions.h"
 #include "core/settings/frmSettings.h"
@@ -162,9 +163,9 @@ void frmMain::TellInterruptedMerge(bool box) {
 void frmMain::OpenAssignedTask(const std::string& path) {
     SetPanel("Opening assigned task...");
     AssignedTask task;
-    if (LoadTask(path, task)) {
+    if (LoadRecordFile(path, task)) {
         task.NoteStart(wb_.platform.clock.Now());
-        SaveTask(path, task);
+        SaveRecordFile(path, task);
     }
     wb_.state.UnattendedRun = true;
     Show();

@@ -29,6 +29,28 @@ struct MessageRecord {
     std::string Status;
     std::int16_t Retries = 0;
     std::int16_t ReplyImportJobNumber = 0;  ///< no column; used inside rule records only
+
+    /// The fields that have a column in a folder, in the order above.
+    static void Columns(auto& record, auto&& column) {
+        column("From", record.From);
+        column("To", record.To);
+        column("Subject", record.Subject);
+        column("Date", record.Date);
+        column("AllHeaders", record.AllHeaders);
+        column("Size", record.Size);
+        column("Body", record.Body);
+        column("Attach", record.Attach);
+        column("CC", record.CC);
+        column("BCC", record.BCC);
+        column("Priority", record.Priority);
+        column("Mailer", record.Mailer);
+        column("ReplyTo", record.ReplyTo);
+        column("ContentType", record.ContentType);
+        column("HTML", record.HTML);
+        column("HTMLCode", record.HTMLCode);
+        column("Status", record.Status);
+        column("Retries", record.Retries);
+    }
 };
 
 /// The row under the recordset's position, column by column; Null reads as "" or 0.

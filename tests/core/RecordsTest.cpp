@@ -9,75 +9,67 @@ namespace {
 
 const DateTime Date = *DateTime::FromParts(2024, 3, 15, 10, 30, 59);
 
-std::string SampleBytes() {
-    RecordWriter writer;
-    writer.Long(-2);
-    writer.Text("ab");
-    writer.Flag(true);
-    writer.Integer(258);
-    writer.Date(Date);
-    return writer.Bytes();
-}
+struct Sample {
+    std::int32_t Number = -2;
+    std::string Text = "ab";
+    bool Flag = true;
+    std::int16_t Short = 258;
+    DateTime When = Date;
 
-TEST(RecordFile, FieldsStandWithoutPadding) {
-    const std::string bytes = SampleBytes();
+    static void Fields(auto& record, auto&& field) {
+        field(record.Number);
+        field(record.Text);
+        field(record.Flag);
+        field(record.Short);
+        field(record.When);
+    }
+    friend bool operator==(const Sample&, const Sample&) = default;
+};
+
+TEST(RecordFile, KeepsFieldsWithoutPaddingAndReadsWhatIsThere) {
+    const test::TempFolder folder;
+    const std::string path = folder.File("1.fl");
+    EXPECT_FALSE(SaveRecordFile(folder.File("none/1.fl"), Sample{}));
+    ASSERT_TRUE(SaveRecordFile(path, Sample{}));
+    const std::string bytes = ReadWholeFile(path).value();
     EXPECT_EQ(bytes.substr(0, 12), std::string("\xFE\xFF\xFF\xFF\x02\0ab\xFF\xFF\x02\x01", 12));
     EXPECT_EQ(bytes.size(), 20u);
-    RecordReader reader(bytes);
-    EXPECT_EQ(reader.Long(), -2);
-    EXPECT_EQ(reader.Text(), "ab");
-    EXPECT_TRUE(reader.Flag());
-    EXPECT_EQ(reader.Integer(), 258);
-    EXPECT_EQ(reader.Date(), Date);
-    EXPECT_TRUE(reader.Complete());
-    EXPECT_EQ(reader.Long(), 0);
-    EXPECT_FALSE(reader.Complete());
+    Sample read{.Number = 0};
+    EXPECT_TRUE(LoadRecordFile(path, read));
+    EXPECT_EQ(read, Sample{});
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        ASSERT_TRUE(WriteWholeFile(path, bytes.substr(0, length)));
+        EXPECT_FALSE(LoadRecordFile(path, read));
+        EXPECT_EQ(read.Number, length < 4 ? 0 : -2);
+        EXPECT_EQ(read.Text, length < 8 ? "" : "ab") << length;
+        EXPECT_EQ(read.When, DateTime());
+    }
+    read = {};
+    EXPECT_FALSE(LoadRecordFile(folder.File("2.fl"), read));
+    EXPECT_EQ(read, (Sample{0, "", false, 0, DateTime()}));
 }
 
-TEST(RecordFile, CutsNoText) {
+TEST(RecordFile, CutsNoTextAndBelievesNoLength) {
+    std::string text;
     for (const std::size_t length : {0u, 1u, 65534u, 65535u, 65536u, 200000u}) {
         RecordWriter writer;
-        writer.Text(std::string(length, 'x'));
-        writer.Text("behind");
+        writer(std::string(length, 'x'));
         RecordReader reader(writer.Bytes());
-        EXPECT_EQ(reader.Text().size(), length);
-        EXPECT_EQ(reader.Text(), "behind") << length;
+        reader(text);
+        EXPECT_EQ(text.size(), length);
+        EXPECT_TRUE(reader.Complete());
     }
-}
-
-TEST(RecordFile, ShortAndHostileBytesReadAsNothing) {
     for (const std::string bytes : {"\xFE\xFFxyz", "\xFF\xFF\xFF\xFF\xFF\xFFxyz", "\xFF\xFF\x01"}) {
         RecordReader reader(bytes);
-        EXPECT_EQ(reader.Text(), "");
-        EXPECT_EQ(reader.Long(), 0);
+        reader(text);
+        EXPECT_EQ(text, "");
         EXPECT_FALSE(reader.Complete());
     }
     RecordReader dates(std::string(8, '\xFF') + std::string("\0\0\0\0\0\0\xF0\x7F", 8));
-    EXPECT_EQ(dates.Date(), DateTime());
-    EXPECT_EQ(dates.Date(), DateTime());
-    const std::string bytes = SampleBytes();
-    for (std::size_t length = 0; length < bytes.size(); ++length) {
-        RecordReader reader(bytes.substr(0, length));
-        EXPECT_EQ(reader.Long(), length < 4 ? 0 : -2);
-        EXPECT_EQ(reader.Text(), length < 8 ? "" : "ab") << length;
-        reader.Flag();
-        reader.Integer();
-        EXPECT_EQ(reader.Date(), DateTime());
-        EXPECT_FALSE(reader.Complete());
+    for (DateTime date = Date; const int count : {1, 2}) {
+        dates(date);
+        EXPECT_EQ(date, DateTime()) << count;
     }
-}
-
-TEST(RecordFile, SavesAndLoadsWholeFiles) {
-    const test::TempFolder folder;
-    const std::string path = folder.File("1.fl");
-    ASSERT_TRUE(SaveRecordFile(path, [](RecordWriter& writer) { writer.Text("t"); }));
-    std::string text;
-    const auto read = [&](RecordReader& reader) { text = reader.Text(); };
-    EXPECT_TRUE(LoadRecordFile(path, read));
-    EXPECT_EQ(text, "t");
-    EXPECT_FALSE(LoadRecordFile(folder.File("2.fl"), read));
-    EXPECT_EQ(text, "");
-    EXPECT_FALSE(SaveRecordFile(folder.File("none/1.fl"), [](RecordWriter&) {}));
 }
 
 TEST(Sifrant, GivesTheTextBack) {

@@ -21,7 +21,7 @@ struct ExecuteTagTest : testing::Test, MergeBench {
         tag.ProgramPath = program;
         tag.CommandLine = commandLine;
         tag.WaitForExit = true;
-        EXPECT_TRUE(SaveProgramTag(wb, tag));
+        EXPECT_TRUE(SaveTag(wb, tag));
         return tag;
     }
     void SaveScript(std::int32_t number, const std::string& url, const std::string& query) {
@@ -31,7 +31,7 @@ struct ExecuteTagTest : testing::Test, MergeBench {
         tag.QueryString = query;
         tag.SaveResult = true;
         tag.ResultFile = folder.File("result");
-        EXPECT_TRUE(SaveCgiTag(wb, tag));
+        EXPECT_TRUE(SaveTag(wb, tag));
     }
     std::vector<MessageRecord> Run() {
         Dialog().cmdStart.Press();
@@ -44,22 +44,22 @@ struct ExecuteTagTest : testing::Test, MergeBench {
 
 TEST_F(ExecuteTagTest, RecordFilesAreTheirFieldsInOrder) {
     const ProgramTagRecord written{258, 1, "/p", "a", true, "r", false, 600, true, "Add"};
-    ASSERT_TRUE(SaveProgramTag(wb, written));
+    ASSERT_TRUE(SaveTag(wb, written));
     const std::string_view programBytes(
         "\2\1\0\0\1\0\0\0\2\0/p\1\0a\xFF\xFF\1\0r\0\0\x58\2\0\0\xFF\xFF\3\0Add", 33);
     EXPECT_EQ(ReadFileText(InProject("pTags/258.ptg")), programBytes);
-    EXPECT_EQ(LoadProgramTag(wb, "258"), written);
+    EXPECT_EQ(LoadTag<ProgramTagRecord>(wb, "258"), written);
 
     const CgiTagRecord script{3, 0, "u", "q", false, true, "r", "f", "Head", "Edit"};
-    ASSERT_TRUE(SaveCgiTag(wb, script));
+    ASSERT_TRUE(SaveTag(wb, script));
     const std::string_view scriptBytes(
         "\3\0\0\0\0\0\0\0\1\0u\1\0q\0\0\xFF\xFF\1\0r\1\0f\4\0Head\4\0Edit", 36);
     EXPECT_EQ(ReadFileText(InProject("cTags/3.ctg")), scriptBytes);
-    EXPECT_EQ(LoadCgiTag(wb, "3"), script);
+    EXPECT_EQ(LoadTag<CgiTagRecord>(wb, "3"), script);
 
     WriteFileText(InProject("cTags/3.ctg"), scriptBytes.substr(0, 13));
-    EXPECT_EQ(LoadCgiTag(wb, "3").ScriptUrl, "u");
-    EXPECT_EQ(LoadCgiTag(wb, "3").RequestMethod, "");
+    EXPECT_EQ(LoadTag<CgiTagRecord>(wb, "3").ScriptUrl, "u");
+    EXPECT_EQ(LoadTag<CgiTagRecord>(wb, "3").RequestMethod, "");
 }
 
 TEST_F(ExecuteTagTest, FindsProgramTags) {
@@ -67,7 +67,7 @@ TEST_F(ExecuteTagTest, FindsProgramTags) {
     SaveProgram(12, "");
     auto gone = SaveProgram(4, "");
     gone.ProgramPath = "/nowhere";
-    SaveProgramTag(wb, gone);
+    SaveTag(wb, gone);
     WriteFileText(folder.File("1.ptg"), ReadFileText(InProject("pTags/1.ptg")));
     struct Row {
         const char* name;
@@ -213,7 +213,7 @@ TEST_F(ExecuteTagTest, WaitsForSecondsOrTheEnd) {
         auto tag = SaveProgram(1, row.commandLine);
         tag.WaitForExit = row.waitForExit;
         tag.SecondsToWait = row.seconds;
-        SaveProgramTag(wb, tag);
+        SaveTag(wb, tag);
         processes.ran.clear();
         processes.started.clear();
         processes.opened.clear();
@@ -242,7 +242,7 @@ TEST_F(ExecuteTagTest, CancelEndsTheWait) {
     auto pausing = SaveProgram(2, "");
     pausing.WaitForExit = false;
     pausing.SecondsToWait = 600;
-    SaveProgramTag(wb, pausing);
+    SaveTag(wb, pausing);
     SaveScript(3, "127.0.0.1:" + std::to_string(silent.Port()), "");
     processes.runsOn = true;
     for (const char* tag :
@@ -281,9 +281,9 @@ TEST_F(ExecuteTagTest, ScriptsGetEncodedValues) {
     EXPECT_THAT(shell.panels, testing::Contains("Executing CGI script..."));
     EmptyOutbox();
 
-    auto unsaved = LoadCgiTag(wb, "1");
+    auto unsaved = LoadTag<CgiTagRecord>(wb, "1");
     unsaved.SaveResult = false;
-    SaveCgiTag(wb, unsaved);
+    SaveTag(wb, unsaved);
     Run();
     EXPECT_EQ(ReadFileText(InProgramFolder("tmp.tmp")), "3");
     EmptyOutbox();

@@ -49,7 +49,7 @@ TEST_F(PreviewTest, ShowsInAnyOrderWhatTheRunStores) {
 
 TEST_F(PreviewTest, RunsAndWritesNothing) {
     WriteFileText(folder.File("tool"), "#!/bin/sh\n");
-    ASSERT_TRUE(SaveProgramTag(wb, {.TagNumber = 1, .ProgramPath = folder.File("tool")}));
+    ASSERT_TRUE(SaveTag(wb, ProgramTagRecord{.TagNumber = 1, .ProgramPath = folder.File("tool")}));
     Message("##Execute Program 1## ##Execute CGI 3##", "##Execute Program 2##");
     MergePreview preview(wb, Plan());
     EXPECT_EQ(preview.Message(0)->Body, "##Execute Program 1## ##Execute CGI 3##\r\n-- \r\nMe");

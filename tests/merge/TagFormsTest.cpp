@@ -53,8 +53,8 @@ TEST_F(TagFormsTest, ProgramsAreAddedEditedAndRemoved) {
     EXPECT_EQ(ReadFileText(InProject("pTags.dat")),
               "1. execute look up.sh and do not include results.\r\n"
               "2. execute look up.sh and include results.\r\n");
-    EXPECT_EQ(LoadProgramTag(wb, "1").CommandLine, "a [Email]");
-    const auto tag = LoadProgramTag(wb, "2");
+    EXPECT_EQ(LoadTag<ProgramTagRecord>(wb, "1").CommandLine, "a [Email]");
+    const auto tag = LoadTag<ProgramTagRecord>(wb, "2");
     EXPECT_EQ(tag, (ProgramTagRecord{.TagNumber = 2,
                                      .ProgramPath = program,
                                      .IncludeResult = true,
@@ -76,15 +76,15 @@ TEST_F(TagFormsTest, ProgramsAreAddedEditedAndRemoved) {
     });
     list.lbxTags.PressEdit();
     EXPECT_EQ(list.lbxTags.Items()[1], "2. execute look up.sh and do not include results.");
-    EXPECT_EQ(LoadProgramTag(wb, "2").SecondsToWait, 0);
-    EXPECT_EQ(LoadProgramTag(wb, "2").TagListIndex, 1);
-    EXPECT_EQ(LoadProgramTag(wb, "2").EditMode, "Edit");
+    EXPECT_EQ(LoadTag<ProgramTagRecord>(wb, "2").SecondsToWait, 0);
+    EXPECT_EQ(LoadTag<ProgramTagRecord>(wb, "2").TagListIndex, 1);
+    EXPECT_EQ(LoadTag<ProgramTagRecord>(wb, "2").EditMode, "Edit");
 
     list.lbxTags.PressDelete();
     EXPECT_TRUE(FileExists(InProject("pTags/2.ptg"))) << "a message may still name it";
     AddProgram([](auto&) {});
     EXPECT_EQ(list.lbxTags.Items()[1].substr(0, 3), "2. ") << "the number is given out again";
-    EXPECT_FALSE(LoadProgramTag(wb, "2").IncludeResult);
+    EXPECT_FALSE(LoadTag<ProgramTagRecord>(wb, "2").IncludeResult);
 }
 
 TEST_F(TagFormsTest, EnablesWhatCountsOnly) {
@@ -152,18 +152,18 @@ TEST_F(TagFormsTest, ScriptsKeepTheirRequest) {
         editor.optHEAD.SetByUser("1");
         editor.chkInclude.SetByUser("1");
     });
-    EXPECT_EQ(LoadCgiTag(wb, "1"), (CgiTagRecord{.TagNumber = 1,
-                                                 .ScriptUrl = "http://x/cgi/count.pl",
-                                                 .QueryString = "?n=[Name]",
-                                                 .IncludeResult = true,
-                                                 .Referer = "r",
-                                                 .RequestMethod = "Head",
-                                                 .EditMode = "Add"}));
+    EXPECT_EQ(LoadTag<CgiTagRecord>(wb, "1"), (CgiTagRecord{.TagNumber = 1,
+                                                            .ScriptUrl = "http://x/cgi/count.pl",
+                                                            .QueryString = "?n=[Name]",
+                                                            .IncludeResult = true,
+                                                            .Referer = "r",
+                                                            .RequestMethod = "Head",
+                                                            .EditMode = "Add"}));
     auto& list = wb.forms.Get<frmTagCGI>();
     EXPECT_EQ(list.lbxTags.Items()[0], "1. execute count.pl CGI script and include results.");
-    auto tag = LoadCgiTag(wb, "1");
+    auto tag = LoadTag<CgiTagRecord>(wb, "1");
     tag.RequestMethod = "POST";
-    SaveCgiTag(wb, tag);
+    SaveTag(wb, tag);
     list.lbxTags.SetByUser("#0");
     Then([this] {
         auto& editor = wb.forms.Get<frmTagCGIAdd>();
@@ -174,7 +174,7 @@ TEST_F(TagFormsTest, ScriptsKeepTheirRequest) {
     list.lbxTags.PressEdit();
     EXPECT_EQ(list.lbxTags.Items()[0],
               "1. execute count.pl CGI script and do not include results.");
-    EXPECT_EQ(LoadCgiTag(wb, "1").RequestMethod, "Post");
+    EXPECT_EQ(LoadTag<CgiTagRecord>(wb, "1").RequestMethod, "Post");
 }
 
 TEST_F(TagFormsTest, ATagGoesInAtTheCaret) {

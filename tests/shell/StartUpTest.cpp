@@ -1,5 +1,6 @@
 #include <filesystem>
 
+#include "core/records/RecordFile.h"
 #include "core/settings/frmOptions.h"
 #include "platform/os/Files.h"
 #include "shell/AssignedTask.h"
@@ -115,21 +116,21 @@ TEST_F(StartUp, TaskOpensItsProjectWithoutQuestions) {
     task.Project = Path("task.poc");
     task.KeptTexts[1] = "kept";
     task.Minimised = true;
-    ASSERT_TRUE(SaveTask(file, task));
+    ASSERT_TRUE(SaveRecordFile(file, task));
     const std::string now = clock.Now().Stamp();
     const frmMain& form = Start("\"\\SHC every day\"", true);
     EXPECT_TRUE(wb.state.UnattendedRun);
     EXPECT_EQ(Sender(), "Task");
     EXPECT_EQ(form.State(), WindowState::Minimized);
     AssignedTask after;
-    ASSERT_TRUE(LoadTask(file, after));
+    ASSERT_TRUE(LoadRecordFile(file, after));
     EXPECT_EQ(after.KeptNumber, 7);
     EXPECT_EQ(after.KeptTexts[1], "kept");
     EXPECT_EQ(after.LastRun, now);
     EXPECT_EQ(after.LastRun.substr(0, after.LastDate.size()), after.LastDate);
     LeaveProgram();
     after.CloseWhenDone = true;
-    ASSERT_TRUE(SaveTask(file, after));
+    ASSERT_TRUE(SaveRecordFile(file, after));
     Start("\\SHC every day", true);
     EXPECT_TRUE(windows.Quitting());
     EXPECT_TRUE(wb.forms.All().empty());

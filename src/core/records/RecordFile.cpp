@@ -2,8 +2,6 @@
 
 #include <bit>
 
-#include "platform/os/Files.h"
-
 namespace mailvane {
 
 namespace {
@@ -15,29 +13,21 @@ void AppendNumber(std::string& bytes, std::uint64_t value, int size) {
         bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
 }
 
-/// 0 when the bytes are missing.
-std::uint64_t NumberIn(const char* bytes, int size) {
-    std::uint64_t value = 0;
-    for (int i = 0; bytes != nullptr && i < size; ++i)
-        value |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (8 * i);
-    return value;
-}
-
 }  // namespace
 
-void RecordWriter::Long(std::int32_t value) {
+void RecordWriter::operator()(std::int32_t value) {
     AppendNumber(bytes_, static_cast<std::uint32_t>(value), 4);
 }
 
-void RecordWriter::Integer(std::int16_t value) {
+void RecordWriter::operator()(std::int16_t value) {
     AppendNumber(bytes_, static_cast<std::uint16_t>(value), 2);
 }
 
-void RecordWriter::Flag(bool value) {
-    Integer(value ? -1 : 0);
+void RecordWriter::operator()(bool value) {
+    AppendNumber(bytes_, value ? 0xFFFF : 0, 2);
 }
 
-void RecordWriter::Text(const std::string& value) {
+void RecordWriter::operator()(const std::string& value) {
     if (value.size() < LongTextMark) {
         AppendNumber(bytes_, value.size(), 2);
     } else {
@@ -47,7 +37,7 @@ void RecordWriter::Text(const std::string& value) {
     bytes_.append(value);
 }
 
-void RecordWriter::Date(DateTime value) {
+void RecordWriter::operator()(DateTime value) {
     AppendNumber(bytes_, std::bit_cast<std::uint64_t>(value.Serial()), 8);
 }
 
@@ -62,40 +52,36 @@ const char* RecordReader::Take(std::size_t count) {
     return taken;
 }
 
-std::int32_t RecordReader::Long() {
-    return static_cast<std::int32_t>(NumberIn(Take(4), 4));
+/// 0 when the bytes are missing.
+std::uint64_t RecordReader::TakeNumber(int size) {
+    const char* bytes = Take(static_cast<std::size_t>(size));
+    std::uint64_t number = 0;
+    for (int i = 0; bytes != nullptr && i < size; ++i)
+        number |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (8 * i);
+    return number;
 }
 
-std::int16_t RecordReader::Integer() {
-    return static_cast<std::int16_t>(NumberIn(Take(2), 2));
+void RecordReader::operator()(std::int32_t& value) {
+    value = static_cast<std::int32_t>(TakeNumber(4));
 }
 
-bool RecordReader::Flag() {
-    return Integer() != 0;
+void RecordReader::operator()(std::int16_t& value) {
+    value = static_cast<std::int16_t>(TakeNumber(2));
 }
 
-std::string RecordReader::Text() {
-    std::uint64_t length = NumberIn(Take(2), 2);
-    if (length == LongTextMark) length = NumberIn(Take(4), 4);
+void RecordReader::operator()(bool& value) {
+    value = TakeNumber(2) != 0;
+}
+
+void RecordReader::operator()(std::string& value) {
+    std::uint64_t length = TakeNumber(2);
+    if (length == LongTextMark) length = TakeNumber(4);
     const char* text = Take(length);
-    return text == nullptr ? std::string() : std::string(text, length);
+    value = text == nullptr ? std::string() : std::string(text, length);
 }
 
-DateTime RecordReader::Date() {
-    return DateTime::FromSerial(std::bit_cast<double>(NumberIn(Take(8), 8)));
-}
-
-bool SaveRecordFile(const std::string& path, const std::function<void(RecordWriter&)>& write) {
-    RecordWriter writer;
-    write(writer);
-    return WriteWholeFile(path, writer.Bytes());
-}
-
-bool LoadRecordFile(const std::string& path, const std::function<void(RecordReader&)>& read) {
-    const std::optional<std::string> bytes = ReadWholeFile(path);
-    RecordReader reader(bytes.value_or(std::string()));
-    read(reader);
-    return bytes.has_value() && reader.Complete();
+void RecordReader::operator()(DateTime& value) {
+    value = DateTime::FromSerial(std::bit_cast<double>(TakeNumber(8)));
 }
 
 }  // namespace mailvane

@@ -18,39 +18,7 @@ HttpMethod MethodOf(const std::string& name) {
 
 }  // namespace
 
-CgiTagRecord LoadCgiTag(const Workbench& wb, const std::string& number, MissingTagFile missing) {
-    CgiTagRecord tag;
-    LoadTagFile(wb, CgiTagKind, number, missing, [&tag](RecordReader& reader) {
-        tag.TagNumber = reader.Long();
-        tag.TagListIndex = reader.Long();
-        tag.ScriptUrl = reader.Text();
-        tag.QueryString = reader.Text();
-        tag.IncludeResult = reader.Flag();
-        tag.SaveResult = reader.Flag();
-        tag.ResultFile = reader.Text();
-        tag.Referer = reader.Text();
-        tag.RequestMethod = reader.Text();
-        tag.EditMode = reader.Text();
-    });
-    return tag;
-}
-
-bool SaveCgiTag(const Workbench& wb, const CgiTagRecord& tag) {
-    return SaveTagFile(wb, CgiTagKind, tag.TagNumber, [&tag](RecordWriter& writer) {
-        writer.Long(tag.TagNumber);
-        writer.Long(tag.TagListIndex);
-        writer.Text(tag.ScriptUrl);
-        writer.Text(tag.QueryString);
-        writer.Flag(tag.IncludeResult);
-        writer.Flag(tag.SaveResult);
-        writer.Text(tag.ResultFile);
-        writer.Text(tag.Referer);
-        writer.Text(tag.RequestMethod);
-        writer.Text(tag.EditMode);
-    });
-}
-
-std::string CgiTagEntry(const CgiTagRecord& tag) {
+std::string TagEntry(const CgiTagRecord& tag) {
     return std::to_string(tag.TagNumber) + ". execute " +
            FileNameFromPath(tag.ScriptUrl, "/", false) +
            (tag.IncludeResult ? " CGI script and include results."
@@ -61,7 +29,7 @@ std::string CgiTag::FindCgiTag(const MessageRecord& record) {
     auto number = FirstTagNumber(record.Body, CgiTagKind);
     if (!number) number = FirstTagNumber(record.HTMLCode, CgiTagKind);
     if (!number) return NoExecuteTag;
-    record_ = LoadCgiTag(setting_.wb, *number, setting_.missingFile);
+    record_ = LoadTag<CgiTagRecord>(setting_.wb, *number, setting_.missingFile);
     return *number;
 }
 
@@ -101,7 +69,7 @@ void CgiTag::Run(const std::function<bool()>& keepWaiting) const {
 std::string CgiTag::Objection(const std::string& text) const {
     const auto number = FirstTagNumber(text, CgiTagKind);
     if (!number) return {};
-    const CgiTagRecord record = LoadCgiTag(setting_.wb, *number, MissingTagFile::Leave);
+    const CgiTagRecord record = LoadTag<CgiTagRecord>(setting_.wb, *number, MissingTagFile::Leave);
     if (!record.ScriptUrl.empty()) return {};
     return "The tag " + ExecuteTagText(CgiTagKind, *number) + " has no script";
 }

@@ -11,6 +11,8 @@ namespace mailvane {
 
 /// A web script that messages call, as its record file holds it.
 struct CgiTagRecord {
+    static constexpr const ExecuteTagKind& Kind = CgiTagKind;
+
     std::int32_t TagNumber = 0;
     std::int32_t TagListIndex = 0;
     std::string ScriptUrl;
@@ -22,15 +24,23 @@ struct CgiTagRecord {
     std::string RequestMethod;  ///< "Get", "Post" or "Head"
     std::string EditMode;       ///< "Add" or "Edit"
 
+    static void Fields(auto& record, auto&& field) {
+        field(record.TagNumber);
+        field(record.TagListIndex);
+        field(record.ScriptUrl);
+        field(record.QueryString);
+        field(record.IncludeResult);
+        field(record.SaveResult);
+        field(record.ResultFile);
+        field(record.Referer);
+        field(record.RequestMethod);
+        field(record.EditMode);
+    }
     friend bool operator==(const CgiTagRecord&, const CgiTagRecord&) = default;
 };
 
-/// An empty record for a number without a file.
-CgiTagRecord LoadCgiTag(const Workbench& wb, const std::string& number,
-                        MissingTagFile missing = MissingTagFile::Make);
-bool SaveCgiTag(const Workbench& wb, const CgiTagRecord& tag);
 /// "3. execute count.pl CGI script and include results."
-std::string CgiTagEntry(const CgiTagRecord& tag);
+std::string TagEntry(const CgiTagRecord& tag);
 
 /// A script on its way to be called for a message. Once one was found, every later message calls
 /// the one found last.

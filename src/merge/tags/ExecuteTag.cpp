@@ -19,10 +19,6 @@ std::string TagFolder(const Workbench& wb, const ExecuteTagKind& kind) {
     return wb.state.ProjectFolder + PathSeparator + kind.folder;
 }
 
-std::string TagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number) {
-    return TagFolder(wb, kind) + PathSeparator + number + kind.extension;
-}
-
 /// The number can come from a text that others wrote.
 bool NamesAFile(const std::string& number) {
     return number.find_first_of(std::string_view("/\\\0", 3)) == std::string::npos;
@@ -72,22 +68,19 @@ std::string TagListFile(const Workbench& wb, const ExecuteTagKind& kind) {
     return wb.state.ProjectFolder + PathSeparator + kind.listFile;
 }
 
-void LoadTagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number,
-                 MissingTagFile missing, const std::function<void(RecordReader&)>& read) {
-    if (!NamesAFile(number)) {
-        RecordReader nothing{std::string()};
-        return read(nothing);
-    }
-    const std::string path = TagFile(wb, kind, number);
-    LoadRecordFile(path, read);
-    if (missing == MissingTagFile::Leave) return;
-    if (FileExists(TagFolder(wb, kind), true) && !FileExists(path)) WriteFileText(path, "");
+std::string TagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number) {
+    if (!NamesAFile(number)) return {};
+    return TagFolder(wb, kind) + PathSeparator + number + kind.extension;
 }
 
-bool SaveTagFile(const Workbench& wb, const ExecuteTagKind& kind, std::int32_t number,
-                 const std::function<void(RecordWriter&)>& write) {
-    return MakeFolders(TagFolder(wb, kind)) &&
-           SaveRecordFile(TagFile(wb, kind, std::to_string(number)), write);
+void MakeTagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number) {
+    const std::string path = TagFile(wb, kind, number);
+    if (path.empty() || FileExists(path) || !FileExists(TagFolder(wb, kind), true)) return;
+    WriteFileText(path, "");
+}
+
+bool MakeTagFolder(const Workbench& wb, const ExecuteTagKind& kind) {
+    return MakeFolders(TagFolder(wb, kind));
 }
 
 void ShowTagStatus(Workbench& wb, const std::string& text) {

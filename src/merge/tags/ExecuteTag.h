@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,13 +43,28 @@ std::string TagListFile(const Workbench& wb, const ExecuteTagKind& kind);
 /// What reading a record does where its file is missing.
 enum class MissingTagFile { Make, Leave };
 
-/// Reads the record of a number; a missing file reads as empty, and an empty one is made when that
-/// is wanted. A number with a path in it names no file.
-void LoadTagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number,
-                 MissingTagFile missing, const std::function<void(RecordReader&)>& read);
+/// Where the record of a number is kept; "" for a number with a path in it, which names no file.
+std::string TagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number);
+/// Makes an empty file where a record is missing, as long as its folder is there.
+void MakeTagFile(const Workbench& wb, const ExecuteTagKind& kind, const std::string& number);
+bool MakeTagFolder(const Workbench& wb, const ExecuteTagKind& kind);
+
+/// The record of a number, as far as it could be read; an empty one where there is no file.
+template <class Tag>
+Tag LoadTag(const Workbench& wb, const std::string& number,
+            MissingTagFile missing = MissingTagFile::Make) {
+    Tag tag;
+    LoadRecordFile(TagFile(wb, Tag::Kind, number), tag);
+    if (missing == MissingTagFile::Make) MakeTagFile(wb, Tag::Kind, number);
+    return tag;
+}
+
 /// Makes the folder when it is missing. False when the file could not be written.
-bool SaveTagFile(const Workbench& wb, const ExecuteTagKind& kind, std::int32_t number,
-                 const std::function<void(RecordWriter&)>& write);
+template <class Tag>
+bool SaveTag(const Workbench& wb, const Tag& tag) {
+    return MakeTagFolder(wb, Tag::Kind) &&
+           SaveRecordFile(TagFile(wb, Tag::Kind, std::to_string(tag.TagNumber)), tag);
+}
 
 /// Shows what runs in the status window, and in the status bar while that window is visible.
 void ShowTagStatus(Workbench& wb, const std::string& text);

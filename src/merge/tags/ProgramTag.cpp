@@ -25,40 +25,7 @@ void Pause(Workbench& wb, std::int32_t seconds, const std::function<bool()>& kee
 
 }  // namespace
 
-ProgramTagRecord LoadProgramTag(const Workbench& wb, const std::string& number,
-                                MissingTagFile missing) {
-    ProgramTagRecord tag;
-    LoadTagFile(wb, ProgramTagKind, number, missing, [&tag](RecordReader& reader) {
-        tag.TagNumber = reader.Long();
-        tag.TagListIndex = reader.Long();
-        tag.ProgramPath = reader.Text();
-        tag.CommandLine = reader.Text();
-        tag.IncludeResult = reader.Flag();
-        tag.ResultFile = reader.Text();
-        tag.DeleteResult = reader.Flag();
-        tag.SecondsToWait = reader.Long();
-        tag.WaitForExit = reader.Flag();
-        tag.EditMode = reader.Text();
-    });
-    return tag;
-}
-
-bool SaveProgramTag(const Workbench& wb, const ProgramTagRecord& tag) {
-    return SaveTagFile(wb, ProgramTagKind, tag.TagNumber, [&tag](RecordWriter& writer) {
-        writer.Long(tag.TagNumber);
-        writer.Long(tag.TagListIndex);
-        writer.Text(tag.ProgramPath);
-        writer.Text(tag.CommandLine);
-        writer.Flag(tag.IncludeResult);
-        writer.Text(tag.ResultFile);
-        writer.Flag(tag.DeleteResult);
-        writer.Long(tag.SecondsToWait);
-        writer.Flag(tag.WaitForExit);
-        writer.Text(tag.EditMode);
-    });
-}
-
-std::string ProgramTagEntry(const ProgramTagRecord& tag) {
+std::string TagEntry(const ProgramTagRecord& tag) {
     return std::to_string(tag.TagNumber) + ". execute " +
            FileNameFromPath(tag.ProgramPath, PathSeparator, false) +
            (tag.IncludeResult ? " and include results." : " and do not include results.");
@@ -78,7 +45,7 @@ bool ProgramTag::Take(std::string& text, std::string& number) {
     const auto found = FirstTagNumber(text, ProgramTagKind);
     if (!found) return false;
     number = *found;
-    record_ = LoadProgramTag(setting_.wb, number, setting_.missingFile);
+    record_ = LoadTag<ProgramTagRecord>(setting_.wb, number, setting_.missingFile);
     arguments_.reset();
     if (FileExists(record_.ProgramPath)) return true;
     text = ReplaceText(text, ExecuteTagText(ProgramTagKind, number), "");
@@ -125,7 +92,8 @@ void ProgramTag::Run(const std::function<bool()>& keepWaiting) const {
 std::string ProgramTag::Objection(const std::string& text) const {
     const auto number = FirstTagNumber(text, ProgramTagKind);
     if (!number) return {};
-    const ProgramTagRecord record = LoadProgramTag(setting_.wb, *number, MissingTagFile::Leave);
+    const ProgramTagRecord record =
+        LoadTag<ProgramTagRecord>(setting_.wb, *number, MissingTagFile::Leave);
     if (FileExists(record.ProgramPath)) return {};
     return "The program of the tag " + ExecuteTagText(ProgramTagKind, *number) + " is not there";
 }

@@ -13,6 +13,8 @@ namespace mailvane {
 
 /// A program that messages run, as its record file holds it.
 struct ProgramTagRecord {
+    static constexpr const ExecuteTagKind& Kind = ProgramTagKind;
+
     std::int32_t TagNumber = 0;
     std::int32_t TagListIndex = 0;
     std::string ProgramPath;
@@ -24,15 +26,23 @@ struct ProgramTagRecord {
     bool WaitForExit = false;
     std::string EditMode;  ///< "Add" or "Edit"
 
+    static void Fields(auto& record, auto&& field) {
+        field(record.TagNumber);
+        field(record.TagListIndex);
+        field(record.ProgramPath);
+        field(record.CommandLine);
+        field(record.IncludeResult);
+        field(record.ResultFile);
+        field(record.DeleteResult);
+        field(record.SecondsToWait);
+        field(record.WaitForExit);
+        field(record.EditMode);
+    }
     friend bool operator==(const ProgramTagRecord&, const ProgramTagRecord&) = default;
 };
 
-/// An empty record for a number without a file.
-ProgramTagRecord LoadProgramTag(const Workbench& wb, const std::string& number,
-                                MissingTagFile missing = MissingTagFile::Make);
-bool SaveProgramTag(const Workbench& wb, const ProgramTagRecord& tag);
 /// "3. execute lookup.sh and include results."
-std::string ProgramTagEntry(const ProgramTagRecord& tag);
+std::string TagEntry(const ProgramTagRecord& tag);
 
 /// A program on its way to be run for a message. Once one was found, every later message runs the
 /// one found last.

@@ -37,8 +37,4 @@ void TagListForm::TakeEntry(const std::string& mode, std::int32_t index, const s
     if (!lbxTags.Save()) Tell(wb_, "The list of tags could not be written.", BoxIcon::Critical);
 }
 
-std::string TagEditorTitle(const std::string& mode) {
-    return mode == AddMode ? "Add Message Tag" : "Edit Message Tag";
-}
-
 }  // namespace mailvane

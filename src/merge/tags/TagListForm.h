@@ -34,13 +34,8 @@ private:
     std::string picked_;
 };
 
-/// Why an editor refuses to store a tag.
-inline constexpr const char* ProjectNotSaved =
-    "You need to save your project before you can add this tag. ";
-inline constexpr const char* InvalidResultFile = "Invalid location of the result file.";
+/// How an editor was opened.
 inline constexpr const char* AddMode = "Add";
 inline constexpr const char* EditMode = "Edit";
-/// The title of an editor in its mode.
-std::string TagEditorTitle(const std::string& mode);
 
 }  // namespace mailvane

@@ -1,15 +1,10 @@
 #include "merge/tags/frmTagCGIAdd.h"
 
-#include "core/MessageBoxes.h"
-#include "core/Paths.h"
-#include "core/project/Project.h"
 #include "core/text/Text.h"
-#include "merge/tags/frmTagCGI.h"
 
 namespace mailvane {
 
-frmTagCGIAdd::frmTagCGIAdd(Workbench& wb)
-    : WorkbenchForm(wb, "frmTagCGIAdd", TagEditorTitle(AddMode)) {
+frmTagCGIAdd::frmTagCGIAdd(Workbench& wb) : TagEditor(wb, "frmTagCGIAdd") {
     SetTips();
     chkSave.onClick = [this] { EnableFields(); };
     EnableFields();
@@ -29,10 +24,7 @@ void frmTagCGIAdd::EnableFields() {
     cmdBrowse.SetEnabled(chkSave.Checked());
 }
 
-void frmTagCGIAdd::Begin(const CgiTagRecord& tag) {
-    tag_ = tag;
-    SetCaption(TagEditorTitle(tag.EditMode));
-    if (tag.EditMode == AddMode) return;
+void frmTagCGIAdd::ShowValues(const Record& tag) {
     txtCGI.SetText(tag.ScriptUrl);
     txtQuery.SetText(tag.QueryString);
     txtReferer.SetText(tag.Referer);
@@ -48,11 +40,6 @@ void frmTagCGIAdd::ChooseMethod(const std::string& method) {
     if (method == "head") optHEAD.SetValue(true);
 }
 
-void frmTagCGIAdd::Browse() {
-    const std::string path = BrowseFile(wb_, true, "", "");
-    if (!path.empty()) txtResult.SetText(path);
-}
-
 bool frmTagCGIAdd::Check() {
     txtCGI.SetText(Trim(txtCGI.Text()));
     if (txtCGI.Text().empty()) {
@@ -61,37 +48,24 @@ bool frmTagCGIAdd::Check() {
     }
     txtResult.SetText(Trim(txtResult.Text()));
     if (chkSave.Checked() && txtResult.Text().empty()) {
-        Tell(wb_, InvalidResultFile);
+        TellInvalidResult();
         txtResult.Focus();
         return false;
     }
     txtReferer.SetText(Trim(txtReferer.Text()));
     txtQuery.SetText(Trim(txtQuery.Text()));
     if (txtQuery.Text().starts_with('?')) txtQuery.SetText(txtQuery.Text().substr(1));
-    if (!FileExists(wb_.state.ProjectFolder, true)) {
-        Tell(wb_, ProjectNotSaved);
-        return false;
-    }
-    return true;
+    return CheckProject();
 }
 
-void frmTagCGIAdd::TakeValues() {
-    tag_.ScriptUrl = txtCGI.Text();
-    tag_.QueryString = txtQuery.Text();
-    tag_.IncludeResult = chkInclude.Checked();
-    tag_.SaveResult = chkSave.Checked();
-    tag_.ResultFile = txtResult.Text();
-    tag_.Referer = txtReferer.Text();
-    tag_.RequestMethod = optPOST.IsSet() ? "Post" : optHEAD.IsSet() ? "Head" : "Get";
-}
-
-void frmTagCGIAdd::Store() {
-    if (!Check()) return;
-    TakeValues();
-    if (!SaveCgiTag(wb_, tag_))
-        return Tell(wb_, "The tag could not be written.", BoxIcon::Critical);
-    wb_.forms.Get<frmTagCGI>().TakeEntry(tag_.EditMode, tag_.TagListIndex, CgiTagEntry(tag_));
-    Unload();
+void frmTagCGIAdd::TakeValues(Record& tag) {
+    tag.ScriptUrl = txtCGI.Text();
+    tag.QueryString = txtQuery.Text();
+    tag.IncludeResult = chkInclude.Checked();
+    tag.SaveResult = chkSave.Checked();
+    tag.ResultFile = txtResult.Text();
+    tag.Referer = txtReferer.Text();
+    tag.RequestMethod = optPOST.IsSet() ? "Post" : optHEAD.IsSet() ? "Head" : "Get";
 }
 
 }  // namespace mailvane

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "core/Workbench.h"
 #include "merge/tags/CgiTag.h"
+#include "merge/tags/TagEditor.h"
+#include "merge/tags/frmTagCGI.h"
 
 namespace mailvane {
 
 /// Edits one tag of frmTagCGI.
-class frmTagCGIAdd final : public WorkbenchForm {
+class frmTagCGIAdd final : public TagEditor<CgiTagRecord, frmTagCGI> {
 public:
     explicit frmTagCGIAdd(Workbench& wb);
 
@@ -19,22 +20,19 @@ public:
     CheckBox chkInclude{*this, "chkInclude"};
     CheckBox chkSave{*this, "chkSave"};
     TextBox txtResult{*this, "txtResult"};
-    Button cmdBrowse{*this, "cmdBrowse", [this] { Browse(); }};
+    Button cmdBrowse{*this, "cmdBrowse", [this] { BrowseFor(txtResult, true); }};
     Button cmdOk{*this, "cmdOk", [this] { Store(); }};
     Button cmdCancel{*this, "cmdCancel", [this] { Unload(); }};
 
-    /// A new tag keeps the values of an empty dialog.
-    void Begin(const CgiTagRecord& tag);
+protected:
+    void ShowValues(const Record& tag) override;
+    bool Check() override;
+    void TakeValues(Record& tag) override;
 
 private:
     void SetTips();
     void EnableFields();
     void ChooseMethod(const std::string& method);
-    void Browse();
-    bool Check();
-    void TakeValues();
-    void Store();
-    CgiTagRecord tag_;
 };
 
 }  // namespace mailvane

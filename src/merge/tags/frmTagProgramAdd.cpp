@@ -3,11 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/MessageBoxes.h"
 #include "core/Paths.h"
-#include "core/project/Project.h"
 #include "core/text/Text.h"
-#include "merge/tags/frmTagProgram.h"
 
 namespace mailvane {
 
@@ -17,8 +14,7 @@ constexpr double LongestWait = 600;  // seconds
 
 }  // namespace
 
-frmTagProgramAdd::frmTagProgramAdd(Workbench& wb)
-    : WorkbenchForm(wb, "frmTagProgramAdd", TagEditorTitle(AddMode)) {
+frmTagProgramAdd::frmTagProgramAdd(Workbench& wb) : TagEditor(wb, "frmTagProgramAdd") {
     SetTips();
     chkInclude.onClick = optWaitExit.onClick = optWaitSec.onClick = [this] { EnableFields(); };
     txtSeconds.onChange = [this] { FollowSeconds(); };
@@ -49,10 +45,7 @@ void frmTagProgramAdd::FollowSeconds() {
     if (txtSeconds.Text() == std::to_string(seconds)) UpDown1.SetValue(seconds);
 }
 
-void frmTagProgramAdd::Begin(const ProgramTagRecord& tag) {
-    tag_ = tag;
-    SetCaption(TagEditorTitle(tag.EditMode));
-    if (tag.EditMode == AddMode) return;
+void frmTagProgramAdd::ShowValues(const Record& tag) {
     txtProgram.SetText(tag.ProgramPath);
     txtCommand.SetText(tag.CommandLine);
     chkInclude.SetChecked(tag.IncludeResult);
@@ -63,11 +56,6 @@ void frmTagProgramAdd::Begin(const ProgramTagRecord& tag) {
     EnableFields();
 }
 
-void frmTagProgramAdd::Browse(TextBox& field, bool save) {
-    const std::string path = BrowseFile(wb_, save, "", "");
-    if (!path.empty()) field.SetText(path);
-}
-
 bool frmTagProgramAdd::Check() {
     txtProgram.SetText(Trim(txtProgram.Text()));
     if (!FileExists(txtProgram.Text())) {
@@ -76,14 +64,11 @@ bool frmTagProgramAdd::Check() {
     }
     txtResult.SetText(Trim(txtResult.Text()));
     if (chkInclude.Checked() && txtResult.Text().empty()) {
-        Tell(wb_, InvalidResultFile);
+        TellInvalidResult();
         chkInclude.SetChecked(false);
         return false;
     }
-    if (!FileExists(wb_.state.ProjectFolder, true)) {
-        Tell(wb_, ProjectNotSaved);
-        return false;
-    }
+    if (!CheckProject()) return false;
     if (NumberOf(txtSeconds.Text()) > LongestWait) {
         Tell(wb_, "You need to enter correct value in the seconds text box (between 1 and 600).");
         txtSeconds.Focus();
@@ -92,25 +77,15 @@ bool frmTagProgramAdd::Check() {
     return true;
 }
 
-void frmTagProgramAdd::TakeValues() {
-    tag_.ProgramPath = txtProgram.Text();
-    tag_.CommandLine = Trim(txtCommand.Text());
-    tag_.IncludeResult = chkInclude.Checked();
-    tag_.ResultFile = txtResult.Text();
-    tag_.DeleteResult = chkDelete.Checked();
-    tag_.SecondsToWait =
+void frmTagProgramAdd::TakeValues(Record& tag) {
+    tag.ProgramPath = txtProgram.Text();
+    tag.CommandLine = Trim(txtCommand.Text());
+    tag.IncludeResult = chkInclude.Checked();
+    tag.ResultFile = txtResult.Text();
+    tag.DeleteResult = chkDelete.Checked();
+    tag.SecondsToWait =
         static_cast<std::int32_t>(std::lrint(std::max(NumberOf(txtSeconds.Text()), 0.0)));
-    tag_.WaitForExit = optWaitExit.IsSet();
-}
-
-void frmTagProgramAdd::Store() {
-    if (!Check()) return;
-    TakeValues();
-    if (!SaveProgramTag(wb_, tag_))
-        return Tell(wb_, "The tag could not be written.", BoxIcon::Critical);
-    wb_.forms.Get<frmTagProgram>().TakeEntry(tag_.EditMode, tag_.TagListIndex,
-                                             ProgramTagEntry(tag_));
-    Unload();
+    tag.WaitForExit = optWaitExit.IsSet();
 }
 
 }  // namespace mailvane
