@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Workbench.h"
+#include "core/notices/NoticeForm.h"
 
 namespace mailvane {
 
@@ -8,7 +8,7 @@ inline constexpr const char* MessagesCompactedText = "Successfully compacted mes
 
 /// Warns before a compaction on command. The answer is left in `CompactConfirmed`; a user who does
 /// not want to see this again has said yes.
-class frmMSGCompact final : public WorkbenchForm {
+class frmMSGCompact final : public NoticeForm {
 public:
     explicit frmMSGCompact(Workbench& wb);
 
@@ -21,7 +21,7 @@ public:
 
 protected:
     void OnLoad() override;
-    void OnUnload() override;
+    void Skip() override { Answer(true); }
 
 private:
     void Answer(bool confirmed);

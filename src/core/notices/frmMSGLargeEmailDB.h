@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/Workbench.h"
+#include "core/notices/NoticeForm.h"
 
 namespace mailvane {
 
 /// Warns of a message store that has grown large, and offers to compact it.
-class frmMSGLargeEmailDB final : public WorkbenchForm {
+class frmMSGLargeEmailDB final : public NoticeForm {
 public:
     explicit frmMSGLargeEmailDB(Workbench& wb);
 
@@ -15,10 +15,6 @@ public:
     CheckBox Check1{*this, "Check1"};
     Button cmdCompact{*this, "cmdCompact", [this] { Compact(); }};
     Button SSCommand1{*this, "SSCommand1", [this] { Unload(); }};
-
-protected:
-    void OnLoad() override;
-    void OnUnload() override;
 
 private:
     void Compact();

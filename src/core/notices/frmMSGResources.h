@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/Workbench.h"
+#include "core/notices/NoticeForm.h"
 
 namespace mailvane {
 
 /// Says that the system is low on resources.
-class frmMSGResources final : public WorkbenchForm {
+class frmMSGResources final : public NoticeForm {
 public:
     explicit frmMSGResources(Workbench& wb);
 
@@ -19,7 +19,6 @@ public:
 
 protected:
     void OnLoad() override;
-    void OnUnload() override;
 
 private:
     void GetResources();

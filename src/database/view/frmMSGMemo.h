@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/Workbench.h"
+#include "core/notices/NoticeForm.h"
 
 namespace mailvane {
 
 /// Says that a memo column cannot be sorted.
-class frmMSGMemo final : public WorkbenchForm {
+class frmMSGMemo final : public NoticeForm {
 public:
     explicit frmMSGMemo(Workbench& wb);
 
@@ -14,9 +14,6 @@ public:
                   "Microsoft Jet database engine doesn't sort on fields of these types."};
     CheckBox Check1{*this, "Check1"};
     Button cmdOk{*this, "cmdOk", [this] { Unload(); }};
-
-protected:
-    void OnUnload() override;
 };
 
 /// Shows it, unless the user has said once that it need not come again.

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/Workbench.h"
+#include "core/notices/NoticeForm.h"
 
 namespace mailvane {
 
 /// Says where the messages of a merge run are, once it is over.
-class frmMSGOutbox final : public WorkbenchForm {
+class frmMSGOutbox final : public NoticeForm {
 public:
     explicit frmMSGOutbox(Workbench& wb);
 
@@ -13,11 +13,7 @@ public:
                   "Your messages are in the 'Outbox' e-mail folder. To send them just click the "
                   "'Start' button from the main toolbar."};
     CheckBox Check1{*this, "Check1"};
-    Button cmdStart{*this, "cmdStart"};
-
-protected:
-    void OnLoad() override;
-    void OnUnload() override;
+    Button cmdStart{*this, "cmdStart", [this] { Unload(); }};
 };
 
 }  // namespace mailvane

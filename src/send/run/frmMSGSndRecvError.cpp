@@ -1,19 +1,11 @@
 #include "send/run/frmMSGSndRecvError.h"
 
 #include "core/MessageBoxes.h"
-#include "core/settings/Settings.h"
 
 namespace mailvane {
 
-namespace {
-
-constexpr const char* Section = "Messages";
-constexpr const char* Key = "SndRecvError";
-
-}  // namespace
-
 frmMSGSndRecvError::frmMSGSndRecvError(Workbench& wb)
-    : WorkbenchForm(wb, "frmMSGSndRecvError", ErrorLogCaption) {
+    : NoticeQuestion(wb, "frmMSGSndRecvError", ErrorLogCaption, "SndRecvError", false) {
     lblText.SetText(
         "Some errors occurred while sending or receiving your messages.\r\n"
         "Do you want to see the error log?");
@@ -30,19 +22,11 @@ void frmMSGSndRecvError::NoteDoubtful(std::int64_t count) {
                     (count == 1 ? "it." : "them."));
 }
 
-void frmMSGSndRecvError::Answer(bool yes) {
-    wb_.state.DialogAnswer = yes;
-    if (Check1.Checked()) SaveUserSetting(wb_, Section, Key, "1");
-    Unload();
-}
-
 bool AskToShowErrorLog(Workbench& wb, std::int64_t doubtful) {
     wb.state.DialogAnswer = false;
-    if (GetUserSetting(wb, Section, Key) != "1") {
-        auto& prompt = wb.forms.Get<frmMSGSndRecvError>();
-        prompt.NoteDoubtful(doubtful);
-        ShowModalDialog(wb, prompt);
-    }
+    auto& prompt = wb.forms.Get<frmMSGSndRecvError>();
+    prompt.NoteDoubtful(doubtful);
+    ShowModalDialog(wb, prompt);
     return wb.state.DialogAnswer;
 }
 

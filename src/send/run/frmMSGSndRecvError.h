@@ -2,30 +2,20 @@
 
 #include <cstdint>
 
-#include "core/Workbench.h"
+#include "core/notices/NoticeForm.h"
 
 namespace mailvane {
 
 /// Caption of frmMSGSndRecvError, by which it is closed for an absent user.
 inline constexpr const char* ErrorLogCaption = "Error log file";
 
-/// Asks whether the error log of a run is to be shown; leaves the answer in DialogAnswer.
-class frmMSGSndRecvError final : public WorkbenchForm {
+/// Asks whether the error log of a run is to be shown.
+class frmMSGSndRecvError final : public NoticeQuestion {
 public:
     explicit frmMSGSndRecvError(Workbench& wb);
 
-    Label lblText{*this, "lblText"};
-    CheckBox Check1{*this, "Check1"};
-    Button cmdYes{*this, "cmdYes", [this] { Answer(true); }};
-    Button cmdNo{*this, "cmdNo", [this] { Answer(false); }};
-
     /// Says that so many messages may have been accepted by the server all the same.
     void NoteDoubtful(std::int64_t count);
-
-    void OnCloseBox() override { Answer(false); }
-
-private:
-    void Answer(bool yes);
 };
 
 /// True when the user wants to see the log; not asked, and false, when he has said so once for all.
