@@ -3,22 +3,9 @@
 #include <functional>
 #include <string>
 
-#include "platform/net/smtp/SmtpClient.h"
+#include "platform/net/MailAccount.h"
 
 namespace mailvane {
-
-/// An account on a mail server, as the settings have it.
-struct MailAccount {
-    enum class Protocol { Smtp, Pop3 };
-    Protocol protocol = Protocol::Smtp;
-    std::string server;
-    int port = 0;
-    Security security = Security::Automatic;
-    bool verifyCertificate = true;
-    std::string certificateAuthorities;  ///< a PEM file in place of the system's; "" for those
-    std::string user;                    ///< "" for none: no logon is tried
-    std::string password;
-};
 
 /// What a test tells while it runs.
 struct ConnectionTestEvents {

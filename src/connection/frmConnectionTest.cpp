@@ -9,9 +9,9 @@ frmConnectionTest::frmConnectionTest(Workbench& wb)
     : WorkbenchForm(wb, "frmConnectionTest", "Connection test") {}
 
 void frmConnectionTest::Start(const MailAccount& account) {
-    const bool smtp = account.protocol == MailAccount::Protocol::Smtp;
+    const bool smtp = account.MailProtocol == MailAccount::Protocol::Smtp;
     lblServer.SetText(std::string(smtp ? "Outgoing" : "Incoming") + " mail server " +
-                      account.server + ", port " + std::to_string(account.port));
+                      account.MailServer + ", port " + std::to_string(account.MailPort));
     running_ = true;
     cmdClose.SetEnabled(false);
     Windows().Post([this, account] { Run(account); });

@@ -1,14 +1,11 @@
 #include "send/SendService.h"
 
-#include <algorithm>
-
-#include "connection/ConnectionService.h"
 #include "connection/Logon.h"
+#include "connection/ProjectAccounts.h"
 #include "connection/frmConnectionTest.h"
 #include "connection/frmSMTPAuthentication.h"
 #include "core/Running.h"
 #include "core/settings/frmSettings.h"
-#include "core/text/Text.h"
 #include "send/direct/frmMailServer.h"
 #include "send/run/SendRun.h"
 #include "send/run/frmMSGSndRecvError.h"
@@ -29,18 +26,13 @@ struct SendService::State {
 
 namespace {
 
-/// The relay of the project, with the logon when it needs one.
-MailAccount OutgoingAccount(const Workbench& wb, const frmSettings& settings) {
-    MailAccount account;
-    account.server = Trim(settings.txtSMTPServer.Text());
-    account.port = static_cast<int>(NumberOf(settings.txtSMTPPort.Text()));
-    account.security = static_cast<Security>(std::max(settings.cmbSMTPSecurity.ListIndex(), 0));
-    account.verifyCertificate = settings.chkSMTPVerify.Checked();
-    account.certificateAuthorities = TrustedAuthorities(wb);
+/// With the logon, when the relay needs one.
+MailAccount RelayWithLogon(const Workbench& wb, const frmSettings& settings) {
+    MailAccount account = ProjectAccounts(wb).Outgoing(settings);
     if (!settings.chkSMTPAuth.Checked()) return account;
     LogonData logon = ReadLogon(wb);
-    account.user = std::move(logon.user);
-    account.password = std::move(logon.password);
+    account.User = std::move(logon.user);
+    account.Password = std::move(logon.password);
     return account;
 }
 
@@ -52,7 +44,7 @@ void SendService::State::Attach(frmSettings& settings) {
     settings.SSCommand1.onClick = [this] { ShowMailServer(wb); };
     settings.cmdSMTPAuth.onClick = [this] { ShowSmtpAuthentication(wb); };
     settings.cmdTestSMTP.onClick = [this, &settings] {
-        ShowConnectionTest(wb, OutgoingAccount(wb, settings));
+        ShowConnectionTest(wb, RelayWithLogon(wb, settings));
     };
     settings.Timer1.onTimer = [this, &settings] {
         settings.Timer1.Stop();

@@ -38,11 +38,11 @@ struct AccountCase {
 MailAccount Account(MailAccount::Protocol protocol, const char* user = "",
                     Security security = Security::Automatic) {
     MailAccount account;
-    account.protocol = protocol;
-    account.server = "127.0.0.1";
-    account.user = user;
-    account.password = "secret";
-    account.security = security;
+    account.MailProtocol = protocol;
+    account.MailServer = "127.0.0.1";
+    account.User = user;
+    account.Password = "secret";
+    account.ConnectionSecurity = security;
     return account;
 }
 
@@ -113,11 +113,11 @@ TEST_F(TestConnection, SaysStepByStepWhatWorked) {
         SCOPED_TRACE(row.name);
         test::LoopbackServer server(Answering(row.greeting, row.answers));
         MailAccount account = row.account;
-        account.port = server.Port();
+        account.MailPort = server.Port();
         form.txtReport.SetText("");
         form.Start(account);
         windows.HandleIdle();
-        const std::string port = "Port " + std::to_string(account.port);
+        const std::string port = "Port " + std::to_string(account.MailPort);
         EXPECT_EQ(form.txtReport.Text(),
                   "Name: 127.0.0.1 is 127.0.0.1.\r\n" + ReplaceText(row.report, "Port N", port));
         EXPECT_TRUE(form.cmdClose.Enabled());
@@ -127,7 +127,7 @@ TEST_F(TestConnection, SaysStepByStepWhatWorked) {
 TEST_F(TestConnection, CancelEndsASilentServer) {
     test::LoopbackServer server([](test::Peer& peer, int) { peer.ReadLine(); });
     MailAccount account = Account(Pop3, "me");
-    account.port = server.Port();
+    account.MailPort = server.Port();
     form.Start(account);
     windows.Post([] {});
     const Subscription cancel = windows.yielded.Observe([&] { form.cmdCancel.Press(); });

@@ -147,7 +147,7 @@ public:
 
     void Run() {
         session_.Open();
-        if (!Do([this] { session_.Hello("client.example.com"); })) return;
+        if (!Greet()) return;
         if (!Do([this] { session_.Command(Secret, true); })) return;
         for (int i = 0; i < 2; ++i)
             if (!SendMessage()) return;
@@ -156,6 +156,20 @@ public:
     }
 
 private:
+    /// The transport's part: whole lines up to the end of a reply. True when it is a good one.
+    bool Greet() {
+        if (session_.Observe(Direction::Sent, "EHLO client.example.com").Failed()) return false;
+        while (!server_.empty()) {
+            const std::size_t end = std::min(server_.find('\n'), server_.size() - 1) + 1;
+            std::string line(server_.substr(0, end));
+            std::erase_if(line, [](char c) { return PieceStarts.find(c) != PieceStarts.npos; });
+            server_.remove_prefix(end);
+            if (session_.Observe(Direction::Received, line).Failed()) return false;
+            if (!session_.LastReply().Started()) return session_.LastReply().Accepted();
+        }
+        return false;
+    }
+
     /// Carries one operation on while the server says something. True when the next one may begin.
     template <class Start>
     bool Do(Start start) {

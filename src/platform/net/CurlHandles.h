@@ -12,6 +12,9 @@ struct CloseEasy {
 struct CloseMulti {
     void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
 };
+struct FreeUrl {
+    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
 struct FreeList {
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
@@ -19,6 +22,7 @@ struct FreeList {
 // libcurl's handles, given back when their owner goes.
 using EasyHandle = std::unique_ptr<CURL, CloseEasy>;
 using MultiHandle = std::unique_ptr<CURLM, CloseMulti>;
+using UrlHandle = std::unique_ptr<CURLU, FreeUrl>;
 using CurlList = std::unique_ptr<curl_slist, FreeList>;
 
 }  // namespace mailvane

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/net/dns/NameResolver.h"
+#include "platform/net/dns/OwnName.h"
 
 namespace mailvane {
 
@@ -19,10 +20,11 @@ constexpr long Milliseconds = 1000;
 constexpr std::size_t EarlyRoom = 4096;
 
 /// On these ports servers speak TLS from the first byte (RFC 8314 section 7).
-bool IsImplicitTls(const MailPeer& peer) {
-    if (peer.security == Security::ImplicitTls) return true;
-    return peer.security == Security::Automatic &&
-           peer.port == (peer.protocol == "smtp" ? 465 : 995);
+bool IsImplicitTls(const MailAccount& account) {
+    if (account.ConnectionSecurity == Security::ImplicitTls) return true;
+    const bool smtp = account.MailProtocol == MailAccount::Protocol::Smtp;
+    return account.ConnectionSecurity == Security::Automatic &&
+           account.MailPort == (smtp ? 465 : 995);
 }
 
 std::string WithoutBrackets(const std::string& host) {
@@ -79,6 +81,7 @@ void MailConnection::Close() {
     // A removed handle closes its connection; a handle that may be used no more is removed first.
     if (easy_) curl_multi_remove_handle(multi_.get(), easy_.get());
     easy_.reset();
+    url_.reset();
     addresses_.reset();
     early_.clear();
     socket_ = CURL_SOCKET_BAD;
@@ -87,13 +90,15 @@ void MailConnection::Close() {
 
 NetError MailConnection::Open(const MailPeer& peer, const KeepWaiting& keepWaiting) {
     Close();
-    const std::string host = WithoutBrackets(peer.host);
+    const std::string host = WithoutBrackets(peer.account.MailServer);
     const auto deadline = NetClock::now() + seconds(peer.connectTimeout);
     easy_.reset(curl_easy_init());
     errorText_.front() = '\0';
-    NetError error = SetUrl(peer, host);
+    security_ = peer.account.ConnectionSecurity;
+    NetError error = SetUrl(peer.account, host);
     if (error.Ok()) error = Resolve(peer, host, deadline, keepWaiting);
     if (error.Ok()) {
+        ChooseLocalName(peer, keepWaiting);
         SetOptions(peer);
         error = Connect(peer, deadline, keepWaiting);
     }
@@ -102,32 +107,28 @@ NetError MailConnection::Open(const MailPeer& peer, const KeepWaiting& keepWaiti
     return error;
 }
 
-NetError MailConnection::SetUrl(const MailPeer& peer, const std::string& host) {
-    const std::string scheme = peer.protocol + (IsImplicitTls(peer) ? "s" : "");
-    CURLU* url = curl_url();
-    // The path is the name that EHLO tells.
-    const bool valid =
-        curl_url_set(url, CURLUPART_SCHEME, scheme.c_str(), 0) == CURLUE_OK &&
+NetError MailConnection::SetUrl(const MailAccount& account, const std::string& host) {
+    const bool smtp = account.MailProtocol == MailAccount::Protocol::Smtp;
+    const std::string scheme =
+        std::string(smtp ? "smtp" : "pop3") + (IsImplicitTls(account) ? "s" : "");
+    const std::string port = std::to_string(account.MailPort);
+    url_.reset(curl_url());
+    CURLU* url = url_.get();
+    if (curl_url_set(url, CURLUPART_SCHEME, scheme.c_str(), 0) == CURLUE_OK &&
         curl_url_set(url, CURLUPART_HOST, WithBrackets(host).c_str(), 0) == CURLUE_OK &&
-        curl_url_set(url, CURLUPART_PORT, std::to_string(peer.port).c_str(), 0) == CURLUE_OK &&
-        curl_url_set(url, CURLUPART_PATH, ("/" + peer.localName).c_str(), CURLU_URLENCODE) ==
-            CURLUE_OK;
-    char* text = nullptr;
-    const bool whole = valid && curl_url_get(url, CURLUPART_URL, &text, 0) == CURLUE_OK;
-    if (whole) curl_easy_setopt(easy_.get(), CURLOPT_URL, text);
-    curl_free(text);
-    curl_url_cleanup(url);
-    if (whole) return {};
-    return {net_error::ConnectFailed, "\"" + peer.host + "\", port " + std::to_string(peer.port) +
+        curl_url_set(url, CURLUPART_PORT, port.c_str(), 0) == CURLUE_OK)
+        return {};
+    return {net_error::ConnectFailed, "\"" + account.MailServer + "\", port " + port +
                                           ", is no valid name of a mail server."};
 }
 
 NetError MailConnection::Resolve(const MailPeer& peer, const std::string& host,
                                  NetClock::time_point deadline, const KeepWaiting& keepWaiting) {
-    if (IsIpAddress(host)) return {};
-    ResolvedName resolved = ResolveName(host, peer.dnsServers, deadline, keepWaiting);
+    const ResolvedName resolved = ResolveName(host, peer.dnsServers, deadline, keepWaiting);
     if (resolved.error.Failed()) return resolved.error;
-    std::string entry = host + ':' + std::to_string(peer.port);
+    firstAddress_ = resolved.addresses.front();
+    if (IsIpAddress(host)) return {};
+    std::string entry = host + ':' + std::to_string(peer.account.MailPort);
     char separator = ':';
     for (const std::string& address : resolved.addresses) {
         entry += separator + WithBrackets(address);
@@ -137,8 +138,22 @@ NetError MailConnection::Resolve(const MailPeer& peer, const std::string& host,
     return {};
 }
 
+/// The full name of this machine; without one the address that it has on the way to the server
+/// (RFC 5321 section 4.1.4).
+void MailConnection::ChooseLocalName(const MailPeer& peer, const KeepWaiting& keepWaiting) {
+    if (peer.account.MailProtocol != MailAccount::Protocol::Smtp) return;
+    localName_ = HelloName(peer.account.LocalName);
+    if (!localName_.empty()) return;
+    if (!ownNameKnown_) ownName_ = HelloName(OwnFullName(keepWaiting));
+    ownNameKnown_ = true;
+    localName_ = ownName_.empty() ? OwnAddressLiteral(firstAddress_) : ownName_;
+}
+
 void MailConnection::SetOptions(const MailPeer& peer) {
     CURL* easy = easy_.get();
+    // libcurl's EHLO tells the path of the URL.
+    curl_url_set(url_.get(), CURLUPART_PATH, ("/" + localName_).c_str(), CURLU_URLENCODE);
+    curl_easy_setopt(easy, CURLOPT_CURLU, url_.get());
     curl_easy_setopt(easy, CURLOPT_CONNECT_ONLY, 1L);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_PROXY, "");
@@ -151,13 +166,14 @@ void MailConnection::SetOptions(const MailPeer& peer) {
     curl_easy_setopt(easy, CURLOPT_DEBUGDATA, this);
 
     long useSsl = CURLUSESSL_TRY;
-    if (peer.security == Security::RequireStartTls) useSsl = CURLUSESSL_ALL;
-    if (peer.security == Security::None) useSsl = CURLUSESSL_NONE;
+    if (security_ == Security::RequireStartTls) useSsl = CURLUSESSL_ALL;
+    if (security_ == Security::None) useSsl = CURLUSESSL_NONE;
+    const MailAccount& account = peer.account;
     curl_easy_setopt(easy, CURLOPT_USE_SSL, useSsl);
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, peer.verifyCertificate ? 1L : 0L);
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, peer.verifyCertificate ? 2L : 0L);
-    if (!peer.certificateAuthorities.empty()) {
-        curl_easy_setopt(easy, CURLOPT_CAINFO, peer.certificateAuthorities.c_str());
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, account.VerifyCertificate ? 1L : 0L);
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, account.VerifyCertificate ? 2L : 0L);
+    if (!account.CertificateAuthorities.empty()) {
+        curl_easy_setopt(easy, CURLOPT_CAINFO, account.CertificateAuthorities.c_str());
         curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
     }
 }
@@ -195,9 +211,9 @@ NetError MailConnection::Connect(const MailPeer& peer, NetClock::time_point dead
             deadline = NetClock::now() + seconds(peer.answerTimeout);
         }
         if (NetClock::now() >= deadline) {
-            return {net_error::TimedOut, connected
-                                             ? "The server did not answer in time."
-                                             : "Connecting to " + peer.host + " took too long."};
+            return {net_error::TimedOut,
+                    connected ? "The server did not answer in time."
+                              : "Connecting to " + peer.account.MailServer + " took too long."};
         }
         curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(WaitStep.count()), nullptr);
     }
@@ -234,7 +250,7 @@ NetError MailConnection::TakeOver(const MailPeer& peer) {
     const curl_tlssessioninfo* tls = nullptr;
     curl_easy_getinfo(easy, CURLINFO_TLS_SSL_PTR, &tls);
     secured_ = tls != nullptr && tls->internals != nullptr;
-    if (!secured_ && (peer.security == Security::RequireStartTls || IsImplicitTls(peer))) {
+    if (!secured_ && (security_ == Security::RequireStartTls || IsImplicitTls(peer.account))) {
         return {net_error::TlsFailed, "The server does not secure the connection."};
     }
     const char* server = nullptr;
@@ -246,6 +262,13 @@ NetError MailConnection::TakeOver(const MailPeer& peer) {
     }
     open_ = true;
     return {};
+}
+
+NetError MailConnection::MayCarrySecrets() const {
+    if (!open_) return {net_error::NotConnected, "Socket is not connected."};
+    if (secured_ || local_ || security_ == Security::None) return {};
+    return {net_error::LogonImpossible,
+            "The password was not sent, because the connection to the server is not secured."};
 }
 
 MailConnection::Outcome MailConnection::Send(std::string_view bytes, std::size_t& sent) {

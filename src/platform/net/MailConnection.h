@@ -7,25 +7,19 @@
 #include <string_view>
 
 #include "platform/net/CurlHandles.h"
+#include "platform/net/Direction.h"
+#include "platform/net/MailAccount.h"
+#include "platform/net/NetError.h"
 #include "platform/net/NetWait.h"
-#include "platform/net/smtp/SmtpClient.h"
 
 namespace mailvane {
 
 /// Where a mail connection goes, and how.
 struct MailPeer {
-    std::string protocol;  ///< "smtp" or "pop3"
-    std::string host;
-    int port = 0;
-    Security security = Security::Automatic;
-    bool verifyCertificate = true;
-    std::string certificateAuthorities;  ///< a PEM file in place of the system's; "" for those
-    std::string localName;               ///< for EHLO
-    std::string dnsServers;              ///< as ResolveName takes them
-    int connectTimeout = 30;             ///< seconds, for the name and the connection
-    int answerTimeout = 300;             ///< seconds, for each answer of the server's from then on
-
-    bool operator==(const MailPeer&) const = default;
+    MailAccount account;
+    std::string dnsServers;   ///< as ResolveName takes them
+    int connectTimeout = 30;  ///< seconds, for the name and the connection
+    int answerTimeout = 300;  ///< seconds, for each answer of the server's from then on
 };
 
 /// A TCP connection to a mail server, secured as asked for. libcurl makes it and goes through the
@@ -52,6 +46,11 @@ public:
     /// The server is this machine: a loopback address, or the address that the connection comes
     /// from.
     bool IsLocalPeer() const { return local_; }
+    /// Whether a password may go over it: it is secured, leads to this machine, or no security was
+    /// wanted. Else LogonImpossible; NotConnected when it is not open.
+    NetError MayCarrySecrets() const;
+    /// How this machine introduced itself to an SMTP server.
+    const std::string& LocalName() const { return localName_; }
 
     /// Neither blocks. Receive is repeated until Again before anybody waits: bytes can stand in the
     /// TLS layer while the socket has none.
@@ -61,10 +60,11 @@ public:
     void Wait(bool forSending, int milliseconds) const;
 
 private:
-    NetError SetUrl(const MailPeer& peer, const std::string& host);
+    NetError SetUrl(const MailAccount& account, const std::string& host);
     void SetOptions(const MailPeer& peer);
     NetError Resolve(const MailPeer& peer, const std::string& host, NetClock::time_point deadline,
                      const KeepWaiting& keepWaiting);
+    void ChooseLocalName(const MailPeer& peer, const KeepWaiting& keepWaiting);
     NetError Connect(const MailPeer& peer, NetClock::time_point deadline,
                      const KeepWaiting& keepWaiting);
     NetError Failure(CURLcode code) const;
@@ -75,7 +75,13 @@ private:
     // Kept between connections: it holds the certificates that were read.
     MultiHandle multi_;
     EasyHandle easy_;
+    UrlHandle url_;
     CurlList addresses_;
+    std::string firstAddress_;  // of those that the server has
+    std::string ownName_;       // of this machine, in full; looked up once
+    bool ownNameKnown_ = false;
+    std::string localName_;
+    Security security_ = Security::Automatic;
     std::array<char, CURL_ERROR_SIZE> errorText_{};
     std::string early_;  // received while the connection was taken over
     curl_socket_t socket_ = CURL_SOCKET_BAD;

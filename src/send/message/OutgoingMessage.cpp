@@ -1,12 +1,9 @@
 #include "send/message/OutgoingMessage.h"
 
-#include <algorithm>
 #include <fstream>
 
-#include "connection/ConnectionService.h"
 #include "core/settings/Settings.h"
 #include "core/text/Text.h"
-#include "platform/net/mime/Base64.h"
 #include "platform/net/mime/NetCode.h"
 #include "platform/os/Files.h"
 
@@ -14,7 +11,6 @@ namespace mailvane {
 
 namespace {
 
-constexpr double LargestPort = 65535;
 constexpr int AuthenticationRequired = 530;  ///< RFC 4954 section 6
 
 bool AppendText(const std::string& path, const std::string& text) {
@@ -26,7 +22,7 @@ bool AppendText(const std::string& path, const std::string& text) {
 }  // namespace
 
 OutgoingMessage::OutgoingMessage(Workbench& wb, frmSettings& settings, SmtpClient& smtp)
-    : wb_(wb), settings_(settings), smtp_(smtp), certificateAuthorities_(TrustedAuthorities(wb)) {}
+    : wb_(wb), settings_(settings), smtp_(smtp), accounts_(wb) {}
 
 OutgoingMessage::~OutgoingMessage() {
     DeleteFile(EncodedFile());
@@ -66,12 +62,10 @@ std::string OutgoingMessage::ErrorText(const NetError& error) const {
 void OutgoingMessage::TakeConnectionSettings() {
     smtp_.SetAction(SmtpClient::Action::Reset).Ignore();
     if (!IsNumeric(settings_.txtSMTPPort.Text())) settings_.txtSMTPPort.SetText("25");
-    smtp_.MailPort =
-        static_cast<int>(std::clamp(NumberOf(settings_.txtSMTPPort.Text()), 0.0, LargestPort));
-    smtp_.ConnectionSecurity =
-        static_cast<Security>(std::max(settings_.cmbSMTPSecurity.ListIndex(), 0));
-    smtp_.VerifyCertificate = settings_.chkSMTPVerify.Checked();
-    smtp_.CertificateAuthorities = certificateAuthorities_;
+    MailAccount account = accounts_.Outgoing(settings_);
+    account.User = logon_.user;
+    account.Password = logon_.password;
+    static_cast<MailAccount&>(smtp_) = std::move(account);
 }
 
 void OutgoingMessage::TakeMessage(AssembledMessage message) {
@@ -123,35 +117,21 @@ NetError OutgoingMessage::Deliver() {
 NetError OutgoingMessage::LogOn() {
     if (!settings_.chkSMTPAuth.Checked() || !FirstMessage) return {};
     FirstMessage = false;
-    const LogonData logon = ReadLogon(wb_);
-    if (logon.user.empty() || logon.password.empty()) return {};
+    logon_ = ReadLogon(wb_);
+    if (logon_.user.empty() || logon_.password.empty()) {
+        logon_ = {};
+        return {};
+    }
+    smtp_.User = logon_.user;
+    smtp_.Password = logon_.password;
     if (NetError failed = smtp_.SetAction(SmtpClient::Action::Connect); failed.Failed()) {
         FirstMessage = true;  // the server has not been asked
         return failed;
     }
-    NetError failed = TellLogon(logon);
+    NetError failed = smtp_.LogOn();
     if (failed.Failed())
         failed.description = logonFailure_ = "The logon failed: " + failed.description;
     return failed;
-}
-
-NetError OutgoingMessage::TellLogon(const LogonData& logon) {
-    const bool safe = smtp_.IsSecured() || smtp_.IsLocalPeer();
-    // Asked for before the logon begins: a server left in the middle of one takes the next line
-    // for a password.
-    if (!safe && smtp_.ConnectionSecurity != Security::None)
-        return {net_error::LogonImpossible,
-                "The password was not sent, because the connection to the server is not secured."};
-    if (NetError failed = smtp_.Command("AUTH LOGIN"); failed.Failed()) return failed;
-    if (NetError failed = smtp_.Command(Base64Line(logon.user)); failed.Failed()) return failed;
-    return smtp_.Command(Base64Line(logon.password), true);
-}
-
-std::string OutgoingMessage::Base64Line(const std::string& text) {
-    // Made in memory: a password in a file of the shared temporary folder would be everybody's.
-    std::string line;
-    AppendBase64(line, text);
-    return line;
 }
 
 }  // namespace mailvane

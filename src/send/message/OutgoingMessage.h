@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "connection/Logon.h"
+#include "connection/ProjectAccounts.h"
 #include "core/settings/frmSettings.h"
 #include "platform/net/smtp/SmtpClient.h"
 #include "send/direct/DirectDelivery.h"
@@ -33,8 +34,6 @@ public:
     const std::vector<RefusedRecipient>& RefusedRecipients() const { return refused_; }
     /// The error text of a failure: what a server refuses after a failed logon is put down to that.
     std::string ErrorText(const NetError& error) const;
-    /// Base64 of a short text, without a line end.
-    static std::string Base64Line(const std::string& text);
 
     bool FirstMessage = true;               ///< the logon of the run is still to be made
     std::set<std::string> DeliveredBefore;  ///< addresses that have the next message already
@@ -48,13 +47,13 @@ private:
     bool LeaveOutDelivered();
     NetError Deliver();
     NetError LogOn();
-    NetError TellLogon(const LogonData& logon);
     std::string EncodedFile() const;
 
     Workbench& wb_;
     frmSettings& settings_;
     SmtpClient& smtp_;
-    const std::string certificateAuthorities_;
+    const ProjectAccounts accounts_;
+    LogonData logon_;                         ///< of the run, once it was asked for
     std::unique_ptr<DirectDelivery> direct_;  ///< made for the first message that goes so
     std::vector<RefusedRecipient> refused_;
     std::string logonFailure_;  ///< why the run's logon failed

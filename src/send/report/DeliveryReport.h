@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "core/Workbench.h"
-#include "platform/net/smtp/SmtpClient.h"
+#include "platform/net/smtp/RefusedRecipient.h"
 #include "platform/os/DateTime.h"
 
 namespace mailvane {

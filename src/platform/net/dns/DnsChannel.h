@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "platform/net/NetError.h"
 #include "platform/net/NetWait.h"
-#include "platform/net/smtp/SmtpClient.h"
 
 namespace mailvane {
 

@@ -15,6 +15,7 @@ struct Lookup {
     bool done = false;
     int status = ARES_SUCCESS;
     std::vector<std::string> addresses;
+    std::string fullName;
 };
 
 void OnAddresses(void* argument, int status, int /*timeouts*/, ares_addrinfo* result) {
@@ -29,6 +30,9 @@ void OnAddresses(void* argument, int status, int /*timeouts*/, ares_addrinfo* re
             lookup.addresses.emplace_back(text.data());
         }
     }
+    for (const ares_addrinfo_cname* name = result->cnames; name != nullptr; name = name->next)
+        if (name->name != nullptr) lookup.fullName = name->name;
+    if (lookup.fullName.empty() && result->name != nullptr) lookup.fullName = result->name;
     ares_freeaddrinfo(result);
 }
 
@@ -55,6 +59,7 @@ ResolvedName ResolveName(const std::string& host, const std::string& dnsServers,
     ares_addrinfo_hints hints{};
     hints.ai_family = AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;
+    hints.ai_flags = ARES_AI_CANONNAME;
     ares_getaddrinfo(channel.Handle(), host.c_str(), nullptr, &hints, OnAddresses, &lookup);
     resolved.error = channel.Run(lookup.done, deadline, keepWaiting);
     if (resolved.error.Failed()) return resolved;
@@ -66,6 +71,7 @@ ResolvedName ResolveName(const std::string& host, const std::string& dnsServers,
         return resolved;
     }
     resolved.addresses = std::move(lookup.addresses);
+    resolved.fullName = std::move(lookup.fullName);
     return resolved;
 }
 

@@ -3,13 +3,14 @@
 #include <string>
 #include <vector>
 
+#include "platform/net/NetError.h"
 #include "platform/net/NetWait.h"
-#include "platform/net/smtp/SmtpClient.h"
 
 namespace mailvane {
 
 struct ResolvedName {
     NetError error;                      ///< NameNotFound, TimedOut or Canceled
+    std::string fullName;                ///< the host's own, where its name is an alias
     std::vector<std::string> addresses;  ///< IPv4 and IPv6, the preferred first
 };
 

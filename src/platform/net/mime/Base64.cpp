@@ -22,4 +22,10 @@ void AppendBase64(std::string& out, std::string_view bytes) {
     }
 }
 
+std::string Base64Line(std::string_view text) {
+    std::string line;
+    AppendBase64(line, text);
+    return line;
+}
+
 }  // namespace mailvane

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/net/smtp/SmtpClient.h"
+#include "platform/net/NetError.h"
 
 namespace mailvane {
 

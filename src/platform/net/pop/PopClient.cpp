@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "platform/net/MailConnection.h"
+#include "platform/net/MailLogon.h"
 #include "platform/net/mime/TextCoding.h"
 
 namespace mailvane {
@@ -14,10 +15,6 @@ namespace {
 constexpr std::size_t ReceiveRoom = 4096;
 constexpr std::size_t LongestReply = 64 * 1024;  // far beyond any honest line (RFC 2449 section 4)
 constexpr int QuitTimeout = 5;                   // seconds; nothing depends on the answer
-
-std::string Shown(const std::string& line, bool secret) {
-    return secret ? line.substr(0, line.find(' ')) + " ***" : line;
-}
 
 }  // namespace
 
@@ -58,18 +55,15 @@ struct PopClient::State {
 
 NetError PopClient::State::Connect() {
     MailPeer peer;
-    peer.protocol = "pop3";
-    peer.host = Trimmed(client.MailServer);
-    peer.port = client.MailPort;
-    peer.security = client.ConnectionSecurity;
-    peer.verifyCertificate = client.VerifyCertificate;
-    peer.certificateAuthorities = client.CertificateAuthorities;
+    peer.account = client;
+    peer.account.MailServer = Trimmed(client.MailServer);
     peer.dnsServers = client.DnsServers;
     peer.connectTimeout = client.ConnectTimeout;
     peer.answerTimeout = client.Timeout;
     canceled = false;
     lastReply.clear();
-    if (peer.host.empty()) return {net_error::ConnectFailed, "No mail server is given."};
+    if (peer.account.MailServer.empty())
+        return {net_error::ConnectFailed, "No mail server is given."};
     NetError error = connection.Open(peer, [this] { return KeepGoing(); });
     // The server's own words say more than that it refused.
     if (error.code == net_error::BadReply && lastReply.starts_with("-ERR"))
@@ -126,7 +120,7 @@ NetError PopClient::State::ReadLine(NetClock::time_point deadline) {
 NetError PopClient::State::Exchange(const std::string& line, bool secret, int timeoutSeconds) {
     if (!connection.IsOpen()) return {net_error::NotConnected, "Socket is not connected."};
     const std::string plain = WithoutLineBreaks(line);
-    Tell(Direction::Sent, Shown(plain, secret));
+    Tell(Direction::Sent, secret ? WithoutSecret(plain) : plain);
     const auto deadline = NetClock::now() + std::chrono::seconds(timeoutSeconds);
     NetError error = Write(plain + "\r\n", deadline);
     if (error.Ok()) error = ReadLine(deadline);
@@ -135,7 +129,10 @@ NetError PopClient::State::Exchange(const std::string& line, bool secret, int ti
     return {net_error::BadReply, lastReply};
 }
 
-PopClient::PopClient() : state_(std::make_unique<State>(*this)) {}
+PopClient::PopClient() : state_(std::make_unique<State>(*this)) {
+    MailProtocol = Protocol::Pop3;
+    MailPort = 110;
+}
 PopClient::~PopClient() = default;
 
 NetError PopClient::Connect() {
@@ -144,11 +141,21 @@ NetError PopClient::Connect() {
 
 NetError PopClient::Command(const std::string& line, bool secret) {
     state_->canceled = false;
-    const bool safe = IsSecured() || IsLocalPeer() || ConnectionSecurity == Security::None;
-    if (secret && !safe && state_->connection.IsOpen())
-        return {net_error::LogonImpossible,
-                "The password was not sent, because the connection to the server is not secured."};
+    if (secret)
+        if (NetError refused = state_->connection.MayCarrySecrets(); refused.Failed())
+            return refused;
     return state_->Exchange(line, secret, Timeout);
+}
+
+NetError PopClient::LogOn() {
+    const std::vector<LogonLine> lines = LogonLines(*this);
+    // Asked before the logon begins: the user's name is not told for nothing.
+    if (!lines.empty())
+        if (NetError refused = state_->connection.MayCarrySecrets(); refused.Failed())
+            return refused;
+    for (const LogonLine& line : lines)
+        if (NetError failed = Command(line.text, line.secret); failed.Failed()) return failed;
+    return {};
 }
 
 void PopClient::Disconnect() {

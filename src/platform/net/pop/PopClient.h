@@ -4,35 +4,35 @@
 #include <memory>
 #include <string>
 
-#include "platform/net/smtp/SmtpClient.h"
+#include "platform/net/Direction.h"
+#include "platform/net/MailAccount.h"
+#include "platform/net/NetError.h"
 
 namespace mailvane {
 
 /// A mailbox on a POP3 server (RFC 1939), one command at a time. Every call blocks, and meanwhile
-/// calls `onIdle` at least every 50 ms; from there Cancel ends it.
-class PopClient {
+/// calls `onIdle` at least every 50 ms; from there Cancel ends it. Where to is said by the
+/// properties of MailAccount.
+class PopClient : public MailAccount {
 public:
     PopClient();
     ~PopClient();
     PopClient(const PopClient&) = delete;
     PopClient& operator=(const PopClient&) = delete;
 
-    // Where to, and how. With automatic security port 995 means implicit TLS.
-    std::string MailServer;
-    int MailPort = 110;
-    Security ConnectionSecurity = Security::Automatic;
-    bool VerifyCertificate = true;
-    std::string CertificateAuthorities;  ///< a PEM file in place of the system's; "" for those
-    std::string DnsServers;              ///< "address[:port],..."; "" takes the system's
-    int Timeout = 300;                   ///< seconds of waiting for an answer
-    int ConnectTimeout = 30;             ///< seconds
+    std::string DnsServers;   ///< "address[:port],..."; "" takes the system's
+    int Timeout = 300;        ///< seconds of waiting for an answer
+    int ConnectTimeout = 30;  ///< seconds
 
     /// Greeting and STLS. Fails as MailConnection::Open does.
     NetError Connect();
     /// Sends one line and waits for the answer's first line. "-ERR" is a failure with BadReply and
-    /// the server's words. `secret` shows what follows the first word as "***" and goes over an
-    /// unsecured connection to this machine only, unless security is None: else LogonImpossible.
+    /// the server's words. `secret` keeps what follows the first word out of the protocol, and off
+    /// connections that may not carry it: LogonImpossible.
     NetError Command(const std::string& line, bool secret = false);
+    /// Logs User on, if there is one. LogonImpossible, with nothing said to the server, when the
+    /// connection may not carry a password.
+    NetError LogOn();
     void Disconnect();  ///< with QUIT when connected
     void Cancel();      ///< the call that is under way fails with Canceled
 

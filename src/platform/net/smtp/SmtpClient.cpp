@@ -1,13 +1,11 @@
 #include "platform/net/smtp/SmtpClient.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <unordered_set>
 #include <utility>
 
+#include "platform/net/MailLogon.h"
 #include "platform/net/mime/MailAddress.h"
 #include "platform/net/mime/TextCoding.h"
 #include "platform/net/smtp/SmtpLink.h"
@@ -18,28 +16,6 @@ namespace mailvane {
 namespace {
 
 constexpr int QuitTimeout = 5;  // seconds; by then nothing depends on the answer
-
-/// A name fit for EHLO and Message-ID: the one given, else the host's.
-std::string HelloName(const std::string& given) {
-    std::string name = given;
-    if (name.empty()) {
-        std::array<char, 256> host{};
-        if (gethostname(host.data(), host.size() - 1) == 0) name = host.data();
-    }
-    constexpr std::string_view Marks = ".-[]:";
-    std::erase_if(name, [&](char c) {
-        const bool plain =
-            (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-        return !plain && Marks.find(c) == std::string_view::npos;
-    });
-    return name.empty() ? "localhost" : name;
-}
-
-bool IsSamePlace(const MailPeer& a, const MailPeer& b) {
-    return a.host == b.host && a.port == b.port && a.security == b.security &&
-           a.verifyCertificate == b.verifyCertificate &&
-           a.certificateAuthorities == b.certificateAuthorities;
-}
 
 /// The server has no room for the recipient in this transaction. 552 is what older servers say, and
 /// clients should take it the same way (RFC 5321 section 4.5.3.1.10).
@@ -54,27 +30,6 @@ void MovePostponed(std::vector<RefusedRecipient>& from, std::vector<RefusedRecip
     std::copy_if(from.begin(), from.end(), std::back_inserter(to), IsPostponed);
     std::erase_if(from, IsPostponed);
 }
-
-/// A logon that succeeded, to be repeated when the connection has to be made again.
-struct Logon {
-    struct Line {
-        std::string text;
-        bool secret;
-    };
-    std::vector<Line> lines;
-    bool underWay = false;
-
-    void Note(const std::string& text, bool secret, bool failed, int replyCode) {
-        if (StartsWithIgnoringCase(text, "AUTH ")) {
-            lines.clear();
-            underWay = true;
-        }
-        if (!underWay) return;
-        lines.push_back({text, secret});
-        if (failed) lines.clear();
-        underWay = !failed && replyCode == 334;  // RFC 4954 section 4
-    }
-};
 
 }  // namespace
 
@@ -100,8 +55,7 @@ struct SmtpClient::State {
     NetError Reach();
     NetError Disconnect();
     NetError Quit();
-    NetError LogonAgain();
-    NetError Exchange(const std::string& line, bool secret);
+    NetError LogOn();
     NetError Command(const std::string& line, bool secret);
     NetError Send();
     void SendPostponed(const std::string& sender, std::size_t accepted);
@@ -116,9 +70,9 @@ struct SmtpClient::State {
     MailPeer peer;  // of the present connection
     SmtpMessage message;
     MessageSource source;
-    Logon logon;
     std::string lastReply;
     std::vector<RefusedRecipient> refused;
+    bool loggedOn = false;  // to be repeated when the connection has to be made again
     bool busy = false;
     bool dropAsked = false;
     bool transferring = false;
@@ -155,13 +109,8 @@ void SmtpClient::State::TellProgress() {
 
 MailPeer SmtpClient::State::WantedPeer() const {
     MailPeer wanted;
-    wanted.protocol = "smtp";
-    wanted.host = Trimmed(client.MailServer);
-    wanted.port = client.MailPort;
-    wanted.security = client.ConnectionSecurity;
-    wanted.verifyCertificate = client.VerifyCertificate;
-    wanted.certificateAuthorities = client.CertificateAuthorities;
-    wanted.localName = HelloName(client.LocalName);
+    wanted.account = client;
+    wanted.account.MailServer = Trimmed(client.MailServer);
     wanted.dnsServers = client.DnsServers;
     wanted.connectTimeout = client.ConnectTimeout;
     wanted.answerTimeout = client.Timeout;
@@ -170,22 +119,23 @@ MailPeer SmtpClient::State::WantedPeer() const {
 
 NetError SmtpClient::State::Open() {
     MailPeer wanted = WantedPeer();
-    if (!IsSamePlace(wanted, peer)) logon = {};
+    if (wanted.account != peer.account) loggedOn = false;
     peer = std::move(wanted);
-    if (peer.host.empty()) return {net_error::ConnectFailed, "No mail server is given."};
+    if (peer.account.MailServer.empty())
+        return {net_error::ConnectFailed, "No mail server is given."};
     return link.Open(peer);
 }
 
 /// Leaves the present connection when it goes elsewhere than the properties say.
 NetError SmtpClient::State::Reach() {
-    if (IsSamePlace(WantedPeer(), peer) && link.IsAlive()) return {};
+    if (WantedPeer().account == peer.account && link.IsAlive()) return {};
     return Quit();
 }
 
 NetError SmtpClient::State::Connect() {
     NetError error = Reach();
     if (error.Failed() || link.Connection().IsOpen()) return error;
-    logon = {};  // the caller logs on to a connection that it asked for
+    loggedOn = false;  // the caller logs on to a connection that it asked for
     return Open();
 }
 
@@ -199,34 +149,36 @@ NetError SmtpClient::State::Quit() {
 }
 
 NetError SmtpClient::State::Disconnect() {
-    logon = {};
+    loggedOn = false;
     return Quit();
 }
 
 // --- single lines -----------------------------------------------------------------------------
 
-NetError SmtpClient::State::Exchange(const std::string& line, bool secret) {
+NetError SmtpClient::State::Command(const std::string& line, bool secret) {
     const MailConnection& connection = link.Connection();
     if (!connection.IsOpen()) return {net_error::NotConnected, "Socket is not connected."};
-    const bool safe = connection.IsSecured() || connection.IsLocalPeer();
-    if (secret && !safe && peer.security != Security::None) {
-        return {net_error::LogonImpossible,
-                "The password was not sent, because the connection to the server is not secured."};
-    }
+    if (secret)
+        if (NetError unsafe = connection.MayCarrySecrets(); unsafe.Failed()) return unsafe;
     link.Session().Command(WithoutLineBreaks(line), secret);
     return link.Run(client.Timeout);
 }
 
-NetError SmtpClient::State::Command(const std::string& line, bool secret) {
-    NetError error = Exchange(line, secret);
-    logon.Note(line, secret, error.Failed(), link.Session().LastReply().Code());
-    return error;
-}
-
-NetError SmtpClient::State::LogonAgain() {
-    for (const Logon::Line& line : logon.lines) {
-        if (NetError error = Exchange(line.text, line.secret); error.Failed()) return error;
-    }
+NetError SmtpClient::State::LogOn() {
+    loggedOn = false;
+    std::string mechanisms;
+    link.Session().Extensions().Offers("AUTH", &mechanisms);
+    const std::vector<LogonLine> lines = LogonLines(client, mechanisms);
+    if (lines.empty()) return {};
+    // Asked before the logon begins: a server left in the middle of one takes the next line for a
+    // password.
+    if (NetError unsafe = link.Connection().MayCarrySecrets(); unsafe.Failed()) return unsafe;
+    for (const LogonLine& line : lines)
+        if (NetError failed = Command(line.text, line.secret); failed.Failed()) return failed;
+    const SmtpReply& reply = link.Session().LastReply();
+    if (!reply.Accepted())
+        return {net_error::BadReply, "The server did not end the logon: " + reply.Description()};
+    loggedOn = true;
     return {};
 }
 
@@ -310,7 +262,7 @@ NetError SmtpClient::State::Deliver(const std::vector<std::string>& recipients,
         if (!closed || link.Session().AnyAnswer()) return error;
     }
     error = Open();
-    if (error.Ok()) error = LogonAgain();
+    if (error.Ok() && loggedOn) error = LogOn();
     return error.Failed() ? error : TransferTo(recipients, sender);
 }
 
@@ -319,7 +271,7 @@ NetError SmtpClient::State::TransferTo(const std::vector<std::string>& recipient
     SmtpSession& session = link.Session();
     const SmtpExtensions& server = session.Extensions();
     message.Compose({client.From, client.SendTo, client.Cc, client.Subject, client.OtherHeaders,
-                     client.MessageText, client.Date, peer.localName, composed},
+                     client.MessageText, client.Date, link.Connection().LocalName(), composed},
                     {server.Offers("8BITMIME"), server.Offers("SMTPUTF8")});
     composed = true;
     NetError error =
@@ -378,6 +330,10 @@ NetError SmtpClient::SetAction(Action action) {
 
 NetError SmtpClient::Command(const std::string& line, bool secret) {
     return state_->Perform([&] { return state_->Command(line, secret); });
+}
+
+NetError SmtpClient::LogOn() {
+    return state_->Perform([&] { return state_->LogOn(); });
 }
 
 std::vector<std::string> SmtpClient::EnvelopeRecipients() const {

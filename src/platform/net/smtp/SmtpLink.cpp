@@ -4,8 +4,6 @@
 #include <chrono>
 #include <utility>
 
-#include "platform/net/mime/TextCoding.h"
-
 namespace mailvane {
 
 namespace {
@@ -28,12 +26,8 @@ SmtpLink::SmtpLink(Events events)
       buffer_(ReceiveRoom) {}
 
 void SmtpLink::OnBeginning(Direction direction, std::string_view bytes) {
-    if (direction == Direction::Received) {
-        NetError error = session_.Observe(bytes);
-        if (beginning_.Ok()) beginning_ = std::move(error);
-    } else {
-        events_.onLine(direction, Trimmed(bytes));
-    }
+    NetError error = session_.Observe(direction, bytes);
+    if (beginning_.Ok()) beginning_ = std::move(error);
 }
 
 NetError SmtpLink::Open(const MailPeer& peer) {
@@ -43,10 +37,6 @@ NetError SmtpLink::Open(const MailPeer& peer) {
     if (beginning_.Failed()) {
         connection_.Close();
         return beginning_;
-    }
-    if (error.Ok()) {
-        session_.Hello(peer.localName);
-        return Run(peer.answerTimeout);
     }
     const bool byServer = error.code == net_error::BadReply || error.code == net_error::TlsFailed;
     return byServer && session_.LastReply().Refused() ? session_.LastReply().AsError() : error;

@@ -22,7 +22,8 @@ public:
 
     explicit SmtpLink(Events events);
 
-    /// Connects and says EHLO. A refusal is told in the server's words, with its code.
+    /// Connects, secures the connection and says EHLO. A refusal is told in the server's words,
+    /// with its code.
     NetError Open(const MailPeer& peer);
     /// Runs the operation that was begun on Session() to its end. A connection on which the
     /// conversation cannot go on is closed.

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/net/smtp/SmtpClient.h"
+#include "platform/net/NetError.h"
 
 namespace mailvane {
 

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "platform/net/MailLogon.h"
 #include "platform/net/mime/MailAddress.h"
 #include "platform/net/mime/TextCoding.h"
 
@@ -91,26 +92,27 @@ void SmtpSession::Break(NetError result) {
     Finish(Interrupted(std::move(result)));
 }
 
-NetError SmtpSession::Observe(std::string_view bytes) {
+NetError SmtpSession::Observe(Direction direction, std::string_view bytes) {
+    if (direction == Direction::Sent) {
+        onLine_(direction, Trimmed(bytes));
+        // What was offered before the connection was secured counts no more.
+        extensions_.Clear();
+        helloSaid_ = StartsWithIgnoringCase(bytes, "EHLO ");
+        return {};
+    }
     while (const auto line = lines_.Next(bytes)) {
         onLine_(Direction::Received, *line);
+        const bool first = !reply_.Started();
         if (reply_.AddLine(*line) == SmtpReply::Progress::Malformed) return NotUnderstood(*line);
+        if (helloSaid_ && !first && reply_.Accepted()) extensions_.AddLine(reply_.LastLine());
     }
     return {};
-}
-
-void SmtpSession::Hello(const std::string& localName) {
-    Begin();
-    lines_ = {};
-    localName_ = localName;
-    extensions_.Clear();
-    Queue(Step::Ehlo, "EHLO " + localName);
 }
 
 void SmtpSession::Command(std::string_view line, bool secret) {
     Begin();
     pending_.push_back(Step::Command);
-    onLine_(Direction::Sent, secret ? "***" : line);
+    onLine_(Direction::Sent, secret ? WithoutSecret(line) : std::string(line));
     out_ += line;
     out_ += "\r\n";
 }
@@ -275,11 +277,8 @@ void SmtpSession::Receive(std::string_view bytes) {
         const auto line = lines_.Next(bytes);
         if (!line) break;
         onLine_(Direction::Received, *line);
-        const bool helloText = AnswersPending() && pending_[nextPending_] == Step::Ehlo;
-        const bool first = !reply_.Started();
         const SmtpReply::Progress progress = reply_.AddLine(*line);
         if (progress == SmtpReply::Progress::Malformed) return Break(NotUnderstood(*line));
-        if (helloText && !first && reply_.Accepted()) extensions_.AddLine(reply_.LastLine());
         if (progress == SmtpReply::Progress::Complete) OnReply();
     }
     if (!broken_ && lines_.TooLong()) {
@@ -310,10 +309,6 @@ void SmtpSession::OnReply() {
     answered_ = true;
     const Step step = pending_[nextPending_++];
     switch (step) {
-        case Step::Ehlo:
-        case Step::Helo:
-            OnHello(step);
-            break;
         case Step::Mail:
             OnMail();
             break;
@@ -343,16 +338,6 @@ void SmtpSession::OnReply() {
             break;
     }
     RecoverWhenQuiet();
-}
-
-void SmtpSession::OnHello(Step step) {
-    if (reply_.Accepted()) {
-        Finish({});
-    } else if (step == Step::Ehlo && reply_.Code() >= 500) {
-        Queue(Step::Helo, "HELO " + localName_);  // RFC 5321 section 3.2
-    } else {
-        Break(reply_.AsError());
-    }
 }
 
 void SmtpSession::OnMail() {

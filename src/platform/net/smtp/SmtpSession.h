@@ -7,8 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/net/Direction.h"
 #include "platform/net/smtp/MessageSource.h"
-#include "platform/net/smtp/SmtpClient.h"
+#include "platform/net/smtp/RefusedRecipient.h"
 #include "platform/net/smtp/SmtpReply.h"
 
 namespace mailvane {
@@ -35,7 +36,7 @@ struct SmtpEnvelope {
 
 /// The SMTP conversation without a socket: bytes in by Receive, bytes out by Output and Written.
 ///
-/// One operation at a time (Hello, Send, Command, Quit); it is over when Done() is true, and
+/// One operation at a time (Send, Command, Quit); it is over when Done() is true, and
 /// Result() tells its outcome. When Broken() is true the connection can only be closed. A message
 /// goes out in one of three forms, by what the server offers: MAIL, RCPT and BDAT in one write
 /// (PIPELINING and CHUNKING), MAIL, RCPT and DATA in one write (PIPELINING), or each command after
@@ -50,13 +51,11 @@ public:
 
     /// Forgets everything about an earlier connection.
     void Open();
-    /// Server lines of the beginning that the transport holds itself (greeting, EHLO, STARTTLS):
-    /// kept as LastReply, so that a refusal is told in the server's words. BadReply for what is no
-    /// reply.
-    NetError Observe(std::string_view bytes);
+    /// The beginning, which the transport holds itself (greeting, EHLO or HELO, STARTTLS, EHLO):
+    /// the extensions are those of the last EHLO, and the last reply is kept, so that a refusal is
+    /// told in the server's words. BadReply for what is no reply.
+    NetError Observe(Direction direction, std::string_view bytes);
 
-    /// EHLO, or HELO where the server does not know it.
-    void Hello(const std::string& localName);
     /// Sends a message. `source` must live until the operation is over.
     void Send(const SmtpEnvelope& envelope, MessageSource& source);
     void Command(std::string_view line, bool secret);
@@ -84,20 +83,7 @@ public:
     std::int64_t BytesSent() const { return bytesSent_; }  ///< of the present message's transfer
 
 private:
-    enum class Step {
-        Ehlo,
-        Helo,
-        Mail,
-        Rcpt,
-        Data,
-        Chunk,
-        LastChunk,
-        DataEnd,
-        EmptyEnd,
-        Rset,
-        Command,
-        Quit
-    };
+    enum class Step { Mail, Rcpt, Data, Chunk, LastChunk, DataEnd, EmptyEnd, Rset, Command, Quit };
     enum class Form { OneByOne, Pipelined, Chunks };
 
     void Begin();
@@ -115,7 +101,6 @@ private:
     void ReadData();
 
     void OnReply();
-    void OnHello(Step step);
     void OnMail();
     void OnRecipient();
     void OnData();
@@ -132,7 +117,7 @@ private:
     LineReader lines_;
     SmtpReply reply_;
     SmtpExtensions extensions_;
-    std::string localName_;
+    bool helloSaid_ = false;  // the beginning's next reply is the one to EHLO
 
     std::string out_;
     std::size_t outPosition_ = 0;
