@@ -64,7 +64,7 @@ TEST_F(Project, TextHasTheFormsOrder) {
     EXPECT_TRUE(text.starts_with("txtName*|*#|#txtEmail*|*#|#txtReplyTo*|*#|#"));
     EXPECT_NE(text.find("optIdentityDefault*|*True#|#optIdentityAnonymous*|*False#|#"),
               std::string::npos);
-    EXPECT_TRUE(text.ends_with("chkPOPVerify*|*1#|#\r\n"));
+    EXPECT_TRUE(text.ends_with("chkPOPVerify*|*1#|#chkStandardParts*|*1#|#\r\n"));
     EXPECT_EQ(text.find("lblTimeOut"), std::string::npos);
     EXPECT_EQ(text.find("lbxRules"), std::string::npos);
 }

@@ -119,7 +119,8 @@ TEST(BuildOutgoingMessage, HtmlText) {
     }
 }
 
-TEST_F(OneMessage, MultipartOfAPlainMessage) {
+TEST_F(OneMessage, MultipartOfAPlainMessageAsGiven) {
+    settings.chkStandardParts.SetChecked(false);
     record.Attach = folder.Write("a.txt", "hello");
     record.Priority = "5";
     EXPECT_EQ(WireBody(),
@@ -141,7 +142,8 @@ TEST_F(OneMessage, MultipartOfAPlainMessage) {
     EXPECT_EQ(WireBody(), "Text\r\n") << "an attachment is not left for the next message";
 }
 
-TEST_F(OneMessage, MultipartOfHtmlKeepsItsPartHeaderOnOneLine) {
+TEST_F(OneMessage, MultipartOfHtmlAsGivenKeepsItsPartHeaderOnOneLine) {
+    settings.chkStandardParts.SetChecked(false);
     record.ContentType = "html";
     record.HTML = "unused";
     record.HTMLCode = "<p>x</p>";

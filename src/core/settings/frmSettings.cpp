@@ -256,6 +256,9 @@ void frmSettings::SetTips() {
         {&chkIndent, "Mark the quoted text of replies and forwards"},
         {&cmbIndent, "Character before each quoted line"},
         {&chkAddHTMLHeader, "Put a comment at the top of HTML messages"},
+        {&chkStandardParts,
+         "Each part of a message with an attachment says in full what it holds; off writes the "
+         "parts as earlier versions did"},
         {&txtAddHTMLHeader, "Text of the comment"},
         {&chkAddSignature, "Put a signature below outgoing messages"},
         {&txtSignature, "Text of the signature"},

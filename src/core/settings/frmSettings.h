@@ -54,6 +54,7 @@ public:
     TextBox txtPOPPort{*this, "txtPOPPort", "110"};
     CheckBox chkSMTPVerify{*this, "chkSMTPVerify", true};
     CheckBox chkPOPVerify{*this, "chkPOPVerify", true};
+    CheckBox chkStandardParts{*this, "chkStandardParts", true};
 
     Label lblTimeOut{*this, "lblTimeOut"};
     ListBoks lbxRules{*this, "lbxRules"};

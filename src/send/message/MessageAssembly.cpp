@@ -41,18 +41,19 @@ std::string HtmlText(const frmSettings& settings, const MessageRecord& record) {
     return text + (Trim(record.HTMLCode).empty() ? ReadFileText(record.HTML) : record.HTMLCode);
 }
 
-std::string MultipartText(const MessageRecord& record, const std::string& text) {
-    const std::string delimiter = std::string("--") + Boundary + "\r\n";
-    std::string multipart = "This is a multi-part message in MIME format.\r\n" + delimiter;
+MessageParts PartsOf(const frmSettings& settings, const MessageRecord& record) {
+    MessageParts parts;
+    parts.form = settings.chkStandardParts.Checked() ? MessageParts::Form::Standard
+                                                     : MessageParts::Form::AsGiven;
+    parts.boundary = Boundary;
+    parts.opening = "This is a multi-part message in MIME format.\r\n";
+    parts.textType = IsHtml(record) ? "text/html" : "text/plain";
     if (!record.HTML.empty())
-        multipart +=
+        parts.textHeaders =
             "Content-Type: text/html;    charset=\"iso-8859-1\""
             "Content-Transfer-Encoding: quoted-printable";
-    multipart += "\r\n" + text + "\r\n" + delimiter;
-    multipart += "Content-Type: application/octet-stream; " +
-                 NameParameter(AttachmentName(record.Attach)) +
-                 "\r\nContent-Transfer-Encoding: base64\r\n\r\n";
-    return multipart;
+    parts.fileType = "application/octet-stream; " + NameParameter(AttachmentName(record.Attach));
+    return parts;
 }
 
 std::string AttachmentRemark(const std::string& path) {
@@ -63,10 +64,6 @@ std::string AttachmentRemark(const std::string& path) {
 }
 
 }  // namespace
-
-std::string AttachmentEnd() {
-    return std::string("--") + Boundary + "--\r\n";
-}
 
 bool HasAddress(MessageRecord& record) {
     record.To = Trim(record.To);
@@ -88,11 +85,12 @@ AssembledMessage AssembleMessage(const frmSettings& settings, const MessageRecor
     message.subject = record.Subject;
     message.otherHeaders = BuildExtraHeaders(settings, record);
     message.text = BodyText(settings, record);
+    message.leaveOutEmptyReplyTo = settings.chkStandardParts.Checked();
     if (record.Attach.empty()) return message;
     message.otherHeaders +=
         std::string("MIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=") + Boundary +
         "\r\n";
-    message.text = MultipartText(record, message.text);
+    message.parts = PartsOf(settings, record);
     return message;
 }
 
@@ -125,11 +123,14 @@ std::string WireText(const frmSettings& settings, const MessageRecord& record) {
                   .cc = message.cc,
                   .subject = message.subject,
                   .otherHeaders = message.otherHeaders,
-                  .text = message.text},
+                  .text = message.text,
+                  .parts = message.parts ? &*message.parts : nullptr,
+                  .leaveOutEmptyReplyTo = message.leaveOutEmptyReplyTo},
                  {.eightBit = true});
     std::string text(wire.Head());
     text += wire.Body();
-    if (!record.Attach.empty()) text += AttachmentRemark(record.Attach) + AttachmentEnd();
+    if (message.parts) text += AttachmentRemark(record.Attach);
+    text += wire.Tail();
     return text;
 }
 

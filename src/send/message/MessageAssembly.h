@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "core/settings/frmSettings.h"
+#include "platform/net/mime/MessageParts.h"
 #include "store/MessageRecord.h"
 
 namespace mailvane {
@@ -15,11 +17,10 @@ struct AssembledMessage {
     std::string bcc;
     std::string subject;
     std::string otherHeaders;
-    std::string text;  ///< with an attachment: all that stands before its coded bytes
+    std::string text;
+    std::optional<MessageParts> parts;  ///< with an attachment; its coded file is not made yet
+    bool leaveOutEmptyReplyTo = false;
 };
-
-/// What follows the coded bytes of an attachment.
-std::string AttachmentEnd();
 
 /// Whether a To line could hold an address; the blanks around it are taken away.
 bool HasAddress(MessageRecord& record);

@@ -1,7 +1,5 @@
 #include "send/message/OutgoingMessage.h"
 
-#include <fstream>
-
 #include "core/settings/Settings.h"
 #include "core/text/Text.h"
 #include "platform/net/mime/NetCode.h"
@@ -12,12 +10,6 @@ namespace mailvane {
 namespace {
 
 constexpr int AuthenticationRequired = 530;  ///< RFC 4954 section 6
-
-bool AppendText(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary | std::ios::app);
-    file << text << std::flush;
-    return file.good();
-}
 
 }  // namespace
 
@@ -75,6 +67,8 @@ void OutgoingMessage::TakeMessage(AssembledMessage message) {
     smtp_.BCc = std::move(message.bcc);
     smtp_.Subject = std::move(message.subject);
     smtp_.MessageText = std::move(message.text);
+    smtp_.Parts = std::move(message.parts);
+    smtp_.LeaveOutEmptyReplyTo = message.leaveOutEmptyReplyTo;
     smtp_.OtherHeaders = std::move(message.otherHeaders);
 }
 
@@ -85,9 +79,7 @@ NetError OutgoingMessage::EncodeAttachment(const std::string& path) {
     coder.EncodedFile = EncodedFile();
     coder.Overwrite = true;
     if (NetError failed = coder.SetAction(NetCode::Action::Encode); failed.Failed()) return failed;
-    if (!AppendText(EncodedFile(), AttachmentEnd()))
-        return {net_error::FileUnwritable, "Cannot write the file '" + EncodedFile() + "'."};
-    smtp_.AttachedFile = EncodedFile();
+    smtp_.Parts->codedFile = EncodedFile();
     return {};
 }
 

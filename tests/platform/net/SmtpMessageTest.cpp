@@ -146,40 +146,54 @@ TEST(SmtpMessage, Body) {
     }
 }
 
-TEST(SmtpMessage, Multipart) {
-    const std::string type = "Content-Type: multipart/mixed; boundary=bnd\r\n";
-    const auto body = [](const std::string& part, const std::string& name) {
-        return "This is a multi-part message in MIME format.\r\n--bnd\r\n" + part +
-               "\r\n--bnd\r\nContent-Type: application/octet-stream; name=" + name +
-               "\r\nContent-Transfer-Encoding: base64\r\n\r\n";
+TEST(SmtpMessage, Parts) {
+    constexpr auto AsGiven = MessageParts::Form::AsGiven;
+    constexpr auto Standard = MessageParts::Form::Standard;
+    const auto body = [](const std::string& part, const std::string& boundary = "bnd") {
+        return "Parts.\r\n--" + boundary + "\r\n" + part + "\r\n--" + boundary +
+               "\r\nContent-Type: application/x; name=x\r\nContent-Transfer-Encoding: "
+               "base64\r\n\r\n--" +
+               boundary + "--\r\n";
     };
-    const std::string coded = "Content-Type: text/plain; charset=utf-8";
-    const std::string html =
-        "Content-Type: text/html;    charset=\"iso-8859-1\"Content-Transfer-Encoding: "
-        "quoted-printable\r\n";
-    const std::string codedHtml = "Content-Type: text/html;    charset=utf-8";
+    const std::string given = "Content-Type: text/html;    charset=\"iso-8859-1\"Content-T: q";
+    const std::string coded = "Content-Type: text/html;    charset=utf-8";
+    const std::string type = "Content-Type: text/html; charset=";
+    const std::string sevenBit = "us-ascii\r\nContent-Transfer-Encoding: 7bit\r\n\r\n";
     const struct {
         const char* name;
+        MessageParts::Form form;
+        std::string headers;
         std::string text;
         bool eightBit;
         std::string wire;
     } rows[] = {
-        {"ASCII as it stands", body(html + "<p>a", "x.doc"), false, body(html + "<p>a", "x.doc")},
-        {"plain, 8 bits taken", body("\r\nž", "x"), true, body(coded + EightBit + "\r\nž", "x")},
-        {"plain, 8 bits not taken", body("\r\nž\r\n", "x"), false,
-         body(coded + QuotedPrintable + "\r\n=C5=BE\r\n", "x")},
-        {"HTML that follows its header line at once", body(html + "<p>ž", "x"), false,
-         body(codedHtml + QuotedPrintable + "\r\n<p>=C5=BE", "x")},
-        {"boundary inside the text", body("\r\nž\r\n--bnd\r\nž", "x"), false,
-         body(coded + QuotedPrintable + "\r\n=C5=BE\r\n--bnd\r\n=C5=BE", "x")},
-        {"file name outside ASCII", body("\r\na", "Ž.doc"), false,
-         body("\r\na", "\"=?utf-8?B?xb0uZG9j?=\"")},
+        {"ASCII as given", AsGiven, given, "<p>a", true, body(given + "\r\n<p>a")},
+        {"boundary inside the text as given", AsGiven, "", "--bnd", true, body("\r\n--bnd")},
+        {"given, 8 bits taken", AsGiven, "", "ž", true,
+         body("Content-Type: text/plain; charset=utf-8" + EightBit + "\r\nž")},
+        {"given, 8 bits not taken", AsGiven, given, "ž", false,
+         body(coded + QuotedPrintable + "\r\n=C5=BE")},
+        {"standard", Standard, given, "<p>a", true, body(type + sevenBit + "<p>a")},
+        {"boundary inside the text", Standard, given, "bnd, bnd1", true,
+         body(type + sevenBit + "bnd, bnd1", "bnd2")},
+        {"standard, 8 bits taken", Standard, given, "ž", true,
+         body(type + "utf-8" + EightBit + "\r\nž")},
+        {"standard, NUL", Standard, given, "a\0"s, true,
+         body(type + "us-ascii" + QuotedPrintable + "\r\na=00")},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const std::string wire =
-            Wire({"a@x", "", "", "", type, row.text, "", "me"}, {row.eightBit, false});
-        EXPECT_EQ(wire.substr(wire.find("\r\n\r\n") + 4), row.wire);
+        const MessageParts parts{row.form,    "bnd",       "Parts.\r\n",
+                                 "text/html", row.headers, "application/x; name=x"};
+        SmtpMessage message;
+        message.Compose({.from = "a@x", .text = row.text, .parts = &parts}, {row.eightBit, false});
+        EXPECT_EQ(std::string(message.Body()) + std::string(message.Tail()), row.wire);
+        const std::string boundary = row.wire.substr(row.wire.rfind("\r\n--") + 4);
+        EXPECT_NE(message.Head().find("multipart/mixed; boundary=" +
+                                      boundary.substr(0, boundary.size() - 4)),
+                  std::string::npos);
+        EXPECT_EQ(message.WireSize(),
+                  message.Head().size() + message.Body().size() + message.Tail().size());
     }
 }
 
@@ -253,8 +267,8 @@ TEST_F(NetCodeTest, Failures) {
 TEST_F(NetCodeTest, FileFollowsTheText) {
     folder.Write("in", std::string(200 * 1024, 'x') + "\n.y");
     MessageSource source;
-    ASSERT_TRUE(source.Open("H: h\r\n\r\n", "text\r", 14, code.DecodedFile).Ok());
-    EXPECT_EQ(source.Size(), 14 + 200 * 1024 + 3);
+    ASSERT_TRUE(source.Open("H: h\r\n\r\n", "text\r", 19, code.DecodedFile, "end\r\n").Ok());
+    EXPECT_EQ(source.Size(), 19 + 200 * 1024 + 3);
     std::string out;
     std::size_t largest = 0;
     while (!source.AtEnd()) {
@@ -262,7 +276,7 @@ TEST_F(NetCodeTest, FileFollowsTheText) {
         ASSERT_TRUE(source.Read(out, 1000, true).Ok());
         largest = std::max(largest, out.size() - before);
     }
-    EXPECT_EQ(out, "H: h\r\n\r\ntext\r\n" + std::string(200 * 1024, 'x') + "\r\n..y\r\n");
+    EXPECT_EQ(out, "H: h\r\n\r\ntext\r\n" + std::string(200 * 1024, 'x') + "\r\n..yend\r\n");
     EXPECT_LE(largest, 70U * 1024);
 
     const NetError missing = source.Open("", "", 0, code.DecodedFile + "x");

@@ -93,6 +93,12 @@ std::string HeaderBlock::Value(std::string_view name) const {
     return Unfolded(std::string_view(fields_[at]).substr(name.size() + 1));
 }
 
+void HeaderBlock::RemoveEmpty(std::string_view name) {
+    std::erase_if(fields_, [&](const std::string& field) {
+        return IsNamed(field, name) && Unfolded(field.substr(name.size() + 1)).empty();
+    });
+}
+
 void HeaderBlock::Set(std::string_view name, std::string_view value) {
     std::string field = std::string(name) + ": " + std::string(value);
     const std::size_t at = Find(name);

@@ -18,6 +18,8 @@ public:
     bool Has(std::string_view name) const;
     /// The value of the first field of that name, unfolded; "" when there is none.
     std::string Value(std::string_view name) const;
+    /// Takes fields of that name out that say nothing.
+    void RemoveEmpty(std::string_view name);
     /// Takes the place of the first field of that name, or stands at the end.
     void Set(std::string_view name, std::string_view value);
     /// Stands directly behind the first field `other`; fields of that name elsewhere go.

@@ -69,114 +69,58 @@ void AppendText(std::string& out, std::string_view text, Need need) {
     }
 }
 
-std::string BoundaryOf(const HeaderBlock& headers) {
-    const std::string value = headers.Value("Content-Type");
-    if (!StartsWithIgnoringCase(value, "multipart/")) return {};
-    const auto [first, stop] = FindParameter(value, "boundary");
-    if (first == None) return {};
-    std::string boundary = value.substr(first, stop - first);
-    std::erase(boundary, '"');
-    return boundary;
+/// Header and text of the text's part in the standard form.
+void AppendStandardText(std::string& out, const MessageParts& parts, std::string_view text,
+                        Need need) {
+    const char* plain = need.utf8 ? "8bit" : "7bit";
+    out += "Content-Type: " + parts.textType + "; charset=" + (need.utf8 ? "utf-8" : "us-ascii");
+    out += std::string("\r\nContent-Transfer-Encoding: ") +
+           (need.encoded ? "quoted-printable" : plain) + "\r\n\r\n";
+    AppendText(out, text, need);
 }
 
-std::size_t LineStart(std::string_view text, std::size_t at) {
-    const std::size_t before = at == 0 ? None : text.find_last_of("\r\n", at - 1);
-    return before == None ? 0 : before + 1;
-}
-
-/// Behind the end of the line that holds `at`.
-std::size_t NextLine(std::string_view text, std::size_t at) {
-    const std::size_t stop = text.find_first_of("\r\n", at);
-    if (stop == None) return text.size();
-    return stop + (text.substr(stop, 2) == "\r\n" ? 2 : 1);
-}
-
-/// A multipart body cut where the first part begins and ends.
-struct FirstPart {
-    bool found = false;
-    std::string_view before;   ///< up to and with the first boundary line
-    std::string_view headers;  ///< the Content-... lines of the part
-    std::string_view text;     ///< without the line end that belongs to the boundary
-    std::string_view after;    ///< that line end and everything from the last boundary line on
-};
-
-FirstPart FindFirstPart(std::string_view body, const std::string& boundary) {
-    const std::string delimiter = "--" + boundary;
-    std::size_t first = body.find(delimiter);
-    while (first != None && LineStart(body, first) != first)
-        first = body.find(delimiter, first + 1);
-    std::size_t last = body.rfind(delimiter);
-    while (last != None && last > 0 && LineStart(body, last) != last) {
-        last = body.rfind(delimiter, last - 1);
-    }
-    if (boundary.empty() || first == None || last == None || last <= first) return {};
-
-    FirstPart part;
-    part.found = true;
-    const std::size_t start = NextLine(body, first);
-    std::size_t text = start;
-    while (text < last && StartsWithIgnoringCase(body.substr(text, last - text), "Content-")) {
-        do {
-            text = NextLine(body, text);
-        } while (text < last && (body[text] == ' ' || body[text] == '\t'));
-    }
-    part.before = body.substr(0, start);
-    part.headers = body.substr(start, text - start);
-    // The empty line behind the headers; a body that follows them at once begins here.
-    if (text < last && (body[text] == '\r' || body[text] == '\n')) text = NextLine(body, text);
-    std::size_t stop = last;
-    if (stop > text && body[stop - 1] == '\n') --stop;
-    if (stop > text && body[stop - 1] == '\r') --stop;
-    part.text = body.substr(text, stop - text);
-    part.after = body.substr(stop);
-    return part;
-}
-
-/// The end of a multipart body: its boundary line, then the headers of the file that follows.
-void AppendTail(std::string& out, std::string_view tail) {
-    if (IsAscii(tail)) {
-        out += tail;
-        return;
-    }
-    const std::size_t start = NextLine(tail, tail.find_first_not_of("\r\n"));
-    std::size_t stop = start;
-    while (stop < tail.size() && tail[stop] != '\r' && tail[stop] != '\n')
-        stop = NextLine(tail, stop);
-    HeaderBlock headers(tail.substr(start, stop - start));
-    headers.EncodeFields(false);
-    out += tail.substr(0, start);
-    headers.AppendTo(out);
-    out += tail.substr(stop);
-}
-
-void AdaptMultipart(const FirstPart& part, bool eightBit, std::string& out) {
-    const Need need = NeedOf(part.text, ScanText(part.text), eightBit);
-    out += part.before;
+/// Both as they were given, as long as that says what the text is.
+void AppendGivenText(std::string& out, const MessageParts& parts, std::string_view text,
+                     Need need) {
     if (need.utf8 || need.encoded) {
-        HeaderBlock headers(part.headers);
+        HeaderBlock headers(parts.textHeaders);
         Declare(headers, need);
         headers.AppendTo(out);
-        out += "\r\n";
-        AppendText(out, part.text, need);
     } else {
-        out.append(part.headers.begin(), part.text.end());
+        out += parts.textHeaders;
     }
-    AppendTail(out, part.after);
+    out += "\r\n";
+    AppendText(out, text, need);
 }
 
 }  // namespace
+
+std::string FreeBoundary(const std::string& boundary, std::string_view text) {
+    std::string free = boundary;
+    for (int i = 1; text.find(free) != None; ++i)
+        free = boundary + std::to_string(i);
+    return free;
+}
+
+void WriteParts(const MessageParts& parts, const std::string& boundary, std::string_view text,
+                bool eightBit, std::string& out) {
+    const Need need = NeedOf(text, ScanText(text), eightBit);
+    const std::string delimiter = "--" + boundary + "\r\n";
+    out = parts.opening + delimiter;
+    if (parts.form == MessageParts::Form::Standard) {
+        AppendStandardText(out, parts, text, need);
+    } else {
+        AppendGivenText(out, parts, text, need);
+    }
+    out += "\r\n" + delimiter + "Content-Type: " + parts.fileType +
+           "\r\nContent-Transfer-Encoding: base64\r\n\r\n";
+}
 
 bool AdaptBody(HeaderBlock& headers, std::string_view body, const TextScan& scan, bool eightBit,
                std::string& out) {
     const Need need = NeedOf(body, scan, eightBit);
     if (!need.utf8 && !need.encoded) return false;
     out.clear();
-    if (StartsWithIgnoringCase(headers.Value("Content-Type"), "multipart/")) {
-        const FirstPart part = FindFirstPart(body, BoundaryOf(headers));
-        if (!part.found) return false;
-        AdaptMultipart(part, eightBit, out);
-        return true;
-    }
     Declare(headers, need);
     AppendText(out, body, need);
     return true;

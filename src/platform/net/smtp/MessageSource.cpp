@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace mailvane {
 
@@ -49,14 +50,16 @@ void WireLines::Finish(std::string& out) {
 }
 
 NetError MessageSource::Open(std::string_view head, std::string_view text, std::size_t size,
-                             const std::string& file) {
+                             const std::string& file, std::string_view tail) {
     head_ = head;
     text_ = text;
     size_ = static_cast<std::int64_t>(size);
     lines_ = {};
     file_.reset();
+    tail_ = {};
     atEnd_ = false;
     if (file.empty()) return {};
+    tail_ = tail;
 
     fileName_ = file;
     file_.reset(std::fopen(file.c_str(), "rb"));
@@ -72,7 +75,9 @@ NetError MessageSource::ReadFilePiece() {
     errno = 0;
     buffer_.resize(std::fread(buffer_.data(), 1, FilePiece, file_.get()));
     if (std::ferror(file_.get()) != 0) return Unreadable(fileName_, errno);
-    if (buffer_.empty()) file_.reset();
+    if (!buffer_.empty()) return {};
+    file_.reset();
+    text_ = std::exchange(tail_, {});
     return {};
 }
 

@@ -23,13 +23,14 @@ private:
     bool atLineStart_ = true;
 };
 
-/// The bytes of one message in the order of the wire: head, text, file. The file is read in pieces.
+/// The bytes of one message in the order of the wire: head, text, and where there is a file, that
+/// and the tail. The file is read in pieces.
 class MessageSource {
 public:
-    /// `head` and `text` must outlive the reading. `size` is what head and text come to on the
-    /// wire. Fails with FileUnreadable. An empty `file` is none.
+    /// The views must outlive the reading. `size` is what they come to on the wire. Fails with
+    /// FileUnreadable. An empty `file` is none.
     NetError Open(std::string_view head, std::string_view text, std::size_t size,
-                  const std::string& file);
+                  const std::string& file = "", std::string_view tail = "");
 
     /// Bytes of the message on the wire, without stuffed dots; exact when the lines of the file end
     /// in CR LF.
@@ -48,6 +49,7 @@ private:
 
     std::string_view head_;
     std::string_view text_;
+    std::string_view tail_;
     std::string fileName_;
     std::unique_ptr<std::FILE, CloseFile> file_;
     std::string buffer_;  // the present piece of the file

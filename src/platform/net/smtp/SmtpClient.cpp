@@ -270,12 +270,22 @@ NetError SmtpClient::State::TransferTo(const std::vector<std::string>& recipient
                                        const std::string& sender) {
     SmtpSession& session = link.Session();
     const SmtpExtensions& server = session.Extensions();
-    message.Compose({client.From, client.SendTo, client.Cc, client.Subject, client.OtherHeaders,
-                     client.MessageText, client.Date, link.Connection().LocalName(), composed},
+    message.Compose({.from = client.From,
+                     .sendTo = client.SendTo,
+                     .cc = client.Cc,
+                     .subject = client.Subject,
+                     .otherHeaders = client.OtherHeaders,
+                     .text = client.MessageText,
+                     .date = client.Date,
+                     .localName = link.Connection().LocalName(),
+                     .again = composed,
+                     .parts = client.Parts ? &*client.Parts : nullptr,
+                     .leaveOutEmptyReplyTo = client.LeaveOutEmptyReplyTo},
                     {server.Offers("8BITMIME"), server.Offers("SMTPUTF8")});
     composed = true;
     NetError error =
-        source.Open(message.Head(), message.Body(), message.WireSize(), client.AttachedFile);
+        source.Open(message.Head(), message.Body(), message.WireSize(),
+                    client.Parts ? client.Parts->codedFile : std::string(), message.Tail());
     if (error.Failed()) return error;
 
     session.Send({sender, recipients, message.BodyOutsideAscii(), message.HeadOutsideAscii()},
@@ -290,10 +300,11 @@ NetError SmtpClient::State::TransferTo(const std::vector<std::string>& recipient
 void SmtpClient::State::ResetMessage() {
     for (std::string* property :
          {&client.From, &client.SendTo, &client.Cc, &client.BCc, &client.Subject,
-          &client.OtherHeaders, &client.MessageText, &client.AttachedFile, &client.Date}) {
+          &client.OtherHeaders, &client.MessageText, &client.Date}) {
         property->clear();
     }
     client.Recipients.clear();
+    client.Parts.reset();
     client.SameMessage = composed = false;
     refused.clear();
 }

@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/net/Direction.h"
 #include "platform/net/MailAccount.h"
 #include "platform/net/NetError.h"
+#include "platform/net/mime/MessageParts.h"
 #include "platform/net/smtp/RefusedRecipient.h"
 
 namespace mailvane {
@@ -22,12 +24,8 @@ namespace mailvane {
 /// The header gets what OtherHeaders lacks of Date, Message-ID, From, To, Cc, Subject and
 /// MIME-Version. The text goes as it stands while it is ASCII in lines of at most 998 bytes.
 /// Otherwise its charset becomes utf-8 and a Content-Transfer-Encoding line (8bit, or
-/// quoted-printable where the server or the lines need it) follows Content-Type. When the
-/// Content-Type in OtherHeaders is a multipart, this is done to the first part of MessageText:
-/// everything between the first line of the boundary and the last one, with the header lines
-/// (Content-...) at its start; a file name outside ASCII in the part header behind that last
-/// boundary line becomes an encoded word. So a caller writes the forms for ASCII, and leaves the
-/// rest to this component.
+/// quoted-printable where the server or the lines need it) follows Content-Type. So a caller writes
+/// the forms for ASCII, and leaves the rest to this component.
 class SmtpClient : public MailAccount {
 public:
     enum class Action { Idle = 0, Connect = 1, Disconnect = 2, Send = 3, Reset = 4 };
@@ -59,10 +57,9 @@ public:
     /// A block of header lines, as it stands; the last needs no line end. Only empty lines go, and
     /// values outside ASCII become encoded words.
     std::string OtherHeaders;
-    std::string MessageText;  ///< the body
-    /// A file whose bytes follow MessageText, in ASCII lines of at most 998 bytes (base64); "" for
-    /// none.
-    std::string AttachedFile;
+    std::string MessageText;            ///< the body
+    std::optional<MessageParts> Parts;  ///< with a file behind MessageText
+    bool LeaveOutEmptyReplyTo = false;
     std::string Date;  ///< value of the Date header (RFC 5322); "" takes the present moment
 
     /// Connect, Disconnect (with QUIT when idle), Send, Reset (drops the message properties and

@@ -73,14 +73,35 @@ void SmtpMessage::AppendField(const HeaderBlock& block, std::string_view name,
     head_ += "\r\n";
 }
 
-void SmtpMessage::Compose(const MessageFields& fields, WireAbilities server) {
-    HeaderBlock block(fields.otherHeaders);
-    TextScan scan = ScanText(fields.text);
+void SmtpMessage::ComposeBody(HeaderBlock& block, const MessageFields& fields, bool eightBit) {
+    tail_.clear();
     body_ = fields.text;
-    if (AdaptBody(block, fields.text, scan, server.eightBit, adapted_)) {
+    TextScan scan;
+    if (fields.parts == nullptr) {
+        scan = ScanText(fields.text);
+        if (AdaptBody(block, fields.text, scan, eightBit, adapted_)) {
+            body_ = adapted_;
+            scan = ScanText(body_);
+        }
+    } else {
+        const MessageParts& parts = *fields.parts;
+        const bool standard = parts.form == MessageParts::Form::Standard;
+        const std::string boundary =
+            standard ? FreeBoundary(parts.boundary, fields.text) : parts.boundary;
+        block.Set("Content-Type", "multipart/mixed; boundary=" + boundary);
+        WriteParts(parts, boundary, fields.text, eightBit, adapted_);
+        tail_ = "--" + boundary + "--\r\n";
         body_ = adapted_;
         scan = ScanText(body_);
     }
+    bodySize_ = scan.wireSize;
+    bodyOutsideAscii_ = scan.outsideAscii;
+}
+
+void SmtpMessage::Compose(const MessageFields& fields, WireAbilities server) {
+    HeaderBlock block(fields.otherHeaders);
+    if (fields.leaveOutEmptyReplyTo) block.RemoveEmpty("Reply-To");
+    ComposeBody(block, fields, server.eightBit);
     const bool utf8 = server.utf8Addresses;
     block.EncodeFields(utf8);
 
@@ -100,8 +121,7 @@ void SmtpMessage::Compose(const MessageFields& fields, WireAbilities server) {
     AppendField(block, "MIME-Version", "1.0");
     head_ += "\r\n";
 
-    wireSize_ = head_.size() + scan.wireSize;
-    bodyOutsideAscii_ = scan.outsideAscii;
+    wireSize_ = head_.size() + bodySize_ + tail_.size();
     headOutsideAscii_ = !IsAscii(head_);
 }
 
