@@ -23,6 +23,11 @@ def run_openssl(*arguments) -> None:
     subprocess.run(["openssl", *map(str, arguments)], check=True, capture_output=True)
 
 
+# Kinds of keys, as openssl takes them.
+CURVE = ("ec", "-pkeyopt", "ec_paramgen_curve:P-256")
+RSA = ("rsa:2048",)
+
+
 class Authority:
     """Makes certificates, in a folder of its own."""
 
@@ -32,21 +37,26 @@ class Authority:
         self.certificate = folder / "authority.pem"
         self.make_key(self.certificate, "-x509", "-days", 2, "-subj", "/CN=authority")
 
-    def make_key(self, path: pathlib.Path, *arguments) -> None:
-        run_openssl("req", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
-                    "-keyout", path.with_suffix(".key"), "-out", path, *arguments)
+    def make_key(self, path: pathlib.Path, *arguments, kind: tuple[str, ...] = CURVE) -> None:
+        run_openssl("req", "-newkey", *kind, "-nodes", "-keyout", path.with_suffix(".key"),
+                    "-out", path, *arguments)
 
-    def server_tls(self, names: str) -> ssl.SSLContext:
-        """For a server with those names: "DNS:mail.test,IP:127.0.0.1"."""
+    def server_files(self, names: str, kind: tuple[str, ...] = CURVE) -> pathlib.Path:
+        """The certificate, with its key beside it, for a server with those names:
+        "DNS:mail.test,IP:127.0.0.1"."""
         base = self.folder / f"server{len(list(self.folder.iterdir()))}"
         base.with_suffix(".ext").write_text(f"subjectAltName={names}\n", encoding="ascii")
-        self.make_key(base.with_suffix(".csr"), "-subj", "/CN=x")
+        self.make_key(base.with_suffix(".csr"), "-subj", "/CN=x", kind=kind)
         run_openssl("x509", "-req", "-days", 2, "-CA", self.certificate,
                     "-CAkey", self.certificate.with_suffix(".key"), "-CAcreateserial",
                     "-extfile", base.with_suffix(".ext"), "-in", base.with_suffix(".csr"),
                     "-out", base.with_suffix(".pem"))
+        return base.with_suffix(".pem")
+
+    def server_tls(self, names: str) -> ssl.SSLContext:
+        certificate = self.server_files(names)
         tls = ssl.create_default_context(ssl.Purpose.CLIENT_AUTH)
-        tls.load_cert_chain(base.with_suffix(".pem"), base.with_suffix(".key"))
+        tls.load_cert_chain(certificate, certificate.with_suffix(".key"))
         return tls
 
 
