@@ -33,11 +33,13 @@ class UnpackedServer:
     def __enter__(self) -> "UnpackedServer":
         self.configure()
         script = self.folder / "start"
-        script.write_text("set -e\n" + self.mounts() + "exec " + self.command() + "\n")
+        # It ends with its input: a server of root's cannot be ended by anybody else.
+        script.write_text(f"set -e\n{self.mounts()}{self.command()} &\n"
+                          "read -r || true\nkill $!\nwait $! || true\n")
         as_root = [] if os.geteuid() == 0 else ["sudo"]
         with open(self.folder / "log", "wb") as log:
             self.process = subprocess.Popen([*as_root, "unshare", "-m", "bash", script],
-                                            stdout=log, stderr=log)
+                                            stdin=subprocess.PIPE, stdout=log, stderr=log)
         end = time.monotonic() + START
         while not all(self.listens(port) for port in self.ports.values()):
             if self.process.poll() is not None or time.monotonic() > end:
@@ -47,7 +49,7 @@ class UnpackedServer:
         return self
 
     def __exit__(self, *_) -> None:
-        self.process.terminate()
+        self.process.stdin.close()
         self.process.wait()
 
     @staticmethod
