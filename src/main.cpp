@@ -6,13 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "connection/ConnectionService.h"
 #include "core/Workbench.h"
-#include "database/DatabaseService.h"
 #include "platform/forms/HeadlessWindows.h"
 #include "platform/os/FolderClaim.h"
 #include "platform/script/ScriptRunner.h"
-#include "send/SendService.h"
+#include "shell/Folders.h"
 #include "shell/frmMain.h"
 #ifdef MAILVANE_WITH_QT
 #include "platform/qt/QtWindows.h"
@@ -159,9 +157,7 @@ int Run(const Arguments& arguments, WindowSystem& windows, Clock& clock) {
     SystemProcesses processes;
     Platform platform{windows, clock, processes, folder, ShareFolder(), registry + "/registry.ini"};
     Workbench bench(platform);
-    DatabaseService databases(bench);
-    SendService sending(bench);
-    ConnectionService connections(bench);
+    Folders folders(bench);
     PromptScript prompts;
     int status = 0;
 

@@ -6,6 +6,7 @@
 
 #include "core/ApplicationState.h"
 #include "core/Shell.h"
+#include "core/commands/Commands.h"
 #include "core/run/Runs.h"
 #include "platform/forms/FormRegistry.h"
 #include "platform/forms/WindowSystem.h"
@@ -64,6 +65,7 @@ struct Workbench {
     Platform& platform;
     Forms forms;
     Runs runs;
+    Commands commands;
     Shell* shell = nullptr;  ///< not owned; set by the main form
 };
 

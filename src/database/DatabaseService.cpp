@@ -2,11 +2,10 @@
 
 #include "core/Paths.h"
 #include "core/text/Text.h"
+#include "database/DatabaseCommands.h"
 #include "database/design/frmDatabaseTable.h"
 #include "database/exchange/TableRuns.h"
 #include "database/exchange/frmDataWizard.h"
-#include "database/tools/TableCommands.h"
-#include "database/view/ViewTools.h"
 #include "database/view/frmViewDatabase.h"
 #include "platform/os/Files.h"
 #include "platform/tables/AccessSource.h"
@@ -16,7 +15,7 @@ namespace mailvane {
 DatabaseService::DatabaseService(Workbench& wb) : wb_(wb) {
     created_ = wb.forms.created.Observe([this](Form& form) {
         if (auto* settings = dynamic_cast<frmSettings*>(&form)) Attach(*settings);
-        if (auto* view = dynamic_cast<frmViewDatabase*>(&form)) AttachTableCommands(wb_, *view);
+        if (auto* view = dynamic_cast<frmViewDatabase*>(&form)) AttachTableTools(wb_, *view);
     });
 }
 

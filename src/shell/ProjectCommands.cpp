@@ -1,6 +1,7 @@
 #include "core/Paths.h"
 #include "core/Waiting.h"
 #include "core/project/ProjectPrompts.h"
+#include "core/run/frmStatus.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "shell/frmMain.h"
@@ -10,6 +11,11 @@ namespace mailvane {
 void frmMain::OpenProject(const std::string& path) {
     SwitchProject(wb_, path);
     LoadHiddenForms();
+}
+
+void frmMain::OpenCommand() {
+    const std::string path = BrowseProjectFile(wb_, false);
+    if (!path.empty()) OpenExistingProject(path);
 }
 
 void frmMain::OpenExistingProject(const std::string& path) {
@@ -29,7 +35,7 @@ void frmMain::NewProject() {
 void frmMain::ShowNewProject() {
     Windows().SetPointer(MousePointer::Busy);
     WaitSeconds(wb_, 1);
-    if (Form* status = wb_.forms.FindByName("frmStatus")) status->Unload();
+    if (auto* status = wb_.forms.Find<frmStatus>()) status->Unload();
     frmSettings& settings = wb_.forms.Get<frmSettings>();
     settings.Tab1.SetCurrent(frmSettings::YouPage);
     settings.Show();

@@ -132,8 +132,14 @@ void frmMain::LoadHiddenForms() {
     wb_.forms.Get<frmOptions>();
 }
 
-void frmMain::RestoreHiddenForms() {
-    if (IsLoaded() && !wb_.state.ExitRequested) LoadHiddenForms();
+/// The project wizard unloads the forms that others read at any time.
+void frmMain::RestoreHiddenFormsAfterWizard() {
+    unloading_ = wb_.forms.unloading.Observe([this](Form& form) {
+        if (!IsLoaded() || !dynamic_cast<frmProjectWizard*>(&form)) return;
+        Windows().Post([this] {
+            if (IsLoaded() && !wb_.state.ExitRequested) LoadHiddenForms();
+        });
+    });
 }
 
 void frmMain::TellLargeStore() {

@@ -1,39 +1,82 @@
 #include "shell/frmMain.h"
 
-#include "core/project/frmProjectWizard.h"
-#include "shell/CommandTable.h"
+#include "send/SendCommands.h"
+#include "shell/MainBands.h"
 
 namespace mailvane {
+
+namespace {
+
+constexpr const char* RecentFileTool = "RecentFile";  ///< and its number, from 1
+
+}  // namespace
 
 frmMain::frmMain(Workbench& wb)
     : WorkbenchForm(wb, "frmMain", ProgramTitle, FormStyle::Main), RecentFile1(wb, ProgramTitle) {
     wb.shell = this;
-    AddMainTools(ActiveBar1);
+    for (const Tool& command : wb.commands.All())
+        AddCommand(command);
+    AddRecentFiles();
     for (Band& band : MainBands())
         ActiveBar1.AddBand(std::move(band));
+    registered_ = wb.commands.registered.Observe([this](const Tool& tool) { AddCommand(tool); });
+    ActiveBar1.onHover = [this](const Tool* tool) { Hover(tool); };
     Progress1.SetVisible(false);
-    ActiveBar1.onTool = [this](const Tool& tool) {
-        // The tool may go or change its caption while its command runs.
-        const Tool pressed = tool;
-        ExecuteCommand(pressed.name, pressed.caption);
-    };
-    ActiveBar1.onHover = [this](const Tool* tool) {
-        if (tool && panelBeforeHover_.empty()) panelBeforeHover_ = Panel() + " ";
-        SetPanel(tool ? tool->tip : panelBeforeHover_.substr(0, panelBeforeHover_.size() - 1));
-        if (!tool) panelBeforeHover_.clear();
-    };
-    // The project wizard unloads the forms that others read at any time.
-    unloading_ = wb.forms.unloading.Observe([this](Form& form) {
-        if (IsLoaded() && dynamic_cast<frmProjectWizard*>(&form))
-            Windows().Post([this] { RestoreHiddenForms(); });
-    });
-    RecentFile1.onChange = [this](const std::vector<std::string>& paths) {
-        ShowRecentFiles(paths);
-    };
+    RestoreHiddenFormsAfterWizard();
 }
 
 frmMain::~frmMain() {
     wb_.shell = nullptr;
+}
+
+void frmMain::AddCommand(const Tool& command) {
+    Tool tool = command;
+    if (tool.onClick)
+        tool.onClick = [this, name = tool.name, caption = tool.caption] {
+            ExecuteCommand(name, caption);
+        };
+    ActiveBar1.AddTool(std::move(tool));
+}
+
+void frmMain::AddRecentFiles() {
+    for (const char number : std::string("12345")) {
+        const std::string name = std::string(RecentFileTool) + number;
+        ActiveBar1.AddTool({.name = name, .visible = false, .onClick = [this, name] {
+                                ExecuteCommand(name, ActiveBar1.FindTool(name)->caption);
+                            }});
+    }
+    RecentFile1.onChange = [this](const auto& paths) { ShowRecentFiles(paths); };
+}
+
+ControlAnswer frmMain::ExecuteCommand(const std::string& toolName, const std::string& toolCaption) {
+    const Tool* tool = ActiveBar1.FindTool(toolName);
+    if (!tool) return ControlAnswer::NoSuchEntry;
+    if (!tool->On()) return ControlAnswer::Disabled;
+    if (wb_.state.LoadingProject) return ControlAnswer::Done;
+    if (const Tool* command = wb_.commands.Find(toolName))
+        RunHandler(command->onClick);
+    else
+        OpenExistingProject(toolCaption);
+    return ControlAnswer::Done;
+}
+
+/// A tip covers the text of the moment, which is there again when the mouse has left.
+void frmMain::Hover(const Tool* tool) {
+    const std::string tip = tool ? tool->ShownTip() : std::string();
+    sbStatusBar.SetPanel(1, tip.empty() ? panel_ : tip);
+}
+
+void frmMain::SetPanel(const std::string& text) {
+    panel_ = text;
+    sbStatusBar.SetPanel(1, text);
+}
+
+void frmMain::SendAndReceive() {
+    Timer1.Stop();
+    if (sendAndReceiveRunning_) return;
+    sendAndReceiveRunning_ = true;
+    SendThenReceive(wb_);
+    sendAndReceiveRunning_ = false;
 }
 
 void frmMain::ShowWhenAsked() {
@@ -64,7 +107,7 @@ void frmMain::HideProgress() {
 
 void frmMain::ShowRecentFiles(const std::vector<std::string>& paths) {
     for (std::size_t i = 0; i < paths.size(); ++i) {
-        const std::string tool = "RecentFile" + std::to_string(i + 1);
+        const std::string tool = RecentFileTool + std::to_string(i + 1);
         if (!paths[i].empty()) ActiveBar1.SetToolCaption(tool, paths[i]);
         ActiveBar1.SetToolVisible(tool, !paths[i].empty());
     }

@@ -49,8 +49,8 @@ public:
     ControlAnswer ExecuteCommand(const std::string& toolName,
                                  const std::string& toolCaption) override;
     Form& MainForm() override { return *this; }
-    void SetPanel(const std::string& text) override { sbStatusBar.SetPanel(1, text); }
-    std::string Panel() const override { return sbStatusBar.Panel(1); }
+    void SetPanel(const std::string& text) override;
+    std::string Panel() const override { return panel_; }
     void SetRecordPanel(const std::string& text) override;
     ProgressBar& Progress() override { return Progress1; }
     Button& ShowProgressButton() override { return cmdProgress; }
@@ -60,24 +60,27 @@ public:
     bool CompactRecipients() override;
     void AddRecentFile(const std::string& path) override { RecentFile1.Add(path); }
 
+    // Commands
+    void NewProject();
+    void OpenCommand();
+    void SaveCommand();
+    void SaveAsCommand();
+    void RunProjectDialog();
+
     void OnCloseBox() override { ExitApplication(); }
 
 private:
-    bool RunFileCommand(const std::string& name, const std::string& caption);
-    bool RunMailCommand(const std::string& name);
-    bool RunViewCommand(const std::string& name);
-    bool RunTableCommand(const std::string& name);
-    bool RunToolCommand(const std::string& name);
-    bool RunHelpCommand(const std::string& name);
+    void AddCommand(const Tool& command);
+    void AddRecentFiles();
+    void Hover(const Tool* tool);
 
     // The start.
     void ShowSplash();
     void RunStartUpChecks();
     void OpenFirstProject(const std::string& commandLine, bool dialogs);
-    void RunProjectDialog();
     void OfferWelcome();
     void LoadHiddenForms();
-    void RestoreHiddenForms();
+    void RestoreHiddenFormsAfterWizard();
     void TellLargeStore();
     void TellInterruptedMerge(bool box);
     void OpenAssignedTask(const std::string& path);
@@ -87,31 +90,26 @@ private:
     // Projects.
     void OpenProject(const std::string& path);
     void OpenExistingProject(const std::string& path);
-    void NewProject();
     void ShowNewProject();
     bool MakeProject(const std::string& path);
     void SaveOpenProject();
-    void SaveCommand();
-    void SaveAsCommand();
 
     // The end.
     void CloseProgram();
     void LeaveProgram();
     bool TellUpkeep(const DaoResult<RepairReport>& outcome, const std::string& path);
 
-    template <class F>
-    void ShowView();
-    void PressSend(bool finalStep);
     void SendAndReceive();
     void ShowProgress();
     void HideProgress();
     void ShowRecentFiles(const std::vector<std::string>& paths);
 
     RecentFile RecentFile1;
+    Subscription registered_;
     Subscription unloading_;
     std::function<bool()> showAsked_;
     std::string savedPanel_;
-    std::string panelBeforeHover_;
+    std::string panel_;  ///< of panel 1, also while a tool's tip is shown there
     bool sendAndReceiveRunning_ = false;
 };
 

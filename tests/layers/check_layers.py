@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Reads the include lines of src/ and tells which point up, or reach past the platform."""
+"""Reads src/ and tells which lines point up or reach past the platform: include lines, and names of
+forms as strings outside the folder of the form."""
 
 import pathlib
 import re
@@ -28,6 +29,8 @@ ALLOWED = {
 FOLDERS = sorted(ALLOWED, key=len, reverse=True)
 QT = re.compile(r"<Q[A-Z]\w*|<Qt\w*/|<ui_")
 ENGINES = re.compile(r"<(sqlite3|curl/|ares|unicode/|mdbtools|orcus/|xlsxwriter|libxml/)")
+FORM = re.compile(r'"(frm[A-Z]\w*)')
+FORM_HEADER = re.compile(r'"(?!shell/frmMain\.h)(\w+/)+frm[A-Z]\w*\.h"')
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"][^>"]+[>"])')
 
 
@@ -37,17 +40,23 @@ def folder_of(path: str) -> str:
 
 def complaints(source: pathlib.Path) -> list[str]:
     found = []
+    homes = {file.stem: file.parent for file in source.rglob("frm*.*") if file.suffix in (".h", ".ui")}
     for file in sorted(source.rglob("*.[hc]*")):
         if file.suffix not in (".h", ".cpp"):
             continue
         name = file.relative_to(source).as_posix()
         home = folder_of(name)
         for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):
+            where = f"src/{name}:{number}: "
+            for form in FORM.findall(line):
+                if homes.get(form) != file.parent:
+                    found.append(where + f"the name of a form outside its folder: {form}")
             match = INCLUDE.match(line)
             if not match:
                 continue
             target = match.group(1)
-            where = f"src/{name}:{number}: "
+            if name == "main.cpp" and FORM_HEADER.match(target):
+                found.append(where + f"main.cpp knows no form but frmMain: {target}")
             if QT.match(target) and home != "platform/qt":
                 found.append(where + f"Qt outside platform/qt: {target}")
             if ENGINES.match(target) and not home.startswith("platform/"):

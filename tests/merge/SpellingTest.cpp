@@ -1,7 +1,6 @@
 #include <cstdlib>
 
 #include "merge/MergeBench.h"
-#include "merge/message/BodyCommands.h"
 #include "merge/message/frmSpelling.h"
 #include "platform/os/Files.h"
 
@@ -25,7 +24,7 @@ struct SpellingTest : testing::Test, MergeBench {
             else
                 dialog->cmdCancel.Press();
         });
-        RunBodyCommand(wb, body, "Spelling");
+        CheckSpelling(wb, body);
     }
 
     std::string asked;  ///< a blank behind each word

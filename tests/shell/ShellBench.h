@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "connection/ConnectionService.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
-#include "database/DatabaseService.h"
-#include "send/SendService.h"
+#include "shell/Folders.h"
 #include "shell/frmMain.h"
 #include "support/TestBench.h"
 
@@ -67,9 +65,7 @@ protected:
     }
     std::string Setting(const std::string& key) { return GetUserSetting(wb, "Settings", key); }
 
-    DatabaseService databases{wb};
-    SendService sending{wb};
-    ConnectionService connections{wb};
+    Folders folders{wb};
     std::vector<std::string> opened_;  ///< the forms whose button was pressed, in order
 
 private:

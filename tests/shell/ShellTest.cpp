@@ -150,5 +150,21 @@ TEST_F(Shell, CommandsEndTheSendRunInOrderAndGoOn) {
     EXPECT_TRUE(windows.Quitting());
 }
 
+TEST_F(Shell, TipsCoverThePanelAndLeaveNothingBehind) {
+    frmMain& form = Start();
+    ActiveBar& bar = form.ActiveBar1;
+    form.SetPanel("Sending 1 of 2");
+    for (const char* tool : {"New", "Receive All"}) {
+        bar.onHover(bar.FindTool(tool));
+        EXPECT_EQ(form.sbStatusBar.Panel(1), bar.FindTool(tool)->ShownTip());
+    }
+    EXPECT_EQ(form.Panel(), "Sending 1 of 2");
+    form.SetPanel("Sending 2 of 2");
+    EXPECT_EQ(form.sbStatusBar.Panel(1), "Sending 2 of 2") << "a run's text is seen at once";
+    bar.onHover(bar.FindTool("Open"));
+    bar.onHover(nullptr);
+    EXPECT_EQ(form.sbStatusBar.Panel(1), "Sending 2 of 2");
+}
+
 }  // namespace
 }  // namespace mailvane

@@ -24,7 +24,7 @@ public:
         rows->rows = {{"Ann", "a@x"}, {"Bob", "b@x"}, {"Cid", "c@x"}};
         Grid1.SetRows(rows);
         cmdOff.SetEnabled(false);
-        ActiveBar1.AddTool({.name = "Print", .caption = "&Print"});
+        ActiveBar1.AddTool({.name = "Print", .onClick = [this] { Log("Print"); }});
         ActiveBar1.AddTool({.name = "Sort", .caption = "&Sort", .enabled = false});
         txtWrap.onLeave = [this] {
             if (txtWrap.Text() == "5") txtWrap.SetText("65");
@@ -59,7 +59,7 @@ public:
     Timer Timer1{*this, "Timer1", std::chrono::milliseconds(500), [this] { Log("timer"); }};
     Grid Grid1{*this, "Grid1"};
     std::shared_ptr<GridTable> rows = std::make_shared<GridTable>();
-    ActiveBar ActiveBar1{*this, "ActiveBar1", [this](const Tool& tool) { Log(tool.name); }};
+    ActiveBar ActiveBar1{*this, "ActiveBar1"};
     Button cmdOff{*this, "cmdOff"};
     Button cmdClose{*this, "cmdClose", [this] { Unload(); }};
     Button cmdAsk{*this, "cmdAsk", [this] {

@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <set>
 
-#include "connection/ConnectionService.h"
 #include "connection/frmConnectionTest.h"
 #include "connection/frmConnectionWizard.h"
 #include "connection/frmDial.h"
@@ -24,7 +23,6 @@
 #include "core/settings/Settings.h"
 #include "core/settings/frmOptions.h"
 #include "core/settings/frmSettings.h"
-#include "database/DatabaseService.h"
 #include "database/design/frmDatabaseTable.h"
 #include "database/design/frmDatabaseTablePK.h"
 #include "database/exchange/TableFile.h"
@@ -51,11 +49,11 @@
 #include "platform/qt/check/FormCheck.h"
 #include "platform/qt/check/Screenshots.h"
 #include "platform/tables/text/FormatGuess.h"
-#include "send/SendService.h"
 #include "send/direct/frmMailServer.h"
 #include "send/report/frmDeliveryReport.h"
 #include "send/run/frmMSGSndRecvError.h"
 #include "send/run/frmStatusEmail.h"
+#include "shell/Folders.h"
 #include "shell/frmAbout.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -306,9 +304,7 @@ protected:
                       MAILVANE_SOURCE_DIR "/share",
                       folder.File("registry.ini")};
     Workbench wb{platform};
-    DatabaseService databases{wb};
-    SendService sending{wb};
-    ConnectionService connections{wb};
+    Folders folders{wb};
 };
 
 TEST_F(AllForms, FitTheirWindows) {

@@ -1,37 +1,38 @@
 #pragma once
 
-#include <span>
+#include <cstddef>
 
 #include "platform/forms/ActiveBar.h"
 
 namespace mailvane {
 
-/// Tip of a control whose work is not part of this version.
-inline constexpr const char* LaterTip = "Comes with a later version.";
-
-enum class ToolState { Ready, Later };
-
-/// One line of a form's table of tools.
+/// One line of a table of tools: what it is called, and what it does to its target. A tool without
+/// work is off and says why.
+template <class Target>
 struct ToolRow {
     const char* name;
     const char* caption;
     const char* tip;
     const char* icon;
     const char* shortcut = "";
-    ToolState state = ToolState::Ready;
+    void (*work)(Target&) = nullptr;
+
+    /// Without its work.
+    Tool Described() const {
+        return {.name = name, .caption = caption, .tip = tip, .shortcut = shortcut, .icon = icon};
+    }
+    Tool For(Target& target) const {
+        Tool tool = Described();
+        if (work) tool.onClick = [&target, work = work] { work(target); };
+        return tool;
+    }
 };
 
-/// Later tools are disabled, and their tip says so.
-inline void AddTools(ActiveBar& bar, std::span<const ToolRow> rows) {
-    for (const ToolRow& row : rows) {
-        const bool ready = row.state == ToolState::Ready;
-        bar.AddTool({.name = row.name,
-                     .caption = row.caption,
-                     .tip = ready ? std::string(row.tip) : std::string(row.tip) + ". " + LaterTip,
-                     .shortcut = row.shortcut,
-                     .icon = row.icon,
-                     .enabled = ready});
-    }
+/// Gives a form's bar the tools of its table.
+template <class F, std::size_t count>
+void AddTools(F& form, const ToolRow<F> (&rows)[count]) {
+    for (const ToolRow<F>& row : rows)
+        form.ActiveBar1.AddTool(row.For(form));
 }
 
 }  // namespace mailvane

@@ -94,9 +94,13 @@ void SwitchProject(Workbench& wb, const std::string& path) {
     wb.state.CurrentProjectFile = path;
     const std::string name = FileNameFromPath(path, PathSeparator, true);
     if (wb.shell != nullptr) wb.shell->SetPanel("Loading " + name + " project...");
-    wb.forms.UnloadAllExcept({"frmMain"});
+    UnloadProjectForms(wb);
     wb.forms.Load<frmSettings>();
     if (wb.shell != nullptr) wb.shell->SetPanel("");
+}
+
+void UnloadProjectForms(Workbench& wb, const std::string& kept) {
+    wb.forms.UnloadAllExcept({wb.shell ? wb.shell->MainForm().Name() : "", kept});
 }
 
 std::string RulesFile(const ApplicationState& state) {

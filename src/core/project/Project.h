@@ -30,6 +30,8 @@ bool IsProjectFile(Workbench& wb, const std::string& path);
 /// What "Open", a recent file and the command line do: makes `path` the current project, unloads
 /// every form but frmMain and loads frmSettings.
 void SwitchProject(Workbench& wb, const std::string& path);
+/// Unloads every form but the main one and the one of that name.
+void UnloadProjectForms(Workbench& wb, const std::string& kept = {});
 std::string TemplatePath(const Workbench& wb);         ///< prct.mp in the program folder
 std::string RulesFile(const ApplicationState& state);  ///< the rule list of the open project
 

@@ -96,7 +96,7 @@ void frmProjectWizard::MakeProject() {
 /// The settings as a new project has them, without a file of their own.
 void frmProjectWizard::LoadTemplate() {
     wb_.state.CurrentProjectFile = TemplatePath(wb_);
-    wb_.forms.UnloadAllExcept({"frmMain", Name()});
+    UnloadProjectForms(wb_, Name());
     wb_.forms.Load<frmSettings>();
     if (wb_.shell) wb_.shell->SetPanel("");
     wb_.state.CurrentProjectFile.clear();

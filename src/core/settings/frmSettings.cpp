@@ -5,7 +5,6 @@
 
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
-#include "core/commands/ToolTable.h"
 #include "core/project/Project.h"
 #include "core/settings/frmOptions.h"
 #include "core/text/Text.h"
@@ -80,7 +79,6 @@ void frmSettings::OnLoad() {
     }
     wb_.forms.Get<frmOptions>().ApplyTipTime();
     SetTips();
-    MarkButtonsWithoutWork();
     optIdentityDefault.SetCaption(std::string("Identify as &") + ProgramTitle + ".");
     if (!wb_.state.ProjectFolder.empty()) {
         lbxRules.SetFile(RulesFile(wb_.state));
@@ -89,15 +87,6 @@ void frmSettings::OnLoad() {
     CheckSignatureFile();
     FillEmptyNumbers();
     ApplyDependentStates();
-}
-
-void frmSettings::MarkButtonsWithoutWork() {
-    for (Button* button : {&SSCommand1, &cmdSMTPAuth, &cmdTestSMTP, &cmdTestPOP, &cmdDataImport,
-                           &cmdCreateDatabase, &cmdNewTable, &cmdImportData, &cmdExportData}) {
-        if (button->onClick) continue;
-        button->SetEnabled(false);
-        button->SetTip(LaterTip);
-    }
 }
 
 void frmSettings::CheckSignatureFile() {
@@ -129,9 +118,9 @@ void frmSettings::ApplyDependentStates() {
     txtIdentityCustom.SetEnabled(sending && optIdentityCustom.IsSet());
     txtSMTPServer.SetEnabled(sending && !chkServer.Checked());
     txtSMTPPort.SetEnabled(sending && !chkServer.Checked());
-    cmdTestSMTP.SetEnabled(cmdTestSMTP.onClick && !chkServer.Checked());
-    SSCommand1.SetEnabled(SSCommand1.onClick && sending && chkServer.Checked());
-    cmdSMTPAuth.SetEnabled(cmdSMTPAuth.onClick && sending && chkSMTPAuth.Checked());
+    cmdTestSMTP.SetEnabled(!chkServer.Checked());
+    SSCommand1.SetEnabled(sending && chkServer.Checked());
+    cmdSMTPAuth.SetEnabled(sending && chkSMTPAuth.Checked());
     const bool recipients = !wb_.runs.Holder(Holds::Recipients);
     txtAccessDBPath.SetEnabled(recipients);
     cmdAccessBrowse.SetEnabled(recipients);
@@ -139,7 +128,7 @@ void frmSettings::ApplyDependentStates() {
     txtSigFile.SetEnabled(optFile.IsSet());
     cmdSigBrowse.SetEnabled(optFile.IsSet());
     txtSignature.SetEnabled(optText.IsSet());
-    cmdDataImport.SetEnabled(cmdDataImport.onClick && chkAutoImportEmail.Checked());
+    cmdDataImport.SetEnabled(chkAutoImportEmail.Checked());
 }
 
 void frmSettings::CheckNumberField(TextBox& field, int minimum, int maximum,

@@ -81,6 +81,8 @@ public:
     /// The text of txtAccessDBPath names another database file, or none, than before; told after
     /// cmbAccessTable has been filled.
     Event<> databaseChanged;
+    /// A new database file has become the project's, with its table.
+    Event<> databaseCreated;
     /// The user chose another table in cmbAccessTable.
     Event<> tableChosen;
 
@@ -107,7 +109,6 @@ private:
     void WireFields();
     void WireDatabaseFields();
     void SetTips();
-    void MarkButtonsWithoutWork();
     void CheckSignatureFile();
     void FillEmptyNumbers();
     void ApplyDependentStates();

@@ -16,13 +16,6 @@ std::string AbsolutePath(const Workbench& wb, const std::string& path) {
     return bare && FileExists(inProgramFolder) ? inProgramFolder : path;
 }
 
-/// Presses the hidden refresh button of a form of an upper layer, when it is loaded.
-void PressRefresh(Workbench& wb, const std::string& form) {
-    Form* const loaded = wb.forms.FindByName(form);
-    if (loaded == nullptr) return;
-    if (auto* refresh = dynamic_cast<Button*>(loaded->FindControl("cmdRefresh"))) refresh->Press();
-}
-
 }  // namespace
 
 void DatabaseCreated(Workbench& wb, const std::string& path, const std::string& table) {
@@ -33,15 +26,12 @@ void DatabaseCreated(Workbench& wb, const std::string& path, const std::string& 
     settings.txtAccessDBPath.SetText(file);  // the view takes the file with it
     settings.cmbAccessTable.SetEnabled(true);
     if (!table.empty()) settings.cmbAccessTable.SetText(table);
-    // The merge form follows the view, so it needs one.
-    if (wb.forms.IsFormLoaded("frmViewMerge")) wb.forms.Get<frmViewDatabase>();
     if (auto* view = wb.forms.Find<frmViewDatabase>()) {
         view->Data1.DatabaseName = file;
         if (!table.empty()) view->Data1.RecordSource = table;
         view->cmdRefresh.Press();
     }
-    PressRefresh(wb, "frmViewMerge");
-    PressRefresh(wb, "frmIMPORT");
+    settings.databaseCreated.Tell();
 }
 
 }  // namespace mailvane

@@ -1,6 +1,5 @@
 #include "core/text/Text.h"
 #include "database/exchange/frmDataWizard.h"
-#include "database/view/ViewTools.h"
 #include "database/view/frmViewDatabase.h"
 
 namespace mailvane {
@@ -24,7 +23,9 @@ constexpr const char* TableTools[] = {"First",
 }  // namespace
 
 void frmViewDatabase::AttachCommands() {
-    ActiveBar1.onTool = [this](const Tool& tool) { RunViewCommand(tool.name); };
+    AddViewTools();
+    AddKeys();
+    ActiveBar1.takesClicks = [this] { return !Held() && suspended_ == 0; };
     cmdRefresh.onClick = [this] { Refresh(); };
     cmdDeleteSelected.onClick = [this] { DeleteSelectedRows(false); };
     cmdDeleteSelectedNoStatus.onClick = [this] { DeleteSelectedRows(true); };
@@ -46,29 +47,10 @@ void frmViewDatabase::ShowStates() {
     Grid1.SetVisible(shown);
     for (const char* tool : TableTools)
         ActiveBar1.SetToolEnabled(tool, shown);
-    DisableToolsWithoutWork(*this);
 }
 
 void frmViewDatabase::RunViewCommand(const std::string& toolName) {
-    if (Held() || suspended_ > 0) return;
-    if (const std::string tool = ToolOfKey(toolName); !tool.empty()) {
-        if (tool == "Previous Table")
-            StepTable(-1);
-        else if (tool == "Next Table")
-            StepTable(1);
-        else
-            ActiveBar1.Press(tool);
-    } else if (Button* button = ButtonOfTool(*this, toolName)) {
-        button->Press();
-    } else if (toolName == "New Database") {
-        RunWizard(DataWizardMode::NewDatabase);
-    } else if (toolName == "Import") {
-        RunWizard(DataWizardMode::Import);
-    } else if (toolName == "Export") {
-        RunWizard(DataWizardMode::Export);
-    } else if (Data1.Recordset()) {
-        RunRecordCommand(toolName);
-    }
+    ActiveBar1.Press(toolName);
 }
 
 void frmViewDatabase::RunWizard(DataWizardMode mode) {
@@ -76,33 +58,13 @@ void frmViewDatabase::RunWizard(DataWizardMode mode) {
     if (IsLoaded()) cmdRefresh.Press();
 }
 
-void frmViewDatabase::RunRecordCommand(const std::string& toolName) {
-    const std::size_t rows = Grid1.RowCount();
-    const std::size_t row = Grid1.CurrentRow().value_or(0);
-    if (toolName == "Sort Ascending")
-        SortAs("ASC");
-    else if (toolName == "Sort Descending")
-        SortAs("DESC");
-    else if (toolName == "Select All")
-        SelectAllRows();
-    else if (toolName == "Insert")
-        InsertRow();
-    else if (toolName == "Copy to clipboard")
-        Grid1.CopyToClipboard();
-    else if (toolName == "Paste from clipboard")
-        Grid1.PasteFromClipboard();
-    else if (toolName == "Find")
-        ShowFind();
-    else if (rows == 0)
-        return;
-    else if (toolName == "First")
-        Grid1.SetCurrentRow(0);
-    else if (toolName == "Last")
-        Grid1.SetCurrentRow(rows - 1);
-    else if (toolName == "Next" && row + 1 < rows)
-        Grid1.SetCurrentRow(row + 1);
-    else if (toolName == "Previous" && row > 0)
-        Grid1.SetCurrentRow(row - 1);
+int frmViewDatabase::CurrentRow() const {
+    return static_cast<int>(Grid1.CurrentRow().value_or(0));
+}
+
+/// Nothing when there is no such row.
+void frmViewDatabase::GoTo(int row) {
+    if (row >= 0 && row < Grid1.EntryCount()) Grid1.SetCurrentRow(static_cast<std::size_t>(row));
 }
 
 bool frmViewDatabase::RunGridKey(const std::string& key) {

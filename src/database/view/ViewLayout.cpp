@@ -4,7 +4,6 @@
 #include "core/Paths.h"
 #include "core/settings/Settings.h"
 #include "core/text/Text.h"
-#include "database/view/ViewTools.h"
 #include "database/view/frmViewDatabase.h"
 #include "platform/os/Files.h"
 

@@ -1,188 +1,104 @@
-#include "database/view/ViewTools.h"
-
-#include <algorithm>
-#include <iterator>
-
 #include "core/commands/ToolTable.h"
+#include "database/exchange/frmDataWizard.h"
+#include "database/view/frmViewDatabase.h"
 
 namespace mailvane {
 
 namespace {
 
-constexpr ToolRow Tools[] = {
-    {"New Database", "Ne&w Database...", "Make a new database", "document-new", "Alt+W"},
-    {"Import", "I&mport...", "Import a file into a table", "document-import", "Alt+M"},
-    {"Export", "E&xport...", "Export the table to a file", "document-export", "Alt+X"},
-    {"Print", "&Print...", "Print the table", "document-print", "Ctrl+P"},
-    {"Refresh", "R&efresh", "Read the table again", "view-refresh", "Alt+E"},
-    {"First", "&First", "Go to the first record", "go-first"},
-    {"Previous", "P&revious", "Go to the previous record", "go-previous"},
-    {"Next", "&Next", "Go to the next record", "go-next"},
-    {"Last", "&Last", "Go to the last record", "go-last"},
-    {"Insert", "&Insert", "Add an empty record", "list-add", "Ins"},
-    {"Delete", "&Delete", "Delete the selected records", "list-remove"},
-    {"Select All", "Select &All", "Select all records", "edit-select-all"},
-    {"Copy to clipboard", "&Copy", "Copy the selected records", "edit-copy"},
-    {"Paste from clipboard", "&Paste", "Paste from the current cell on", "edit-paste"},
-    {"Sort Ascending", "Sort A&scending", "Sort by this column", "view-sort-ascending"},
-    {"Sort Descending", "Sort Des&cending", "Sort by this column, backwards",
-     "view-sort-descending"},
-    {"Find", "Fin&d...", "Find a record that holds a text", "edit-find", "Ctrl+F"},
-    {"Filter", "Fil&ter...", "Filter the records", "view-filter", "Ctrl+L"},
-    {"Filter through text file", "Filter through text &file...", "Remove addresses named in a file",
-     "view-filter"},
-    {"Compare tables", "&Compare tables...", "Compare two tables", "view-split-left-right"},
-    {"Clean up table", "C&lean up table...", "Repair e-mail addresses", "edit-clear"},
-    {"Remove duplicates", "Remove &duplicates...", "Remove records that repeat", "edit-delete"},
-    {"Remove duplicate recipients", "Remove duplicate &recipients...",
-     "Remove addresses that repeat", "edit-delete"},
-    {"Remove domains", "Remove d&omains...", "Remove the addresses of domains", "edit-delete"},
-    {"Mailing lists", "&Mailing lists...", "Mailing lists with autoresponders", "contact-new"},
-    {"New Table", "&New Table...", "Make a new table", "table", "Alt+N"},
-    {"Edit Table", "&Edit Table...", "Change the columns of the table", "document-edit"},
-    {"Rename Table", "&Rename Table...", "Give the table another name", "edit-rename"},
-    {"Delete Table", "&Delete Table...", "Delete the table with its records", "edit-delete"},
-    {"New Column", "New &Column...", "Add a column to the table", "edit-table-insert-column-right"},
-    {"Rename Column", "Rena&me Column...", "Give the column another name", "edit-rename"},
-    {"Delete Column", "De&lete Column...", "Delete the column with its values",
-     "edit-table-delete-column"},
-    {"Backup table", "&Backup table...", "Copy the table as a back-up", "edit-copy"},
-    {"Clone entire table", "Clone entire &table...", "Copy the table", "edit-copy"},
-    {"Clone selected records", "Clone &selected records...", "Copy the selected records",
-     "edit-copy"},
-    {"Copy selected records to existing table", "Copy selected records to &existing table...",
-     "Copy the selected records", "edit-copy"},
-    {"Copy selected records to new table", "Copy selected records to &new table...",
-     "Copy the selected records", "edit-copy"},
-    {"Move selected records to existing table", "Move selected records to e&xisting table...",
-     "Move the selected records", "edit-cut"},
-    {"Move selected records to new table", "Move selected records to ne&w table...",
-     "Move the selected records", "edit-cut"},
-    {"Repair", "Re&pair Database", "Repair the database file", "tools-report-bug"},
-    {"Compact", "C&ompact Database", "Compact the database file", "archive-insert"},
-};
+using Kind = Band::Kind;
 
-struct ToolButton {
-    const char* tool;
-    Button frmViewDatabase::*button;
+/// The tools that work on the table come from where that work is done.
+const Band Bands[] = {
+    {Kind::SubMenu,
+     "CopyRecords",
+     "Copy and move",
+     {"Clone selected records", "Copy selected records to existing table",
+      "Copy selected records to new table", "-", "Move selected records to existing table",
+      "Move selected records to new table"}},
+    {Kind::Menu,
+     "TableMenu",
+     "Table",
+     {"New Table", "Edit Table", "Rename Table", "Delete Table", "-", "New Column", "Rename Column",
+      "Delete Column", "-", "Backup table", "Clone entire table", "-", "Repair", "Compact"}},
+    {Kind::Menu,
+     "RecordsMenu",
+     "Records",
+     {"Insert", "Delete", "Select All", "-", "Copy to clipboard", "Paste from clipboard", "-",
+      ">CopyRecords", "-", "Sort Ascending", "Sort Descending", "Find"}},
+    {Kind::Menu,
+     "ToolsMenu",
+     "Tools",
+     {"Filter", "Filter through text file", "Compare tables", "Clean up table", "-",
+      "Remove duplicates", "Remove duplicate recipients", "Remove domains", "-", "Mailing lists"}},
+    {Kind::Popup,
+     "Edit",
+     "Edit",
+     {"Copy to clipboard", "Paste from clipboard", "-", "Insert", "Delete", "Select All", "-",
+      ">CopyRecords", "-", "Sort Ascending", "Sort Descending", "Find"}},
+    {Kind::ToolBar,
+     "Table",
+     "Table",
+     {"New Database", "Import", "Export", "Print", "-", "Refresh", "-", "First", "Previous", "Next",
+      "Last", "-", "Insert", "Delete", "-", "Sort Ascending", "Sort Descending", "Find", "Filter"}},
 };
-
-constexpr ToolButton Buttons[] = {
-    {"Refresh", &frmViewDatabase::cmdRefresh},
-    {"Print", &frmViewDatabase::cmdPrint},
-    {"Delete", &frmViewDatabase::cmdDeleteSelected},
-    {"Filter", &frmViewDatabase::cmdFilter},
-    {"Filter through text file", &frmViewDatabase::cmdFilterText},
-    {"Compare tables", &frmViewDatabase::cmdCompare},
-    {"Clean up table", &frmViewDatabase::cmdCleanUp},
-    {"Remove duplicates", &frmViewDatabase::cmdRemoveDuplicates},
-    {"Remove duplicate recipients", &frmViewDatabase::cmdRemoveRecipients},
-    {"Remove domains", &frmViewDatabase::cmdRemoveDomains},
-    {"Mailing lists", &frmViewDatabase::cmdMailingLists},
-    {"New Table", &frmViewDatabase::cmdNewFolder},
-    {"Edit Table", &frmViewDatabase::cmdEditTable},
-    {"Rename Table", &frmViewDatabase::cmdRenameFolder},
-    {"Delete Table", &frmViewDatabase::cmdDeleteFolder},
-    {"New Column", &frmViewDatabase::cmdNewColumn},
-    {"Rename Column", &frmViewDatabase::cmdRenameColumn},
-    {"Delete Column", &frmViewDatabase::cmdDeleteColumn},
-    {"Backup table", &frmViewDatabase::cmdBackup},
-    {"Clone entire table", &frmViewDatabase::cmdCloneTable},
-    {"Clone selected records", &frmViewDatabase::cmdCloneRecords},
-    {"Copy selected records to existing table", &frmViewDatabase::cmdCopyToExisting},
-    {"Copy selected records to new table", &frmViewDatabase::cmdCopyToNew},
-    {"Move selected records to existing table", &frmViewDatabase::cmdMoveToExisting},
-    {"Move selected records to new table", &frmViewDatabase::cmdMoveToNew},
-    {"Repair", &frmViewDatabase::cmdRepair},
-    {"Compact", &frmViewDatabase::cmdCompact},
-};
-
-/// Keys of the window besides the shortcuts that the tools show.
-struct WindowKey {
-    const char* key;
-    const char* tool;
-};
-
-constexpr WindowKey Keys[] = {
-    {"Alt+D", "Find"},
-    {"Alt+L", "Filter"},
-    {"Alt+P", "Print"},
-    {"Alt+Up", "Previous Table"},
-    {"Alt+Left", "Previous Table"},
-    {"Alt+Down", "Next Table"},
-    {"Alt+Right", "Next Table"},
-};
-
-void AddMenus(ActiveBar& bar) {
-    using Kind = Band::Kind;
-    const Band bands[] = {
-        {Kind::SubMenu,
-         "CopyRecords",
-         "Copy and move",
-         {"Clone selected records", "Copy selected records to existing table",
-          "Copy selected records to new table", "-", "Move selected records to existing table",
-          "Move selected records to new table"}},
-        {Kind::Menu,
-         "TableMenu",
-         "Table",
-         {"New Table", "Edit Table", "Rename Table", "Delete Table", "-", "New Column",
-          "Rename Column", "Delete Column", "-", "Backup table", "Clone entire table", "-",
-          "Repair", "Compact"}},
-        {Kind::Menu,
-         "RecordsMenu",
-         "Records",
-         {"Insert", "Delete", "Select All", "-", "Copy to clipboard", "Paste from clipboard", "-",
-          ">CopyRecords", "-", "Sort Ascending", "Sort Descending", "Find"}},
-        {Kind::Menu,
-         "ToolsMenu",
-         "Tools",
-         {"Filter", "Filter through text file", "Compare tables", "Clean up table", "-",
-          "Remove duplicates", "Remove duplicate recipients", "Remove domains", "-",
-          "Mailing lists"}},
-        {Kind::Popup,
-         "Edit",
-         "Edit",
-         {"Copy to clipboard", "Paste from clipboard", "-", "Insert", "Delete", "Select All", "-",
-          ">CopyRecords", "-", "Sort Ascending", "Sort Descending", "Find"}},
-    };
-    for (const Band& band : bands)
-        bar.AddBand(band);
-}
 
 }  // namespace
 
-void AddViewTools(ActiveBar& bar) {
-    AddTools(bar, Tools);
-    for (const WindowKey& key : Keys)
-        bar.AddTool({.name = key.key, .caption = key.tool, .shortcut = key.key});
-    AddMenus(bar);
-    bar.AddBand({Band::Kind::ToolBar,
-                 "Table",
-                 "Table",
-                 {"New Database", "Import", "Export", "Print", "-", "Refresh", "-", "First",
-                  "Previous", "Next", "Last", "-", "Insert", "Delete", "-", "Sort Ascending",
-                  "Sort Descending", "Find", "Filter"}});
+void frmViewDatabase::AddViewTools() {
+    using View = frmViewDatabase;
+    const ToolRow<View> tools[] = {
+        {"New Database", "Ne&w Database...", "Make a new database", "document-new", "Alt+W",
+         [](View& view) { view.RunWizard(DataWizardMode::NewDatabase); }},
+        {"Import", "I&mport...", "Import a file into a table", "document-import", "Alt+M",
+         [](View& view) { view.RunWizard(DataWizardMode::Import); }},
+        {"Export", "E&xport...", "Export the table to a file", "document-export", "Alt+X",
+         [](View& view) { view.RunWizard(DataWizardMode::Export); }},
+        {"Refresh", "R&efresh", "Read the table again", "view-refresh", "Alt+E",
+         [](View& view) { view.cmdRefresh.Press(); }},
+        {"First", "&First", "Go to the first record", "go-first", "",
+         [](View& view) { view.GoTo(0); }},
+        {"Previous", "P&revious", "Go to the previous record", "go-previous", "",
+         [](View& view) { view.GoTo(view.CurrentRow() - 1); }},
+        {"Next", "&Next", "Go to the next record", "go-next", "",
+         [](View& view) { view.GoTo(view.CurrentRow() + 1); }},
+        {"Last", "&Last", "Go to the last record", "go-last", "",
+         [](View& view) { view.GoTo(view.Grid1.EntryCount() - 1); }},
+        {"Insert", "&Insert", "Add an empty record", "list-add", "Ins",
+         [](View& view) { view.InsertRow(); }},
+        {"Delete", "&Delete", "Delete the selected records", "list-remove", "",
+         [](View& view) { view.cmdDeleteSelected.Press(); }},
+        {"Select All", "Select &All", "Select all records", "edit-select-all", "",
+         [](View& view) { view.SelectAllRows(); }},
+        {"Copy to clipboard", "&Copy", "Copy the selected records", "edit-copy", "",
+         [](View& view) { view.Grid1.CopyToClipboard(); }},
+        {"Paste from clipboard", "&Paste", "Paste from the current cell on", "edit-paste", "",
+         [](View& view) { view.Grid1.PasteFromClipboard(); }},
+        {"Sort Ascending", "Sort A&scending", "Sort by this column", "view-sort-ascending", "",
+         [](View& view) { view.SortAs("ASC"); }},
+        {"Sort Descending", "Sort Des&cending", "Sort by this column, backwards",
+         "view-sort-descending", "", [](View& view) { view.SortAs("DESC"); }},
+        {"Find", "Fin&d...", "Find a record that holds a text", "edit-find", "Ctrl+F",
+         [](View& view) { view.ShowFind(); }},
+    };
+    AddTools(*this, tools);
+    for (const Band& band : Bands)
+        ActiveBar1.AddBand(band);
 }
 
-Button* ButtonOfTool(frmViewDatabase& view, const std::string& toolName) {
-    const auto row = std::find_if(std::begin(Buttons), std::end(Buttons),
-                                  [&](const ToolButton& one) { return one.tool == toolName; });
-    return row == std::end(Buttons) ? nullptr : &(view.*row->button);
-}
-
-void DisableToolsWithoutWork(frmViewDatabase& view) {
-    for (const ToolButton& row : Buttons) {
-        const Tool* tool = view.ActiveBar1.FindTool(row.tool);
-        if ((view.*row.button).onClick || !tool || !tool->enabled) continue;
-        view.ActiveBar1.SetToolEnabled(row.tool, false);
-        view.ActiveBar1.SetToolTip(row.tool, tool->tip + ". " + LaterTip);
-    }
-}
-
-std::string ToolOfKey(const std::string& key) {
-    const auto row = std::find_if(std::begin(Keys), std::end(Keys),
-                                  [&](const WindowKey& one) { return one.key == key; });
-    return row == std::end(Keys) ? std::string() : row->tool;
+/// Keys of the window besides the shortcuts that the tools show.
+void frmViewDatabase::AddKeys() {
+    const auto add = [this](const char* key, std::function<void()> work) {
+        ActiveBar1.AddTool({.name = key, .shortcut = key, .onClick = std::move(work)});
+    };
+    constexpr std::pair<const char*, const char*> tools[] = {
+        {"Alt+D", "Find"}, {"Alt+L", "Filter"}, {"Alt+P", "Print"}};
+    for (const auto& [key, tool] : tools)
+        add(key, [this, name = tool] { ActiveBar1.Press(name); });
+    constexpr std::pair<const char*, int> steps[] = {
+        {"Alt+Up", -1}, {"Alt+Left", -1}, {"Alt+Down", 1}, {"Alt+Right", 1}};
+    for (const auto& [key, step] : steps)
+        add(key, [this, step = step] { StepTable(step); });
 }
 
 }  // namespace mailvane

@@ -2,10 +2,10 @@
 
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
+#include "core/project/frmProjectWizard.h"
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
-#include "database/view/ViewTools.h"
 #include "database/view/frmFind.h"
 #include "platform/os/Files.h"
 
@@ -19,7 +19,6 @@ constexpr const char* AccessingRecords = "Accessing records, please wait...";
 
 frmViewDatabase::frmViewDatabase(Workbench& wb)
     : WorkbenchForm(wb, "frmViewDatabase", "Database", FormStyle::Child), Data1(wb) {
-    AddViewTools(ActiveBar1);
     AttachCommands();
     cmbTable.onClick = [this] {
         if (!filling_) SwitchTable();
@@ -87,7 +86,7 @@ void frmViewDatabase::ConnectDatabase() {
     frmSettings& settings = wb_.forms.Get<frmSettings>();
     const std::string path = settings.txtAccessDBPath.Text();
     if (path.empty() || !FileExists(path)) {
-        if (wb_.forms.IsFormLoaded("frmProjectWizard") || wb_.state.UnattendedRun) return;
+        if (wb_.forms.Find<frmProjectWizard>() || wb_.state.UnattendedRun) return;
         if (AskYesNo(wb_,
                      "You must enter local file name for your database. \r\n\r\n"
                      "Do you want to do that now?"))

@@ -13,6 +13,9 @@ namespace mailvane {
 
 enum class DataWizardMode;
 
+/// The opaque place of the current row, beside the project's other files.
+inline constexpr const char* BookmarkFile = "tbkm.dat";
+
 /// The database view: the recipients database, one table at a time. Owns the shared connection to
 /// that file; merging and the database tools work on it. The selection of Grid1 is the only
 /// representation of selected rows.
@@ -25,8 +28,7 @@ public:
     Grid Grid1{*this, "Grid1"};
     Label lblEmpty{*this, "lblEmpty"};
 
-    // Commands of the view for other windows, which press them. A tool whose button has no handler
-    // when the view is loaded is disabled.
+    // Commands of the view for other windows, which press them.
     Button cmdRefresh{*this, "cmdRefresh", Button::HiddenButton};
     Button cmdDeleteSelected{*this, "cmdDeleteSelected", Button::HiddenButton};
     Button cmdDeleteSelectedNoStatus{*this, "cmdDeleteSelectedNoStatus", Button::HiddenButton};
@@ -74,7 +76,7 @@ public:
     /// The place in the table is not remembered when the view closes.
     void ForgetPlace();
 
-    /// Carries out the command of a tool of that name.
+    /// Carries out the command of a tool of that name; nothing while a loop over rows is under way.
     void RunViewCommand(const std::string& toolName);
     /// Sorts by a column of Grid1, in the direction other than the last one.
     void SortGridByColumn(std::size_t column);
@@ -112,11 +114,16 @@ private:
     void LoadBookmark(const std::string& table);
     void StorePlace();
 
+    // Tools: ViewTools.cpp
+    void AddViewTools();
+    void AddKeys();
+
     // Commands: ViewCommands.cpp
     void AttachCommands();
     void ShowStates();
     void RunWizard(DataWizardMode mode);
-    void RunRecordCommand(const std::string& toolName);
+    int CurrentRow() const;
+    void GoTo(int row);
     bool RunGridKey(const std::string& key);
     void StepTable(int step);
 

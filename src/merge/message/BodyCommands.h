@@ -6,13 +6,11 @@
 
 namespace mailvane {
 
-/// Carries out the command of a tool that edits the text of a message: the clipboard, Find,
-/// Spelling, Signature, Text from File, the formats. False when the tool is none of them.
-bool RunBodyCommand(Workbench& wb, RichTextBox& body, const std::string& toolName);
-
-/// Adds the sizes that the tool "miFontSize" offers, and the submenu of them.
+/// Gives a form's bar the tools that edit the text of its message: the clipboard, Find, Spelling,
+/// Text from File, Signature, tags, the formats, and the submenu of the sizes that "miFontSize"
+/// offers.
+void AddBodyTools(Workbench& wb, ActiveBar& bar, RichTextBox& body);
 inline constexpr const char* FontSizeBand = "FontSizes";
-void AddFontSizes(ActiveBar& bar);
 
 /// Selects the next place behind the selection, or else the first, that holds the text; a box says
 /// so when there is none.

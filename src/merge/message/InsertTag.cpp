@@ -4,14 +4,13 @@
 
 namespace mailvane {
 
-bool InsertExecuteTag(Workbench& wb, RichTextBox& body, const std::string& toolName) {
+void InsertExecuteTag(Workbench& wb, RichTextBox& body, const std::string& toolName) {
     for (const TagKind& kind : TagKinds()) {
         if (!kind.tool || toolName != kind.tool) continue;
         const std::string tag = kind.pick(wb);
         if (!tag.empty()) body.ReplaceSelection(tag);
-        return true;
+        return;
     }
-    return false;
 }
 
 }  // namespace mailvane

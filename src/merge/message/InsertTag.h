@@ -6,8 +6,8 @@
 
 namespace mailvane {
 
-/// Carries out the tools "Execute Program" and "Execute CGI" of a message: lets the user pick a tag
-/// and puts it in at the caret. False when the tool is none of them.
-bool InsertExecuteTag(Workbench& wb, RichTextBox& body, const std::string& toolName);
+/// Lets the user pick a tag from the list of the kind that has the tool of that name, and puts it
+/// in at the caret.
+void InsertExecuteTag(Workbench& wb, RichTextBox& body, const std::string& toolName);
 
 }  // namespace mailvane

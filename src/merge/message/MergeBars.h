@@ -8,7 +8,7 @@ namespace mailvane {
 inline constexpr const char* AttachmentBand = "Attachment";
 inline constexpr const char* HtmlFileBand = "HTML File";
 
-/// Gives the merge view's bar its tools, menus and tool bars.
-void BuildMergeBars(ActiveBar& bar);
+/// Gives the merge view's bar its menus and tool bars.
+void AddMergeBands(ActiveBar& bar);
 
 }  // namespace mailvane

@@ -34,11 +34,11 @@ frmViewMerge::frmViewMerge(Workbench& wb)
     : WorkbenchForm(wb, "frmViewMerge", "E-mail Merge", FormStyle::Child),
       Data1(wb),
       RecentFile1(wb, "Mailvane Merge") {
-    BuildMergeBars(ActiveBar1);
+    AddOwnTools();
+    AddMergeBands(ActiveBar1);
     lstFields.SetTip(
         "Click the field name and without releasing the left mouse key, drag it to the point where "
         "you would like to define the field from the table.");
-    ActiveBar1.onTool = [this](const Tool& tool) { RunCommand(tool.name); };
     WireLists();
     cmbTable.onClick = [this] {
         if (!filling_) SwitchTable();
@@ -74,6 +74,8 @@ void frmViewMerge::OnLoad() {
     viewMade_ = wb_.forms.created.Observe([this](Form& form) {
         if (auto* view = dynamic_cast<frmViewDatabase*>(&form)) ObserveView(*view);
     });
+    databaseCreated_ =
+        wb_.forms.Get<frmSettings>().databaseCreated.Observe([this] { FollowNewDatabase(); });
     if (DatabaseNamed()) {
         ObserveView(wb_.forms.Get<frmViewDatabase>());
         FollowView();
@@ -98,6 +100,7 @@ bool frmViewMerge::OnQueryUnload() {
 
 void frmViewMerge::OnUnload() {
     viewMade_.End();
+    databaseCreated_.End();
     tableShown_.End();
     viewCloses_.End();
     StoreWindowPlace(wb_, *this, "MergeMain", "MergeWindowState");
@@ -155,6 +158,13 @@ void frmViewMerge::FollowView() {
     // The same columns keep the user's choice of the address column.
     if (columns != lstFields.Items()) ChooseColumns();
     if (TableNames() != cmbTable.Items()) FillTableList();
+}
+
+/// This form follows the database view, so it needs one.
+void frmViewMerge::FollowNewDatabase() {
+    if (!wb_.forms.Find<frmViewDatabase>())
+        UseTable(wb_.forms.Get<frmSettings>().cmbAccessTable.Text());
+    cmdRefresh.Press();
 }
 
 std::vector<std::string> frmViewMerge::TableNames() const {

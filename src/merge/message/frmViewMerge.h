@@ -77,6 +77,7 @@ private:
     bool DatabaseNamed();
     void ObserveView(frmViewDatabase& view);
     void FollowView();
+    void FollowNewDatabase();
     std::vector<std::string> TableNames() const;
     void ChooseColumns();
     void SwitchTable();
@@ -101,12 +102,13 @@ private:
     void SendScheduled();
 
     // Commands: frmViewMergeCommands.cpp
-    void RunCommand(const std::string& toolName);
-    bool RunFileCommand(const std::string& toolName);
-    bool RunFileListCommand(const std::string& toolName);
+    void AddOwnTools();
+    void AddPriorities();
+    void AddRecentFiles();
+    void OpenMessage();
     void NewMessage();
     void SaveMessage();
-    void OpenExisting(const std::string& path);
+    void OpenExisting(std::string path);
     void ChooseFile(ListBox& list);
     void SetPriority(const std::string& toolName);
     void ShowRecentFiles(const std::vector<std::string>& paths);
@@ -118,6 +120,7 @@ private:
     bool loading_ = false;
     bool filling_ = false;
     Subscription viewMade_;
+    Subscription databaseCreated_;
     Subscription tableShown_;
     Subscription viewCloses_;
 };

@@ -1,11 +1,11 @@
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Waiting.h"
+#include "core/commands/ToolTable.h"
 #include "core/text/Text.h"
 #include "merge/check/frmMergeCheck.h"
 #include "merge/check/frmMergePreview.h"
 #include "merge/message/BodyCommands.h"
-#include "merge/message/InsertTag.h"
 #include "merge/message/MergeDocument.h"
 #include "merge/message/frmViewMerge.h"
 #include "send/report/frmDeliveryReport.h"
@@ -23,58 +23,75 @@ std::string TemplateMessagePath(const Workbench& wb) {
 
 }  // namespace
 
-void frmViewMerge::RunCommand(const std::string& toolName) {
-    if (RunFileCommand(toolName) || RunFileListCommand(toolName) ||
-        RunBodyCommand(wb_, txtBody, toolName) || InsertExecuteTag(wb_, txtBody, toolName))
-        return;
-    if (toolName == "Send Message" || toolName == "Send Later")
-        CheckAndStartMerge(toolName == "Send Message");
-    else if (toolName == "Test")
-        TestMergeMessage();
-    else if (toolName == "Check")
-        CheckWholeTable(wb_);
-    else if (toolName == "Preview")
-        PreviewWholeTable(wb_);
-    else if (toolName == "Delivery Report")
-        ShowDeliveryReport(wb_);
-    else if (toolName == "Refresh")
-        cmdRefresh.Press();
-    else if (toolName == "High" || toolName == "Normal" || toolName == "Low")
-        SetPriority(toolName);
-    else if (toolName == "Close")
-        Unload();
+void frmViewMerge::AddOwnTools() {
+    using View = frmViewMerge;
+    const ToolRow<View> tools[] = {
+        {"New", "&New", "Start a new message", "document-new", "Alt+N",
+         [](View& view) { view.NewMessage(); }},
+        {"Open", "&Open...", "Open a message file", "document-open", "Alt+O",
+         [](View& view) { view.OpenMessage(); }},
+        {"Save", "&Save", "Save the message to a file", "document-save", "Alt+S",
+         [](View& view) { view.SaveMessage(); }},
+        {"Send Message", "Sen&d Message...", "Make the messages and send them", "mail-send",
+         "Alt+D", [](View& view) { view.CheckAndStartMerge(true); }},
+        {"Send Later", "Send &Later...", "Make the messages and leave them in the Outbox",
+         "mail-queue", "", [](View& view) { view.CheckAndStartMerge(false); }},
+        {"Test", "T&est...", "Send the message to yourself first", "mail-forward", "Alt+E",
+         [](View& view) { view.TestMergeMessage(); }},
+        {"Preview", "Previe&w...", "Look at the finished messages before anything is sent",
+         "document-preview", "", [](View& view) { PreviewWholeTable(view.wb_); }},
+        {"Check", "Chec&k...", "Look for what would go wrong before anything is sent",
+         "dialog-ok-apply", "", [](View& view) { CheckWholeTable(view.wb_); }},
+        {"Delivery Report", "Deli&very Report...", "See what became of the last runs",
+         "office-chart-bar", "", [](View& view) { ShowDeliveryReport(view.wb_); }},
+        {"Refresh", "&Refresh", "Read the table again", "view-refresh", "Alt+R",
+         [](View& view) { view.cmdRefresh.Press(); }},
+        {"Close", "&Close", "Close this window", "window-close", "",
+         [](View& view) { view.Unload(); }},
+        {"File Attachment", "&File Attachment...", "Attach a file", "mail-attachment", "",
+         [](View& view) { view.ChooseFile(view.lstAttach); }},
+        {"HTML", "&HTML File...", "Send an HTML file as the message", "text-html", "",
+         [](View& view) { view.ChooseFile(view.lstHTML); }},
+        {"attAdd", "&Add Attachment...", "Choose the file to attach", "list-add", "",
+         [](View& view) { view.ChooseFile(view.lstAttach); }},
+        {"attDelete", "&Remove Attachment", "Attach no file", "list-remove", "",
+         [](View& view) { view.lstAttach.Clear(); }},
+        {"attAddHTML", "Add &HTML File...", "Choose the HTML file", "list-add", "",
+         [](View& view) { view.ChooseFile(view.lstHTML); }},
+        {"attDeleteHTML", "Remove HTML F&ile", "Send no HTML file", "list-remove", "",
+         [](View& view) { view.lstHTML.Clear(); }},
+    };
+    AddTools(*this, tools);
+    AddBodyTools(wb_, ActiveBar1, txtBody);
+    AddPriorities();
+    AddRecentFiles();
 }
 
-bool frmViewMerge::RunFileCommand(const std::string& toolName) {
-    constexpr std::string_view RecentPrefix = "RecentFile";
-    if (toolName == "New") {
-        NewMessage();
-    } else if (toolName == "Open") {
-        const std::string path = BrowseFile(wb_, false, MergeDocumentTitle, MergeDocumentExtension);
-        if (FileExists(path)) OpenMergeDocument(path);
-    } else if (toolName == "Save") {
-        SaveMessage();
-    } else if (toolName.starts_with(RecentPrefix)) {
-        const auto number = static_cast<std::size_t>(toolName.back() - '1');
-        OpenExisting(std::string(RecentFile1.Paths().at(number)));
-    } else {
-        return false;
-    }
-    return true;
+void frmViewMerge::AddPriorities() {
+    constexpr std::pair<const char*, const char*> priorities[] = {
+        {"High", "Send with high priority"},
+        {"Normal", "Send with normal priority"},
+        {"Low", "Send with low priority"}};
+    for (const auto& [name, tip] : priorities)
+        ActiveBar1.AddTool({.name = name,
+                            .caption = std::string("&") + name,
+                            .tip = tip,
+                            .checkable = true,
+                            .checked = std::string(name) == "Normal",
+                            .onClick = [this, chosen = name] { SetPriority(chosen); }});
 }
 
-bool frmViewMerge::RunFileListCommand(const std::string& toolName) {
-    if (toolName == "File Attachment" || toolName == "attAdd")
-        ChooseFile(lstAttach);
-    else if (toolName == "HTML" || toolName == "attAddHTML")
-        ChooseFile(lstHTML);
-    else if (toolName == "attDelete")
-        lstAttach.Clear();
-    else if (toolName == "attDeleteHTML")
-        lstHTML.Clear();
-    else
-        return false;
-    return true;
+void frmViewMerge::AddRecentFiles() {
+    for (std::size_t i = 0; i < RecentFile1.Paths().size(); ++i)
+        ActiveBar1.AddTool({.name = "RecentFile" + std::to_string(i + 1),
+                            .tip = "Open this message file",
+                            .visible = false,
+                            .onClick = [this, i] { OpenExisting(RecentFile1.Paths().at(i)); }});
+}
+
+void frmViewMerge::OpenMessage() {
+    const std::string path = BrowseFile(wb_, false, MergeDocumentTitle, MergeDocumentExtension);
+    if (FileExists(path)) OpenMergeDocument(path);
 }
 
 void frmViewMerge::NewMessage() {
@@ -96,7 +113,8 @@ void frmViewMerge::SaveMessage() {
     if (!currentFile_.empty() && currentFile_ != " ") SaveMergeDocument(currentFile_);
 }
 
-void frmViewMerge::OpenExisting(const std::string& path) {
+/// The path may be one of the list that opening changes.
+void frmViewMerge::OpenExisting(std::string path) {
     if (FileExists(path))
         OpenMergeDocument(path);
     else

@@ -5,7 +5,6 @@
 
 #include "core/MessageBoxes.h"
 #include "core/Running.h"
-#include "core/commands/ToolTable.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "database/view/frmViewDatabase.h"
@@ -33,7 +32,6 @@ bool IsCount(const std::string& text) {
 
 frmMerge::frmMerge(Workbench& wb) : WorkbenchForm(wb, "frmMerge", "E-mail Merge") {
     WireControls();
-    DisableToolsOfLaterVersions();
 }
 
 void frmMerge::WireControls() {
@@ -55,15 +53,22 @@ void frmMerge::WireControls() {
     SSCommand2.onClick = [this] { ShowHelpContext(wb_); };
 }
 
-void frmMerge::DisableToolsOfLaterVersions() {
-    for (Button* button :
-         {&cmdRemoveRecords, &cmdRemoveAddresses, &cmdCompare, &cmdText, &cmdClean}) {
-        button->SetEnabled(false);
-        button->SetTip(LaterTip);
-    }
+/// The tools that the database view has handlers for; the others stay off.
+void frmMerge::AttachTableTools() {
+    using View = frmViewDatabase;
+    const std::pair<Button*, Button View::*> tools[] = {
+        {&cmdRemoveRecords, &View::cmdRemoveDuplicates},
+        {&cmdRemoveAddresses, &View::cmdRemoveRecipients},
+        {&cmdCompare, &View::cmdCompare},
+        {&cmdText, &View::cmdFilterText},
+        {&cmdClean, &View::cmdCleanUp}};
+    for (const auto& [button, tool] : tools)
+        if ((wb_.forms.Get<View>().*tool).onClick)
+            button->onClick = [this, tool = tool] { (wb_.forms.Get<View>().*tool).Press(); };
 }
 
 void frmMerge::OnLoad() {
+    AttachTableTools();
     FillColumns();
     CopySettings();
     EnableBulkFields();

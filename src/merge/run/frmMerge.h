@@ -64,7 +64,7 @@ protected:
 
 private:
     void WireControls();
-    void DisableToolsOfLaterVersions();
+    void AttachTableTools();
     void FillColumns();
     void CopySettings();
     void EnableBulkFields();

@@ -6,12 +6,21 @@
 
 namespace mailvane {
 
-ActiveBar::ActiveBar(Form& form, std::string name, std::function<void(const Tool&)> handler)
-    : Control(form, std::move(name), ControlKind::ActiveBar), onTool(std::move(handler)) {}
+bool Tool::On() const {
+    return enabled && (button ? button->Enabled() : static_cast<bool>(onClick));
+}
+
+std::string Tool::ShownTip() const {
+    const bool hasWork = button ? static_cast<bool>(button->onClick) : static_cast<bool>(onClick);
+    return hasWork ? tip : WithLaterTip(tip);
+}
 
 void ActiveBar::AddTool(Tool tool) {
     const auto same = std::find_if(tools_.begin(), tools_.end(),
                                    [&](const Tool& t) { return SameName(t.name, tool.name); });
+    if (tool.button)
+        buttons_.push_back(
+            tool.button->changed.Observe([this](Property) { Changed(Property::Tools); }));
     if (same == tools_.end()) {
         tools_.push_back(std::move(tool));
     } else {
@@ -31,42 +40,40 @@ const Tool* ActiveBar::FindTool(const std::string& name) const {
     return found == tools_.end() ? nullptr : &*found;
 }
 
-void ActiveBar::ChangeTool(const std::string& name, const std::function<void(Tool&)>& change) {
+template <class Value>
+void ActiveBar::Set(const std::string& name, Value Tool::*property, Value value) {
     for (Tool& tool : tools_) {
         if (!SameName(tool.name, name)) continue;
-        const Tool before = tool;
-        change(tool);
-        if (tool != before) Changed(Property::Tools);
+        if (tool.*property == value) return;
+        tool.*property = std::move(value);
+        Changed(Property::Tools);
         return;
     }
 }
 
 void ActiveBar::SetToolEnabled(const std::string& name, bool enabled) {
-    ChangeTool(name, [&](Tool& tool) { tool.enabled = enabled; });
+    Set(name, &Tool::enabled, enabled);
 }
 
 void ActiveBar::SetToolVisible(const std::string& name, bool visible) {
-    ChangeTool(name, [&](Tool& tool) { tool.visible = visible; });
+    Set(name, &Tool::visible, visible);
 }
 
 void ActiveBar::SetToolChecked(const std::string& name, bool checked) {
-    ChangeTool(name, [&](Tool& tool) { tool.checked = checked; });
+    Set(name, &Tool::checked, checked);
 }
 
 void ActiveBar::SetToolCaption(const std::string& name, std::string caption) {
-    ChangeTool(name, [&](Tool& tool) { tool.caption = std::move(caption); });
-}
-
-void ActiveBar::SetToolTip(const std::string& name, std::string tip) {
-    ChangeTool(name, [&](Tool& tool) { tool.tip = std::move(tip); });
+    Set(name, &Tool::caption, std::move(caption));
 }
 
 ControlAnswer ActiveBar::Press(const std::string& name) {
     const Tool* found = FindTool(name);
     if (!found) return ControlAnswer::NoSuchEntry;
-    if (!Enabled() || !found->enabled || !found->visible) return ControlAnswer::Disabled;
-    const Tool tool = *found;  // the handler may change the tools
-    RunHandler(onTool, tool);
+    if (!Enabled() || !found->On() || !found->visible) return ControlAnswer::Disabled;
+    if (takesClicks && !takesClicks()) return ControlAnswer::Done;
+    if (found->button) return found->button->Press();
+    RunHandler(found->onClick);
     return ControlAnswer::Done;
 }
 

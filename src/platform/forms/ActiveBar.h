@@ -4,11 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/forms/Control.h"
+#include "platform/forms/TextControls.h"
 
 namespace mailvane {
 
-/// A command in menus and tool bars, known by its name.
+/// A command in menus and tool bars, known by its name. Off while it has neither a handler nor a
+/// button that has one.
 struct Tool {
     std::string name;
     std::string caption = {};   ///< with the mnemonic's "&"
@@ -19,8 +20,11 @@ struct Tool {
     bool visible = true;
     bool checkable = false;
     bool checked = false;
+    std::function<void()> onClick = {};
+    Button* button = nullptr;  ///< of the same form: the tool presses it and is on as it is
 
-    friend bool operator==(const Tool&, const Tool&) = default;
+    bool On() const;
+    std::string ShownTip() const;  ///< says why when the tool has no handler
 };
 
 /// A menu, tool bar or popup menu. Entries are tool names, "-" for a separator, ">NAME" for the
@@ -36,7 +40,8 @@ struct Band {
 /// The menus and tool bars of a form.
 class ActiveBar final : public Control {
 public:
-    ActiveBar(Form& form, std::string name, std::function<void(const Tool&)> onTool = {});
+    ActiveBar(Form& form, std::string name)
+        : Control(form, std::move(name), ControlKind::ActiveBar) {}
 
     void AddTool(Tool tool);  ///< takes the place of one with the same name
     void AddBand(Band band);
@@ -49,20 +54,20 @@ public:
     void SetToolVisible(const std::string& name, bool visible);
     void SetToolChecked(const std::string& name, bool checked);
     void SetToolCaption(const std::string& name, std::string caption);
-    void SetToolTip(const std::string& name, std::string tip);
 
-    /// A click on the tool: runs onTool. NoSuchEntry and Disabled (also a tool not visible) do
-    /// nothing.
+    /// A click on the tool. NoSuchEntry and Disabled (also a tool not visible) do nothing.
     ControlAnswer Press(const std::string& name);
 
-    std::function<void(const Tool&)> onTool;
+    std::function<bool()> takesClicks;         ///< false: a click is lost; by default none is
     std::function<void(const Tool*)> onHover;  ///< the mouse came onto a tool; null when it left
     std::function<void(const std::string& band)> onPopup;  ///< the form asks for a popup menu
 
 private:
-    void ChangeTool(const std::string& name, const std::function<void(Tool&)>& change);
+    template <class Value>
+    void Set(const std::string& name, Value Tool::*property, Value value);
     std::vector<Tool> tools_;
     std::vector<Band> bands_;
+    std::vector<Subscription> buttons_;
 };
 
 }  // namespace mailvane

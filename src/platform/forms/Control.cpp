@@ -5,6 +5,10 @@
 
 namespace mailvane {
 
+std::string WithLaterTip(const std::string& tip) {
+    return tip.empty() ? LaterTip : tip + ". " + LaterTip;
+}
+
 Control::Control(Form& form, std::string name, ControlKind kind)
     : form_(form), name_(std::move(name)), kind_(kind) {
     form.controls_.push_back(this);
@@ -33,7 +37,7 @@ void Control::Focus() {
 }
 
 ControlAnswer Control::SetByUser(const std::string& value) {
-    if (!enabled_) return ControlAnswer::Disabled;
+    if (!Enabled()) return ControlAnswer::Disabled;
     const ControlAnswer answer = DoSetByUser(value);
     if (answer == ControlAnswer::Done && !form_.HasGone()) RunHandler(onLeave);
     return answer;

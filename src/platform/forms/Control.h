@@ -53,6 +53,11 @@ enum class Property {
 /// What a script or a user may do with a control, and why not.
 enum class ControlAnswer { Done, Disabled, Impossible, NoSuchEntry };
 
+/// Why a button or a tool without a handler is off.
+inline constexpr const char* LaterTip = "Comes with a later version.";
+/// The tip of such a one: its own, and why it is off.
+std::string WithLaterTip(const std::string& tip);
+
 /// One control of a form, without its widget. Setting a property to what it is tells nobody.
 class Control {
 public:
@@ -67,11 +72,11 @@ public:
     const std::string& Name() const { return name_; }
     ControlKind Kind() const { return kind_; }
 
-    bool Enabled() const { return enabled_; }
+    virtual bool Enabled() const { return enabled_; }
     void SetEnabled(bool enabled);
     bool Visible() const { return visible_; }
     void SetVisible(bool visible);
-    const std::string& Tip() const { return tip_; }
+    virtual std::string Tip() const { return tip_; }
     void SetTip(std::string tip);
     void Focus();  ///< gives it the keyboard, when its form is on the screen
 

@@ -57,18 +57,29 @@ void EditControl::TextStored() {
     selectionLength_ = end - selectionStart_;
 }
 
+PressHandler& PressHandler::operator=(std::function<void()> work) {
+    work_ = std::move(work);
+    for (const Property property : {Property::Enabled, Property::Tip})
+        button_.changed.Tell(property);
+    return *this;
+}
+
 Button::Button(Form& form, std::string name, std::function<void()> handler, std::string caption)
     : TextControl(form, std::move(name), ControlKind::Button, std::move(caption)),
-      onClick(std::move(handler)) {}
+      onClick(*this, std::move(handler)) {}
 
 Button::Button(Form& form, std::string name, Hidden, std::function<void()> handler)
     : TextControl(form, std::move(name), ControlKind::Button, {}),
-      onClick(std::move(handler)),
+      onClick(*this, std::move(handler)),
       hasWidget_(false) {}
+
+std::string Button::Tip() const {
+    return onClick ? TextControl::Tip() : WithLaterTip(TextControl::Tip());
+}
 
 ControlAnswer Button::Press() {
     if (!Enabled()) return ControlAnswer::Disabled;
-    RunHandler(onClick);
+    onClick();
     return ControlAnswer::Done;
 }
 

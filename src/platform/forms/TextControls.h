@@ -95,8 +95,25 @@ public:
         : TextControl(form, std::move(name), ControlKind::Panel, std::move(caption)) {}
 };
 
-/// A push button. An empty caption leaves the one of the window's design. A hidden one has no
-/// widget: other forms press it.
+/// What pressing a button does. Who shows the button is told when that comes or goes.
+class PressHandler {
+public:
+    PressHandler(Control& button, std::function<void()> work)
+        : button_(button), work_(std::move(work)) {}
+    PressHandler& operator=(std::function<void()> work);
+    PressHandler(const PressHandler&) = delete;
+    PressHandler& operator=(const PressHandler&) = delete;
+
+    explicit operator bool() const { return static_cast<bool>(work_); }
+    void operator()() const { RunHandler(work_); }
+
+private:
+    Control& button_;
+    std::function<void()> work_;
+};
+
+/// A push button; off, with a tip that says why, while it has no handler. An empty caption leaves
+/// the one of the window's design. A hidden one has no widget: other forms press it.
 class Button final : public TextControl {
 public:
     enum Hidden { HiddenButton };
@@ -108,7 +125,10 @@ public:
     ControlAnswer Press();
     bool HasWidget() const { return hasWidget_; }
 
-    std::function<void()> onClick;
+    bool Enabled() const override { return TextControl::Enabled() && onClick; }
+    std::string Tip() const override;
+
+    PressHandler onClick;
 
 private:
     bool hasWidget_ = true;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/MessageBoxes.h"
+#include "core/commands/ToolTable.h"
 #include "core/settings/Settings.h"
 #include "store/MessageStore.h"
 
@@ -49,28 +50,19 @@ frmViewEmail::frmViewEmail(Workbench& wb)
 }
 
 void frmViewEmail::BuildBar() {
-    ActiveBar1.AddTool({.name = "Refresh",
-                        .caption = "R&efresh",
-                        .tip = "Read the folder again",
-                        .shortcut = "Alt+E",
-                        .icon = "view-refresh"});
-    ActiveBar1.AddTool({.name = "Send All",
-                        .caption = "&Send All",
-                        .tip = "Send the messages in the Outbox",
-                        .shortcut = "",
-                        .icon = "mail-send"});
-    ActiveBar1.AddTool({.name = "Close",
-                        .caption = "&Close",
-                        .tip = "Close the mail view",
-                        .shortcut = "",
-                        .icon = "window-close"});
+    constexpr ToolRow<frmViewEmail> tools[] = {
+        {"Refresh", "R&efresh", "Read the folder again", "view-refresh", "Alt+E",
+         [](frmViewEmail& view) { view.cmdRefresh.Press(); }},
+        {"Send All", "&Send All", "Send the messages in the Outbox", "mail-send", "",
+         [](frmViewEmail& view) {
+             if (view.wb_.shell) view.wb_.shell->ExecuteCommand("Send All", "Send All");
+         }},
+        {"Close", "&Close", "Close the mail view", "window-close", "",
+         [](frmViewEmail& view) { view.Hide(); }},
+    };
+    AddTools(*this, tools);
     ActiveBar1.AddBand(
         {Band::Kind::ToolBar, "Messages", "Messages", {"Refresh", "-", "Send All", "-", "Close"}});
-    ActiveBar1.onTool = [this](const Tool& tool) {
-        if (tool.name == "Refresh") cmdRefresh.Press();
-        if (tool.name == "Send All" && wb_.shell) wb_.shell->ExecuteCommand(tool.name, tool.name);
-        if (tool.name == "Close") Hide();
-    };
 }
 
 void frmViewEmail::OnLoad() {

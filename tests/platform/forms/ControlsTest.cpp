@@ -211,11 +211,10 @@ TEST_F(Controls, GridForgetsRowsThatHaveGone) {
 
 TEST_F(Controls, ToolsAnswerToTheirState) {
     ActiveBar bar{form, "ActiveBar1"};
-    bar.onTool = [&](const Tool& tool) {
-        bar.AddTool({.name = "More", .caption = "More"});  // the list of tools moves
-        log.lines.push_back(tool.name + ":" + tool.caption);
-    };
-    bar.AddTool({.name = "RecentFile1", .caption = "Old"});
+    bar.AddTool({.name = "RecentFile1", .caption = "Old", .onClick = [&] {
+                     bar.AddTool({.name = "More"});  // the list of tools moves
+                     log.lines.push_back(bar.FindTool("RecentFile1")->caption);
+                 }});
     int told = 0;
     const auto watch = bar.changed.Observe([&](Property) { ++told; });
     bar.SetToolCaption("recentfile1", "/a.poc");
@@ -225,7 +224,16 @@ TEST_F(Controls, ToolsAnswerToTheirState) {
     bar.SetToolVisible("RecentFile1", false);
     EXPECT_EQ(bar.Press("RecentFile1"), ControlAnswer::Disabled);
     EXPECT_EQ(bar.Press("RecentFile2"), ControlAnswer::NoSuchEntry);
-    EXPECT_EQ(log.Take(), Lines{"RecentFile1:/a.poc"});
+    EXPECT_EQ(log.Take(), Lines{"/a.poc"});
+    EXPECT_EQ(bar.Press("More"), ControlAnswer::Disabled) << "it has nothing to do";
+    Button button{form, "cmdMore"};
+    bar.AddTool({.name = "More", .tip = "Do more", .button = &button});
+    EXPECT_EQ(bar.FindTool("More")->ShownTip(), "Do more. Comes with a later version.");
+    told = 0;
+    button.onClick = [&] { log.lines.push_back("more"); };
+    EXPECT_GT(told, 0) << "who shows the tool is told";
+    EXPECT_EQ(bar.Press("More"), ControlAnswer::Done);
+    EXPECT_EQ(log.Take(), Lines{"more"});
 }
 
 TEST_F(Controls, AnEventMayBeDestroyedWhileItIsTold) {

@@ -32,8 +32,9 @@ public:
                             .caption = "&Save",
                             .tip = "Saves it",
                             .shortcut = "Ctrl+S",
-                            .icon = "document-save"});
-        ActiveBar1.AddTool({.name = "Big", .caption = "&Big", .checkable = true});
+                            .icon = "document-save",
+                            .onClick = [this] { pressed += "Save"; }});
+        ActiveBar1.AddTool({.name = "Big", .caption = "&Big", .checkable = true, .onClick = [] {}});
         ActiveBar1.AddBand({Band::Kind::Menu, "File", "&File", {"Save", "-", ">More"}});
         ActiveBar1.AddBand({Band::Kind::SubMenu, "More", "&More", {"Big"}});
         ActiveBar1.AddBand({Band::Kind::ToolBar, "Standard", "Standard", {"Save"}});
@@ -42,6 +43,7 @@ public:
     StatusBar sbStatusBar{*this, "sbStatusBar", 2};
     ProgressBar Progress1{*this, "Progress1"};
     int closeBoxes = 0;
+    std::string pressed;
     void OnCloseBox() override { ++closeBoxes; }
 };
 
@@ -269,9 +271,7 @@ TEST_F(WindowsTest, StatusBarWithTheProgressOverItsSecondPanel) {
 
 TEST_F(WindowsTest, MenusAndToolBarsFollowTheirTools) {
     auto& main = Load<frmShell>();
-    std::string pressed;
     std::string hovered;
-    main.ActiveBar1.onTool = [&](const Tool& tool) { pressed += tool.name; };
     main.ActiveBar1.onHover = [&](const Tool* tool) { hovered = tool ? tool->tip : "left"; };
     main.Show();
     QMenu* file = Main(main).menuBar()->actions().first()->menu();
@@ -281,7 +281,7 @@ TEST_F(WindowsTest, MenusAndToolBarsFollowTheirTools) {
     EXPECT_EQ(Main(main).findChild<QToolBar*>()->actions().first(), save);
     EXPECT_FALSE(save->icon().isNull());
     save->trigger();
-    EXPECT_EQ(pressed, "Save");
+    EXPECT_EQ(main.pressed, "Save");
     save->hover();
     EXPECT_EQ(hovered, "Saves it");
     emit file->aboutToHide();

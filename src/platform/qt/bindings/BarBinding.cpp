@@ -106,7 +106,7 @@ void BarBinding::Follow() {
 void BarBinding::FollowTool(QAction& action, const Tool& tool) {
     const QString caption = ToQt(tool.caption);
     if (action.text() != caption) action.setText(caption);
-    const QString tip = ToQt(tool.tip);
+    const QString tip = ToQt(tool.ShownTip());
     const QString plain = action.iconText();
     const QKeySequence keys(ToQt(tool.shortcut));
     const QString shown =
@@ -119,12 +119,13 @@ void BarBinding::FollowTool(QAction& action, const Tool& tool) {
     if (!bar_.onHover && action.statusTip() != tip) action.setStatusTip(tip);
     const QKeySequence held = yielded_.contains(keys) ? QKeySequence() : keys;
     if (action.shortcut() != held) action.setShortcut(held);
-    action.setEnabled(tool.enabled && bar_.Enabled());
+    action.setEnabled(tool.On() && bar_.Enabled());
     action.setVisible(tool.visible && bar_.Visible());
     action.setChecked(tool.checked);
 }
 
 void BarBinding::Fill(QMenu& menu, const Band& band) {
+    menu.setToolTipsVisible(true);
     connect(&menu, &QMenu::aboutToHide, this, [this] { Leave(); });
     for (const std::string& entry : band.entries) {
         if (entry == "-") {
@@ -162,9 +163,9 @@ QToolBar* BarBinding::MakeToolBar(const Band& band) {
             toolBar->addSeparator();
         } else if (QAction* action = ActionOf(entry)) {
             toolBar->addAction(action);
+            toolBar->widgetForAction(action)->installEventFilter(this);
         }
     }
-    toolBar->installEventFilter(this);
     if (window_) {
         window_->addToolBar(toolBar);
     } else {

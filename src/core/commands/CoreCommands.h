@@ -1,0 +1,10 @@
+#pragma once
+
+#include "core/Workbench.h"
+
+namespace mailvane {
+
+/// The commands around the project and the program itself.
+void RegisterCoreCommands(Workbench& wb);
+
+}  // namespace mailvane
