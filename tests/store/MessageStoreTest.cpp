@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "core/settings/Settings.h"
 #include "core/settings/frmSettings.h"
 #include "store/MessageStore.h"
@@ -72,6 +74,14 @@ TEST_F(StoreTest, NewStoreHasTheFoldersAndColumnsInOrder) {
               "Status:10 Retries:3 ");
     EXPECT_TRUE(outbox->FindField("ID")->IsAutoNumber());
     EXPECT_TRUE(outbox->indexes.at(0).name == "Index1" && outbox->indexes[0].primary);
+}
+
+TEST_F(StoreTest, LinkToAPlaceThatIsNotMountedIsNotReplaced) {
+    CloseMessageStore(wb);
+    std::filesystem::remove(MessageStorePath(wb));
+    std::filesystem::create_symlink("/nowhere/messages.dat", MessageStorePath(wb));
+    EXPECT_TRUE(EnsureMessageStore(wb).Ok());
+    EXPECT_EQ(OpenMessageStore(wb).description, "Could not find file '/nowhere/messages.dat'.");
 }
 
 TEST_F(StoreTest, UpgradeAddsAColumnToEveryFolderAndHidesIt) {

@@ -17,7 +17,7 @@ struct Definition {
 
     bool IsTable() const { return type == "table"; }
     bool IsIndex() const { return type == "index"; }
-    bool IsVirtual() const { return IsTable() && root == 0; }
+    bool IsVirtual() const { return IsTable() && sql.starts_with("CREATE VIRTUAL "); }
     /// SQLite's own, which it makes when it needs them.
     bool IsInternal() const { return name.starts_with("sqlite_"); }
 };

@@ -67,13 +67,21 @@ DaoError FileSalvage::MakeTablesAndIndexes() {
 
 /// Its rows are in tables of their own, which are there; making it as usual would make them again.
 DaoError FileSalvage::MakeVirtualTable(const Definition& one) {
-    if (DaoError failed = fresh_.Run("PRAGMA writable_schema=ON"); failed.Failed()) return failed;
-    DaoResult<Statement> insert =
-        fresh_.Prepare("INSERT INTO sqlite_schema VALUES ('table', ?1, ?1, 0, ?2)");
-    if (insert.Failed()) return insert.Error();
-    insert->Bind(1, one.name);
-    insert->Bind(2, one.sql);
-    if (DaoError failed = insert->Finish(); failed.Failed()) return failed;
+    const DaoError made = fresh_.InUnit([&]() -> DaoError {
+        if (DaoError failed = fresh_.Run("PRAGMA writable_schema=ON"); failed.Failed())
+            return failed;
+        DaoResult<Statement> insert =
+            fresh_.Prepare("INSERT INTO sqlite_schema VALUES ('table', ?1, ?1, 0, ?2)");
+        if (insert.Failed()) return insert.Error();
+        insert->Bind(1, one.name);
+        insert->Bind(2, one.sql);
+        if (DaoError failed = insert->Finish(); failed.Failed()) return failed;
+        if (DaoError failed = fresh_.Run("PRAGMA writable_schema=RESET"); failed.Failed())
+            return failed;
+        // A damaged text would make the whole file unreadable.
+        return fresh_.QueryWhole("SELECT count(*) FROM sqlite_schema").Error();
+    });
+    if (made.Failed()) lostObjects_.push_back(one.name);
     return fresh_.Run("PRAGMA writable_schema=RESET");
 }
 
@@ -131,9 +139,9 @@ DaoError FileSalvage::SaveRows() {
     }
     for (const PageNumber number : map_->LoosePages())
         if (DaoError failed = SaveLoosePage(number); failed.Failed()) return failed;
-    if (DaoError failed = SaveFromIndexes(); failed.Failed()) return failed;
     for (TableSalvage& table : tables_)
-        if (DaoError failed = table.SaveDoubtful(); failed.Failed()) return failed;
+        if (table.IsDamaged())
+            if (DaoError failed = SaveFromIndexes(table); failed.Failed()) return failed;
     return {};
 }
 
@@ -197,19 +205,16 @@ DaoError FileSalvage::SaveLoosePage(PageNumber number) {
     return {};
 }
 
-DaoError FileSalvage::SaveFromIndexes() {
-    for (TableSalvage& table : tables_) {
-        if (!table.IsDamaged()) continue;
-        for (const IndexShape& index : table.Shape().indexes)
-            for (std::size_t i = 0; i < roots_.size(); ++i) {
-                const Definition& one = definitions_.all[i];
-                if (!one.IsIndex() || one.name != index.name) continue;
-                if (DaoError failed = table.NoteIndex(index, map_->Of(i)); failed.Failed())
-                    return failed;
-            }
-        if (DaoError failed = table.SaveNoted(); failed.Failed()) return failed;
-    }
-    return {};
+DaoError FileSalvage::SaveFromIndexes(TableSalvage& table) {
+    for (const IndexShape& index : table.Shape().indexes)
+        for (std::size_t i = 0; i < roots_.size(); ++i) {
+            const Definition& one = definitions_.all[i];
+            if (!one.IsIndex() || one.name != index.name) continue;
+            if (DaoError failed = table.NoteIndex(index, map_->Of(i)); failed.Failed())
+                return failed;
+        }
+    if (DaoError failed = table.SaveDoubtful(); failed.Failed()) return failed;
+    return table.SaveNoted();
 }
 
 /// The last numbers that auto-number columns gave out.

@@ -40,7 +40,7 @@ private:
     DaoError SaveLoosePage(PageNumber number);
     std::vector<TableSalvage*> OwnersOf(const TreePage& page);
     bool MayBeOfIndex(const TreePage& page) const;
-    DaoError SaveFromIndexes();
+    DaoError SaveFromIndexes(TableSalvage& table);
     DaoError CopyLastNumbers(std::size_t root);
     DaoError CopyVersions();
 

@@ -46,9 +46,11 @@ DaoResult<RowOutcome> RowWriter::Write(std::optional<std::int64_t> key,
                                        const std::vector<StoredValue>& values) {
     if (values.size() > shape_.columns.size()) return RowOutcome::Refused;
     DaoResult<Statement> insert = connection_.Prepare(InsertSql(values.size()));
-    if (insert.Failed()) return insert.Error();
-    BindAll(*insert, key, values);
-    const DaoError outcome = insert->Finish();
+    DaoError outcome = insert.Error();
+    if (insert.Ok()) {
+        BindAll(*insert, key, values);
+        outcome = insert->Finish();
+    }
     if (outcome.Ok()) return RowOutcome::Saved;
     if (IsStorageFailure(outcome)) return outcome;
     if (outcome.number != dao_error::DuplicateKey || (shape_.keyed && !key))

@@ -108,10 +108,32 @@ DaoError TableSalvage::SaveDoubtful() {
         const TreePage page = ReadLinkedPage(file_, one.page, true);
         const std::optional<Record> record = ReadRecord(file_, page, page.cells[one.cell]);
         if (!record) continue;
-        if (DaoError failed = Save(std::nullopt, *record, saved_.fromTree, true); failed.Failed())
+        if (DaoError failed = Save(TakeNotedKey(*record), *record, saved_.fromTree, true);
+            failed.Failed())
             return failed;
     }
     return {};
+}
+
+/// Whether all that indexes know of the row stands in the record too.
+bool TableSalvage::NotedRow::IsOf(const Record& record) const {
+    bool same = false;
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        if (!known[i]) continue;
+        if (i >= record.values.size() || record.values[i] != values[i]) return false;
+        same = true;
+    }
+    return same;
+}
+
+/// The key of the noted row that the record is, which is then no longer missing.
+std::optional<std::int64_t> TableSalvage::TakeNotedKey(const Record& record) {
+    const auto noted = std::find_if(noted_.begin(), noted_.end(),
+                                    [&](const auto& one) { return one.second.IsOf(record); });
+    if (noted == noted_.end()) return std::nullopt;
+    const std::int64_t key = noted->first;
+    noted_.erase(noted);
+    return key;
 }
 
 DaoError TableSalvage::Save(std::optional<std::int64_t> key, const Record& record,

@@ -31,10 +31,10 @@ public:
     DaoError SaveLoosePage(const TreePage& page);
     /// Notes what an index of the table says of rows that are not saved yet.
     DaoError NoteIndex(const IndexShape& index, const Tree& tree);
+    /// Rows whose keys were damaged get the ones that indexes know, or new ones behind all others.
+    DaoError SaveDoubtful();
     /// Saves what the indexes together know whole, and sets aside what they know in part.
     DaoError SaveNoted();
-    /// Rows whose keys were damaged get new ones, behind all others.
-    DaoError SaveDoubtful();
 
 private:
     struct Doubtful {
@@ -45,6 +45,8 @@ private:
     struct NotedRow {
         std::vector<StoredValue> values;
         std::vector<bool> known;
+
+        bool IsOf(const Record& record) const;
     };
 
     DaoError SavePage(const PlacedPage& placed);
@@ -52,6 +54,7 @@ private:
                   bool mayChangeKey);
     DaoError SetAside(std::int64_t key, const Record& record);
     DaoError NoteEntry(const IndexShape& index, const Record& entry);
+    std::optional<std::int64_t> TakeNotedKey(const Record& record);
     std::optional<std::int64_t> KeyOfEntry(const IndexShape& index, const Record& entry) const;
 
     const PageFile& file_;
