@@ -6,6 +6,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QTimer>
+#include <QWindow>
 #include <clocale>
 #include <map>
 #include <set>
@@ -96,6 +97,7 @@ struct QtWindows::Desktop {
     BarBinding* MainBar() const;
     void Handle(QEventLoop::ProcessEventsFlags flags);
     QWidget* Opener(const Form* form = nullptr) const;
+    void KeepKeyboard() const;
 
     QApplication application;
     DesktopWatch watch;
@@ -147,11 +149,21 @@ void QtWindows::Desktop::ChildActivated(const QMdiSubWindow* child) {
     form->BringToFront();
 }
 
+/// The keyboard may come to a window that was there for a moment only when it has gone already, and
+/// nobody tells then that another window has it: shortcuts would be dead until the next click.
+void QtWindows::Desktop::KeepKeyboard() const {
+    const QWindow* holder = QGuiApplication::focusWindow();
+    if (!holder || holder->isVisible()) return;
+    QWidget* opener = Opener();
+    if (opener && opener != QApplication::activeWindow()) QApplication::setActiveWindow(opener);
+}
+
 void QtWindows::Desktop::Handle(QEventLoop::ProcessEventsFlags flags) {
     {
         const Counting handling(depth);
         QCoreApplication::processEvents(flags);
     }
+    KeepKeyboard();
     if (depth > 0) return;
     graveyard.clear();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
