@@ -47,6 +47,7 @@
 #include "platform/os/Files.h"
 #include "platform/qt/QtWindows.h"
 #include "platform/qt/check/FormCheck.h"
+#include "platform/qt/check/LayoutCheck.h"
 #include "platform/qt/check/Screenshots.h"
 #include "platform/tables/text/FormatGuess.h"
 #include "send/direct/frmMailServer.h"
@@ -156,7 +157,7 @@ protected:
     void Photograph(Form& form, const std::string& name) {
         const std::string path = ScreenshotFolder() + "/" + name + ".png";
         EXPECT_TRUE(SaveScreenshot(windows, form, path)) << name;
-        EXPECT_GT(FileSize(path), 0) << name;
+        EXPECT_EQ(CheckLayout(*windows.WindowOf(form)), std::vector<std::string>()) << name;
     }
 
     /// The view has no connection while the designer is there.

@@ -69,6 +69,7 @@ public:
         bars_.attachAxis(&categories_);
         bars_.attachAxis(&values_);
         categories_.setGridLineVisible(false);
+        categories_.setTruncateLabels(false);
         values_.setLabelFormat(QStringLiteral("%d"));
     }
 
