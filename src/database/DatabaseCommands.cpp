@@ -20,8 +20,8 @@ void Structure(Workbench& wb, View& view) {
 }
 
 template <MaintainAction action>
-void Maintain(Workbench& wb, View& view) {
-    MaintainDatabase(wb, view, action);
+void Maintain(Workbench& wb, View&) {
+    MaintainDatabase(wb, action);
 }
 
 template <CopyTarget target>

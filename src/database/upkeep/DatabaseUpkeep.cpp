@@ -46,7 +46,7 @@ void Maintain(Workbench& wb, MaintainAction action) {
 
 }  // namespace
 
-void MaintainDatabase(Workbench& wb, frmViewDatabase&, MaintainAction action) {
+void MaintainDatabase(Workbench& wb, MaintainAction action) {
     if (action == MaintainAction::Compact && !ConfirmCompaction(wb)) return;
     wb.runs.EndThen(Holds::Recipients, [&wb, action] { Maintain(wb, action); });
 }
