@@ -161,7 +161,8 @@ bool MergeWalk::AppendAddress(BulkPacket& packet) {
 MergeOutcome MergeWalk::StepOn(const DaoError& failed) {
     if (IsStorageFailure(failed)) return StopForStore(failed);
     if (run_.Cancelled())
-        return wb_.state.CancelRequested ? MergeOutcome::Cancelled : MergeOutcome::Ended;
+        return run_.EndAsked() || wb_.platform.windows.Quitting() ? MergeOutcome::Ended
+                                                                  : MergeOutcome::Cancelled;
     run_.Step(static_cast<long>(done_), "Generating message " + std::to_string(done_) + " of " +
                                             std::to_string(plan_.total) + "...");
     if (!Proceed(failed)) return MergeOutcome::Stopped;

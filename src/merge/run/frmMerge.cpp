@@ -5,6 +5,7 @@
 
 #include "core/MessageBoxes.h"
 #include "core/Running.h"
+#include "core/run/LongRun.h"
 #include "core/settings/frmSettings.h"
 #include "core/text/Text.h"
 #include "database/view/frmViewDatabase.h"
@@ -204,8 +205,8 @@ bool frmMerge::OnQueryUnload() {
 
 /// A run ends itself at its next step; otherwise there is nothing to end.
 void frmMerge::Cancel() {
-    if (wb_.runs.Holder(Holds::Message))
-        wb_.state.CancelRequested = true;
+    if (LongRun* run = wb_.runs.Holder(Holds::Message))
+        run->Cancel();
     else
         Unload();
 }
