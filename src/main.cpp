@@ -1,3 +1,4 @@
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -10,6 +11,7 @@
 #include "platform/forms/HeadlessWindows.h"
 #include "platform/os/FolderClaim.h"
 #include "platform/script/ScriptRunner.h"
+#include "shell/AssignedTask.h"
 #include "shell/Folders.h"
 #include "shell/frmMain.h"
 #ifdef MAILVANE_WITH_QT
@@ -134,24 +136,41 @@ std::unique_ptr<WindowSystem> MakeWindows(const Arguments& arguments, Clock& clo
     return std::make_unique<HeadlessWindows>(clock);
 }
 
-/// The program runs on that folder already: its window comes to the front, or the user is told.
-int LeaveToOther(const Arguments& arguments, WindowSystem& windows, const FolderClaim& claim,
-                 const std::string& folder) {
-    if (arguments.script.empty() && claim.AskToShow()) return 0;
-    std::string text = "the program folder '" + folder + "' is in use by another Mailvane";
-    if (claim.Holder() > 0) text += " (process " + std::to_string(claim.Holder()) + ")";
+/// Says why the program ends at once: in a box only where somebody can be expected to read it.
+int RefuseStart(const Arguments& arguments, WindowSystem& windows, const std::string& text) {
     std::cerr << "mailvane: " << text << std::endl;
-    if (arguments.script.empty())
+    if (arguments.script.empty() && !NamesTask(arguments.commandLine))
         windows.MessageBox({"Mailvane cannot start: " + text + ".", ProgramTitle, BoxIcon::Critical,
                             BoxButtons::Ok});
     return 1;
+}
+
+/// The program runs on that folder already: it opens the project or carries out the task, or comes
+/// to the front.
+int LeaveToOther(const Arguments& arguments, WindowSystem& windows, const FolderClaim& claim,
+                 const std::string& folder) {
+    constexpr std::chrono::seconds LongestWait{20};
+    std::error_code error;
+    const bool isFile = fs::is_regular_file(arguments.commandLine, error);
+    const std::string line =
+        isFile ? fs::absolute(arguments.commandLine).string() : arguments.commandLine;
+    const HandedOver outcome =
+        arguments.script.empty() ? claim.HandOver(line, LongestWait) : HandedOver::NotAnswered;
+    if (outcome == HandedOver::Taken) return 0;
+    std::string text = "the program folder '" + folder + "' is in use by another Mailvane";
+    if (claim.Holder() > 0) text += " (process " + std::to_string(claim.Holder()) + ")";
+    if (outcome == HandedOver::Refused) text += ", which is busy: try again when it has finished";
+    return RefuseStart(arguments, windows, text);
 }
 
 int Run(const Arguments& arguments, WindowSystem& windows, Clock& clock) {
     const std::string folder = ProgramFolder(arguments);
     FolderClaim claim(folder);
     if (!claim.Held()) return LeaveToOther(arguments, windows, claim, folder);
-    if (arguments.script.empty()) claim.Listen();
+    if (!claim.Writable())
+        return RefuseStart(arguments, windows,
+                           "nothing can be written to the program folder '" + folder + "'");
+    claim.Listen();
     const std::string registry =
         arguments.home.empty() ? UserFolder("XDG_CONFIG_HOME", ".config") : folder;
     SystemProcesses processes;
@@ -174,9 +193,8 @@ int Run(const Arguments& arguments, WindowSystem& windows, Clock& clock) {
     if (!arguments.script.empty()) windows.PlayPrompts(&prompts);
     if (!arguments.script.empty()) runner.Start(arguments.script);
     if (status == 0)
-        bench.forms.Load<frmMain>().Start({arguments.commandLine,
-                                           arguments.script.empty() || arguments.withDialogs,
-                                           [&claim] { return claim.TakeShowRequest(); }});
+        bench.forms.Load<frmMain>().Start(
+            {arguments.commandLine, arguments.script.empty() || arguments.withDialogs, &claim});
     windows.Run();
     return status;
 }

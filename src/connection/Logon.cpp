@@ -1,5 +1,7 @@
 #include "connection/Logon.h"
 
+#include <algorithm>
+
 #include "core/Paths.h"
 #include "core/records/Sifrant.h"
 #include "core/settings/Settings.h"
@@ -22,10 +24,16 @@ LogonData ReadLogon(const Workbench& wb) {
 }
 
 bool WriteLogon(const Workbench& wb, const LogonData& logon) {
-    Sifrant sifrant;
+    const auto coded = [](const std::string& text) {
+        return UrlEncode(Sifrant().Sifriraj(text, LogonKey));
+    };
+    const std::string user = coded(logon.user);
+    const std::string password = coded(logon.password);
+    // What would not come back whole leaves the stored ones as they are.
+    if (std::max(user.size(), password.size()) > LongestProfileValue) return false;
     const std::string file = LogonFile(wb.state);
-    IniWrite("Data", "1", UrlEncode(sifrant.Sifriraj(logon.user, LogonKey)), file);
-    IniWrite("Data", "2", UrlEncode(sifrant.Sifriraj(logon.password, LogonKey)), file);
+    IniWrite("Data", "1", user, file, FileAccess::OwnerOnly);
+    IniWrite("Data", "2", password, file, FileAccess::OwnerOnly);
     return ReadLogon(wb) == logon;
 }
 

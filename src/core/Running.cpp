@@ -15,6 +15,11 @@ bool OpenDocumentWithArgs(Workbench& wb, const std::string& path,
     return wb.platform.processes.OpenDocument(path, arguments);
 }
 
+void ShowDocument(Workbench& wb, const std::string& path) {
+    if (!OpenDocument(wb, path) && !wb.state.UnattendedRun)
+        Tell(wb, "No program could be started for '" + path + "'.", BoxIcon::Exclamation);
+}
+
 bool RunAndWait(Workbench& wb, const std::vector<std::string>& commandLine) {
     wb.platform.windows.PumpEvents();
     if (!commandLine.empty() && wb.platform.processes.RunAndWait(commandLine)) return true;
@@ -37,8 +42,8 @@ void ShowHelpContext(Workbench& wb) {
     if (!FileExists(page)) {
         Tell(wb, "Unable to display Help Contents. There is no Help associated with this project.",
              BoxIcon::Information);
-    } else if (!OpenDocument(wb, page)) {
-        Tell(wb, "No program could be started for '" + page + "'.", BoxIcon::Exclamation);
+    } else {
+        ShowDocument(wb, page);
     }
 }
 

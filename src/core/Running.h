@@ -11,6 +11,8 @@ namespace mailvane {
 bool OpenDocument(Workbench& wb, const std::string& path);
 bool OpenDocumentWithArgs(Workbench& wb, const std::string& path,
                           const std::vector<std::string>& arguments);
+/// The same; tells when none starts, unless nobody is there.
+void ShowDocument(Workbench& wb, const std::string& path);
 /// Starts a program and waits for its end. A program that cannot be started is told in a box,
 /// unless nobody is there; the result is false then.
 bool RunAndWait(Workbench& wb, const std::vector<std::string>& commandLine);

@@ -19,8 +19,12 @@ void AssignedTask::NoteStart(DateTime now) {
     LastTime = parts[1].substr(0, MinutesLength) + " " + parts[2];
 }
 
+bool NamesTask(const std::string& commandLine) {
+    return commandLine.starts_with(TaskMark);
+}
+
 std::string TaskFileOf(const Workbench& wb, const std::string& commandLine) {
-    if (!commandLine.starts_with(TaskMark)) return {};
+    if (!NamesTask(commandLine)) return {};
     const std::string name = ReplaceText(commandLine, std::string(TaskMark) + " ", "");
     const std::string path = wb.platform.programFolder + "/Scheduled Events/" + name + ".shd";
     return FileExists(path) ? path : std::string();

@@ -44,6 +44,7 @@ struct AssignedTask {
     void NoteStart(DateTime now);
 };
 
+bool NamesTask(const std::string& commandLine);
 /// The task file that a command line "\SHC NAME" names; "" for any other line, and when there is no
 /// such file.
 std::string TaskFileOf(const Workbench& wb, const std::string& commandLine);

@@ -45,7 +45,7 @@ void frmMain::ShowNewProject() {
 }
 
 /// A project with the values of the template, saved under that name and open. False when the
-/// template is missing, which has been told.
+/// template is missing or the file cannot be written, which has been told.
 bool frmMain::MakeProject(const std::string& path) {
     if (!FileExists(TemplatePath(wb_))) {
         TellFilesCorrupted(wb_);
@@ -54,10 +54,10 @@ bool frmMain::MakeProject(const std::string& path) {
     wb_.state.NewProjectInProgress = true;
     OpenProject(TemplatePath(wb_));
     wb_.state.CurrentProjectFile.clear();
-    SaveProject(wb_, path);
+    const bool saved = SaveProject(wb_, path);
     wb_.state.NewProjectInProgress = false;
-    wb_.state.CurrentProjectFile = path;
-    return true;
+    if (saved) wb_.state.CurrentProjectFile = path;
+    return saved;
 }
 
 void frmMain::SaveOpenProject() {
@@ -65,9 +65,9 @@ void frmMain::SaveOpenProject() {
 }
 
 void frmMain::SaveCommand() {
-    if (wb_.state.CurrentProjectFile.empty())
-        wb_.state.CurrentProjectFile = BrowseProjectFile(wb_, true);
-    SaveOpenProject();
+    if (wb_.state.ProjectOpen()) return SaveOpenProject();
+    const std::string path = BrowseProjectFile(wb_, true);
+    if (!path.empty() && SaveProject(wb_, path)) wb_.state.CurrentProjectFile = path;
 }
 
 void frmMain::SaveAsCommand() {

@@ -61,7 +61,7 @@ void frmMain::Start(const StartOptions& options) {
     if (task.empty())
         OpenFirstProject(line, options.dialogs);
     else
-        OpenAssignedTask(task);
+        OpenAssignedTask(task, TaskHost::OwnStart);
     UnloadSplash(wb_);
     // A task may have closed the program already, and so may the script that plays.
     if (!IsLoaded() || Windows().Quitting()) return;
@@ -69,8 +69,8 @@ void frmMain::Start(const StartOptions& options) {
     Windows().SetPointer(MousePointer::Normal);
     Show();
     if (options.dialogs && !wb_.state.UnattendedRun) TellLargeStore();
-    showAsked_ = options.showAsked;
-    if (showAsked_) Timer2.Start();
+    claim_ = options.claim;
+    if (claim_) Timer2.Start();
     TellInterruptedMerge(options.dialogs);
 }
 
@@ -89,10 +89,11 @@ void frmMain::RunStartUpChecks() {
 }
 
 void frmMain::OpenFirstProject(const std::string& commandLine, bool dialogs) {
-    if (FileExists(commandLine))
+    if (FileExists(commandLine) && IsProjectFile(wb_, commandLine))
         return OpenProject(std::filesystem::absolute(commandLine).string());
     const std::string last = RecentFile1.Paths().front();
-    if (GetUserSetting(wb_, "Settings", "Load") == "1" && FileExists(last)) {
+    if (GetUserSetting(wb_, "Settings", "Load") == "1" && FileExists(last) &&
+        IsProjectFile(wb_, last)) {
         Show();
         OpenProject(last);
     } else if (dialogs) {
@@ -165,8 +166,9 @@ void frmMain::TellInterruptedMerge(bool box) {
     MergeMark::Clear(*wb_.state.MessageStore).Ignore();  // told again if that fails
 }
 
-/// An unattended start: nobody is asked anything from here on.
-void frmMain::OpenAssignedTask(const std::string& path) {
+/// Unattended: nobody is asked anything while it is carried out. It closes no program that a person
+/// has opened, nor makes its window small.
+void frmMain::OpenAssignedTask(const std::string& path, TaskHost host) {
     SetPanel("Opening assigned task...");
     AssignedTask task;
     if (LoadRecordFile(path, task)) {
@@ -174,16 +176,21 @@ void frmMain::OpenAssignedTask(const std::string& path) {
         SaveRecordFile(path, task);
     }
     wb_.state.UnattendedRun = true;
+    const bool small = task.Minimised && host == TaskHost::OwnStart;
     Show();
-    if (task.Minimised) {
+    if (small) {
         SetState(WindowState::Minimized);
         UnloadSplash(wb_);
     }
-    if (!FileExists(task.Project)) return;
-    OpenProject(task.Project);
-    if (task.Minimised) wb_.forms.Get<frmStatusEmail>().SetState(WindowState::Minimized);
-    UseLineOfTask(task);
-    if (task.CloseWhenDone) ExitApplication();
+    if (FileExists(task.Project) && IsProjectFile(wb_, task.Project)) {
+        OpenProject(task.Project);
+        if (small) wb_.forms.Get<frmStatusEmail>().SetState(WindowState::Minimized);
+        UseLineOfTask(task);
+    }
+    if (host == TaskHost::OpenProgram)
+        wb_.state.UnattendedRun = false;
+    else if (task.CloseWhenDone)
+        ExitApplication();
 }
 
 void frmMain::UseLineOfTask(const AssignedTask& task) {

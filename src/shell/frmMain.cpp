@@ -1,5 +1,6 @@
 #include "shell/frmMain.h"
 
+#include "core/Paths.h"
 #include "send/SendCommands.h"
 #include "shell/MainBands.h"
 
@@ -79,10 +80,27 @@ void frmMain::SendAndReceive() {
     sendAndReceiveRunning_ = false;
 }
 
-void frmMain::ShowWhenAsked() {
-    if (!showAsked_()) return;
+void frmMain::TakeRequests() {
+    while (const auto request = claim_->TakeRequest())
+        claim_->Answer(*request, CarryOut(request->commandLine));
+}
+
+/// The command line of another start. False when there is no room for its work now: a run is under
+/// way, or a dialog waits for its answer.
+bool frmMain::CarryOut(const std::string& commandLine) {
+    const std::string task = TaskFileOf(wb_, commandLine);
+    const bool isProject = task.empty() && FileExists(commandLine);
+    if ((!task.empty() && wb_.runs.Current()) ||
+        ((!task.empty() || isProject) && Windows().ModalDepth() > 0))
+        return false;
+    if (!task.empty()) {
+        Windows().Post([this, task] { OpenAssignedTask(task, TaskHost::OpenProgram); });
+        return true;
+    }
     if (State() == WindowState::Minimized) SetState(WindowState::Normal);
     BringToFront();
+    if (isProject) Windows().Post([this, commandLine] { OpenExistingProject(commandLine); });
+    return true;
 }
 
 void frmMain::SetRecordPanel(const std::string& text) {

@@ -6,6 +6,7 @@
 #include "core/Shell.h"
 #include "core/Workbench.h"
 #include "core/project/Project.h"
+#include "platform/os/FolderClaim.h"
 #include "shell/AssignedTask.h"
 #include "shell/StoreUpkeep.h"
 
@@ -16,8 +17,8 @@ struct StartOptions {
     /// Splash, connection wizard, project dialog, welcome screen and warnings are shown; otherwise
     /// what the start has to say comes in panel 1 only.
     bool dialogs = false;
-    /// True when another start of the program has asked for the window since the last call.
-    std::function<bool()> showAsked = {};
+    /// Where other starts hand their command lines over; not owned, null for none.
+    FolderClaim* claim = nullptr;
 };
 
 /// The main window: menus, status bar, the hub of all commands. Holds no mail logic.
@@ -39,7 +40,7 @@ public:
                                   wb_.runs.EndThen(RecipientViews, [this] { CompactRecipients(); });
                               }};
     Timer Timer1{*this, "Timer1", std::chrono::milliseconds(50), [this] { SendAndReceive(); }};
-    Timer Timer2{*this, "Timer2", std::chrono::milliseconds(500), [this] { ShowWhenAsked(); }};
+    Timer Timer2{*this, "Timer2", std::chrono::milliseconds(500), [this] { TakeRequests(); }};
 
     /// Brings everything up: store, project, hidden forms. The window is shown at its end.
     void Start(const StartOptions& options);
@@ -83,9 +84,11 @@ private:
     void RestoreHiddenFormsAfterWizard();
     void TellLargeStore();
     void TellInterruptedMerge(bool box);
-    void OpenAssignedTask(const std::string& path);
+    enum class TaskHost { OwnStart, OpenProgram };
+    void OpenAssignedTask(const std::string& path, TaskHost host);
     void UseLineOfTask(const AssignedTask& task);
-    void ShowWhenAsked();
+    void TakeRequests();
+    bool CarryOut(const std::string& commandLine);
 
     // Projects.
     void OpenProject(const std::string& path);
@@ -107,7 +110,7 @@ private:
     RecentFile RecentFile1;
     Subscription registered_;
     Subscription unloading_;
-    std::function<bool()> showAsked_;
+    FolderClaim* claim_ = nullptr;
     std::string savedPanel_;
     std::string panel_;  ///< of panel 1, also while a tool's tip is shown there
     bool sendAndReceiveRunning_ = false;

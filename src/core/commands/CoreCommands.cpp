@@ -3,6 +3,7 @@
 #include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Running.h"
+#include "core/project/Project.h"
 #include "core/project/ProjectPrompts.h"
 #include "core/project/frmProjectWizard.h"
 #include "core/project/frmWelcome.h"
@@ -14,14 +15,14 @@ namespace mailvane {
 namespace {
 
 void ShowErrorLog(Workbench& wb) {
-    const std::string log = wb.state.ProjectFolder + "/errorlog.txt";
-    if (FileExists(log)) OpenDocument(wb, log);
+    const std::string log = ErrorLogPath(wb, wb.state.ProjectFolder);
+    if (FileExists(log)) ShowDocument(wb, log);
 }
 
 void StartScheduler(Workbench& wb) {
     const std::string document = wb.platform.programFolder + "/.shd";
     if (FileExists(document))
-        OpenDocument(wb, document);
+        ShowDocument(wb, document);
     else
         TellFilesCorrupted(wb);
 }
@@ -46,7 +47,7 @@ constexpr ToolRow<Workbench> Rows[] = {
     {"Error Log File", "&Error Log File", "Show the errors of the last run", "dialog-error", "",
      ShowErrorLog},
     {"Help", "&Help", "Show the help", "help-contents", "F1",
-     [](Workbench& wb) { OpenDocument(wb, HelpFile(wb)); }},
+     [](Workbench& wb) { ShowDocument(wb, HelpFile(wb)); }},
     {"Information (phone and other info)", "&Information (phone and other info)",
      "Where to find help", "help-about", "", ShowHelpContext},
     {"Welcome", "&Welcome", "Show the welcome screen", "go-home", "",

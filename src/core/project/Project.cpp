@@ -107,6 +107,11 @@ std::string RulesFile(const ApplicationState& state) {
     return state.ProjectFolder + PathSeparator + "Rules.dat";
 }
 
+std::string ErrorLogPath(const Workbench& wb, const std::string& projectFolder) {
+    return (projectFolder.empty() ? wb.platform.programFolder : projectFolder) + PathSeparator +
+           "errorlog.txt";
+}
+
 std::string TemplatePath(const Workbench& wb) {
     return wb.platform.programFolder + PathSeparator + "prct.mp";
 }

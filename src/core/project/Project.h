@@ -34,6 +34,8 @@ void SwitchProject(Workbench& wb, const std::string& path);
 void UnloadProjectForms(Workbench& wb, const std::string& kept = {});
 std::string TemplatePath(const Workbench& wb);         ///< prct.mp in the program folder
 std::string RulesFile(const ApplicationState& state);  ///< the rule list of the open project
+/// The errors of the last run; without a project ("") it stands in the program folder.
+std::string ErrorLogPath(const Workbench& wb, const std::string& projectFolder);
 
 /// Asks for a file; "" when cancelled. `extension` with or without a point; "" for any file. The
 /// folder of the chosen file is remembered.

@@ -15,7 +15,6 @@ namespace mailvane {
 
 namespace {
 
-constexpr std::size_t LongestProfileValue = 255;
 constexpr const char* WindowSection = "Settings";
 constexpr const char* PositionSuffix = "_POS";
 /// Farther than any screen: what lies beyond comes from a damaged file.

@@ -8,6 +8,7 @@
 namespace mailvane {
 
 inline constexpr const char* NotFound = "Not Found";
+inline constexpr std::size_t LongestProfileValue = 255;  ///< that IniRead gives
 
 /// A value of the user's settings; "Not Found" when it is absent.
 std::string GetUserSetting(const Workbench& wb, const std::string& section, const std::string& key,

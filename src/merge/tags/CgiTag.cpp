@@ -1,6 +1,7 @@
 #include "merge/tags/CgiTag.h"
 
 #include "core/Paths.h"
+#include "core/settings/Proxy.h"
 #include "core/text/Text.h"
 #include "merge/tags/FieldTags.h"
 #include "platform/net/http/HttpRequest.h"
@@ -58,6 +59,10 @@ void CgiTag::Run(const std::function<bool()>& keepWaiting) const {
     request.method = MethodOf(record_.RequestMethod);
     request.referer = record_.Referer;
     request.query = record_.QueryString;
+    if (const ProxySettings proxy = ReadProxySettings(setting_.wb); proxy.useProxy) {
+        request.proxyServer = proxy.server;
+        if (IsNumeric(proxy.port)) request.proxyPort = static_cast<int>(NumberOf(proxy.port));
+    }
     const HttpAnswer answer = SendHttpRequest(request, keepWaiting);
     // Nobody reads the file on the way, and the message goes out without it too.
     if (answer.error.Ok())

@@ -1,6 +1,7 @@
 #include "platform/os/FolderClaim.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -19,7 +20,9 @@ namespace mailvane {
 namespace {
 
 constexpr const char* ClaimFile = "/.in-use";
-constexpr char ShowRequest = 's';
+constexpr char TakenMark = 't';
+constexpr char RefusedMark = 'r';
+constexpr std::size_t LongestRequest = 32768;
 
 struct Address {
     sockaddr_un name{};
@@ -86,23 +89,45 @@ void FolderClaim::Listen() {
     socket_ = -1;
 }
 
-bool FolderClaim::TakeShowRequest() {
-    bool asked = false;
-    char request = 0;
-    while (socket_ >= 0 && ::recv(socket_, &request, 1, 0) == 1)
-        asked |= request == ShowRequest;
-    return asked;
+std::optional<StartRequest> FolderClaim::TakeRequest() {
+    std::array<char, LongestRequest> text{};
+    Address sender;
+    sender.size = sizeof sender.name;
+    if (socket_ < 0) return {};
+    const ssize_t length = ::recvfrom(socket_, text.data(), text.size(), 0,
+                                      reinterpret_cast<sockaddr*>(&sender.name), &sender.size);
+    if (length < 0) return {};
+    StartRequest request;
+    request.commandLine.assign(text.data(), static_cast<std::size_t>(length));
+    request.sender.assign(reinterpret_cast<const char*>(&sender.name), sender.size);
+    return request;
 }
 
-bool FolderClaim::AskToShow() const {
-    if (held_) return false;
-    const int sender = DatagramSocket();
-    if (sender < 0) return false;
-    const Address address = ListenerOf(file_);
-    const bool sent =
-        ::sendto(sender, &ShowRequest, 1, MSG_NOSIGNAL, address.Generic(), address.size) == 1;
+void FolderClaim::Answer(const StartRequest& request, bool taken) const {
+    // One that waits no longer misses nothing.
+    static_cast<void>(::sendto(socket_, taken ? &TakenMark : &RefusedMark, 1, MSG_NOSIGNAL,
+                               reinterpret_cast<const sockaddr*>(request.sender.data()),
+                               static_cast<socklen_t>(request.sender.size())));
+}
+
+HandedOver FolderClaim::HandOver(const std::string& commandLine,
+                                 std::chrono::milliseconds wait) const {
+    const int sender = held_ ? -1 : DatagramSocket();
+    if (sender < 0) return HandedOver::NotAnswered;
+    const Address holder = ListenerOf(file_);
+    sockaddr own{};
+    own.sa_family = AF_UNIX;  // the kernel chooses the name that the answer goes to
+    HandedOver outcome = HandedOver::NotAnswered;
+    pollfd answered{sender, POLLIN, 0};
+    char mark = 0;
+    if (::bind(sender, &own, sizeof own.sa_family) == 0 &&
+        ::sendto(sender, commandLine.data(), commandLine.size(), MSG_NOSIGNAL, holder.Generic(),
+                 holder.size) == static_cast<ssize_t>(commandLine.size()) &&
+        ::poll(&answered, 1, static_cast<int>(wait.count())) == 1 &&
+        ::recv(sender, &mark, 1, 0) == 1)
+        outcome = mark == TakenMark ? HandedOver::Taken : HandedOver::Refused;
     ::close(sender);
-    return sent;
+    return outcome;
 }
 
 }  // namespace mailvane

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 
 #include "platform/os/Files.h"
 
@@ -64,10 +65,25 @@ void PrepareChild(int report) {
     ReportFailure(ReportFile);
 }
 
-void WaitFor(pid_t child) {
+/// Its exit status; 128 and more when a signal has ended it.
+int WaitFor(pid_t child) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+/// In the child: the end of a program that ends at once, 0 for one that goes on.
+[[noreturn]] void ExitLike(pid_t program) {
+    constexpr int Looks = 50;
+    constexpr timespec Pause{0, 20'000'000};
+    int status = 0;
+    for (int look = 0; look < Looks; ++look) {
+        if (::waitpid(program, &status, WNOHANG) == program)
+            ::_exit(WIFEXITED(status) ? WEXITSTATUS(status) : 1);
+        nanosleep(&Pause, nullptr);
+    }
+    ::_exit(0);
 }
 
 /// True when nothing was reported until the pipe closed, which a successful start does.
@@ -93,7 +109,11 @@ bool WaitFor(pid_t child, const std::function<bool()>& keepWaiting) {
     return gone;
 }
 
-enum class Way { Attached, Detached };
+enum class Way {
+    Attached,
+    Detached,
+    Watched  ///< detached, and its first second decides the child's exit status
+};
 
 /// The child that is or starts the program, to be waited for; 0 when it could not be started.
 pid_t StartChild(const std::vector<std::string>& commandLine, Way how) {
@@ -110,11 +130,15 @@ pid_t StartChild(const std::vector<std::string>& commandLine, Way how) {
     if (::pipe2(report, O_CLOEXEC) != 0) return 0;
     const pid_t child = ::fork();
     if (child == 0) {
-        if (how == Way::Detached) {
+        if (how != Way::Attached) {
             // A grandchild in a session of its own: init takes it over, and it outlives us.
             ::setsid();
             const pid_t grandchild = ::fork();
             if (grandchild < 0) ReportFailure(report[1]);
+            if (grandchild != 0 && how == Way::Watched) {
+                ::close(report[1]);
+                ExitLike(grandchild);
+            }
             if (grandchild != 0) ::_exit(0);
         }
         BecomeProgram(program.c_str(), arguments.data(), report[1]);
@@ -133,12 +157,15 @@ bool SystemProcesses::OpenDocument(const std::string& path,
                                    const std::vector<std::string>& arguments) {
     if (path.empty()) return false;
     // What has the execute bit is still a document: only a command with arguments is a program.
-    std::vector<std::string> commandLine{"xdg-open", path.front() == '-' ? "./" + path : path};
     if (!arguments.empty()) {
-        commandLine = {path};
+        std::vector<std::string> commandLine{path};
         commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+        return Start(commandLine);
     }
-    return Start(commandLine);
+    // It says by its exit status that the desktop has no program for the document.
+    const pid_t opener =
+        StartChild({"xdg-open", path.front() == '-' ? "./" + path : path}, Way::Watched);
+    return opener > 0 && WaitFor(opener) == 0;
 }
 
 bool SystemProcesses::Start(const std::vector<std::string>& commandLine) {

@@ -5,6 +5,7 @@
 #include "core/Paths.h"
 #include "core/Running.h"
 #include "core/Waiting.h"
+#include "core/project/Project.h"
 #include "core/text/Text.h"
 #include "send/report/frmDeliveryReport.h"
 #include "send/run/frmMSGSndRecvError.h"
@@ -74,15 +75,12 @@ void ReportDelivery(SendJob& job) {
 
 /// `ask` is off when nobody wants to be asked now.
 void ReportErrors(SendJob& job, bool ask) {
-    // Without a project the log stands in the program's own folder.
-    const std::string folder =
-        job.projectFolder.empty() ? job.wb.platform.programFolder : job.projectFolder;
-    const std::string path = folder + "/errorlog.txt";
+    const std::string path = ErrorLogPath(job.wb, job.projectFolder);
     if (!WriteFileText(path, job.errors))
         Tell(job.wb, "The file '" + path + "' could not be written.", BoxIcon::Exclamation);
     if (!ask) return;
     job.settings.Timer1.Start();
-    if (AskToShowErrorLog(job.wb, job.doubtful)) OpenDocument(job.wb, path);
+    if (AskToShowErrorLog(job.wb, job.doubtful)) ShowDocument(job.wb, path);
     job.settings.Timer1.Stop();
 }
 
