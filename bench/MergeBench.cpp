@@ -140,7 +140,8 @@ double TagRate(int count) {
     const Stopwatch watch;
     for (int i = 0; i < count; ++i) {
         std::string text = body;
-        tags.Replace(text, [&values](std::size_t column) { return &values[column]; });
+        if (!tags.Replace(text, [&values](std::size_t column) { return &values[column]; }))
+            Fail("The text became too long.");
         bytes += text.size();
     }
     const double seconds = watch.Seconds();

@@ -7,6 +7,7 @@
 
 #include "HeadlessProgram.h"
 #include "database/view/frmViewDatabase.h"
+#include "merge/check/MergeCheck.h"
 #include "merge/message/frmViewMerge.h"
 #include "merge/run/MergeGenerator.h"
 #include "merge/run/frmMerge.h"
@@ -109,20 +110,26 @@ public:
 
     /// Builds the message of every recipient, without storing any; the seconds that it took.
     double Build(int messages) {
-        frmViewMerge& view = program_.wb.forms.Get<frmViewMerge>();
-        const auto recipients = view.Data1.Recordset();
-        MergeGenerator generator(program_.wb, view, recipients, {true, view.txtTo.Text(), ""});
+        const MergePlan plan = MakeMergePlan(program_.wb, {});
+        const auto recipients = plan.recipients;
+        MergeGenerator generator(program_.wb, plan);
         const Stopwatch watch;
-        const DaoError failed = view.Data1.Database()->OneRead([&]() -> DaoError {
+        const DaoError failed = plan.database->OneRead([&]() -> DaoError {
             if (DaoError first = recipients->MoveFirst(); first.Failed()) return first;
             for (int i = 0; i < messages; ++i) {
-                generator.BuildMessage();
+                if (DaoError built = generator.BuildMessage(); built.Failed()) return built;
                 if (DaoError moved = recipients->MoveNext(); moved.Failed()) return moved;
             }
             return {};
         });
         if (failed.Failed() || !recipients->EndOfFile()) Fail("Not all messages were built.");
         return watch.Seconds();
+    }
+
+    /// The check before sending of the whole table.
+    std::vector<MergeFinding> Check() {
+        return CheckMerge(program_.wb, MakeMergePlan(program_.wb, {}),
+                          [](std::int64_t) { return true; });
     }
 
     /// The run, from the press of Start to its end; the seconds that it took.

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "MergeCampaign.h"
-#include "merge/check/MergeCheck.h"
 
 namespace {
 
@@ -33,19 +32,9 @@ double WalkBare(const std::string& path, int count) {
     return count / watch.Seconds();
 }
 
-double Check(const std::string& path, int count) {
-    const auto workspace = Workspace::Create();
-    const auto database = workspace->OpenDatabase(path);
-    if (database.Failed()) Fail(database.Error().description);
+double Check(MergeCampaign& campaign, int count) {
     const Stopwatch watch;
-    const auto recipients = (*database)->OpenRecordset("People");
-    if (recipients.Failed()) Fail(recipients.Error().description);
-    MergeParts parts;
-    parts.subject = "News from [City]";
-    parts.body = "Dear [FirstName] [LastName]";
-    parts.addressColumn = "Email";
-    const auto found = CheckMerge(parts, {*recipients, 0, static_cast<std::size_t>(count)},
-                                  [](std::size_t) { return true; });
+    const auto found = campaign.Check();
     const double seconds = watch.Seconds();
     if (!found.empty()) Fail("The check found: " + found.front().text);
     return count / seconds;
@@ -56,11 +45,12 @@ void Run(const Options& options) {
     const ScratchFolder scratch(options.Text("--folder", BuildFolder()));
     const std::string path = scratch.File("recipients.db");
     MakeRecipients(path, count);
+    MergeCampaign campaign(scratch.File("program"), path, "Dear [FirstName] [LastName]");
     Rates bare;
     Rates check;
     for (int round = 0; round < 3; ++round) {
         bare.Add(WalkBare(path, count));
-        check.Add(Check(path, count));
+        check.Add(Check(campaign, count));
     }
     Report("merge_check_bare_walk", bare.Median(), "rows/s");
     Report("merge_check", check.Median(), "rows/s", Ratio(check, bare));
