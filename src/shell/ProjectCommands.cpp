@@ -1,3 +1,4 @@
+#include "core/MessageBoxes.h"
 #include "core/Paths.h"
 #include "core/Waiting.h"
 #include "core/project/ProjectPrompts.h"
@@ -20,7 +21,7 @@ void frmMain::OpenCommand() {
 
 void frmMain::OpenExistingProject(const std::string& path) {
     if (!FileExists(path)) return TellFileNotFound(wb_);
-    if (!IsProjectFile(wb_, path)) return;
+    if (!IsProjectFile(wb_, path)) return Tell(wb_, NoProjectText(path), BoxIcon::Critical);
     wb_.runs.EndThen(Holds::Everything, [this, path] { OpenProject(path); });
 }
 
@@ -65,7 +66,7 @@ void frmMain::SaveOpenProject() {
 }
 
 void frmMain::SaveCommand() {
-    if (wb_.state.ProjectOpen()) return SaveOpenProject();
+    if (!wb_.state.CurrentProjectFile.empty()) return SaveOpenProject();
     const std::string path = BrowseProjectFile(wb_, true);
     if (!path.empty() && SaveProject(wb_, path)) wb_.state.CurrentProjectFile = path;
 }

@@ -89,8 +89,12 @@ void frmMain::RunStartUpChecks() {
 }
 
 void frmMain::OpenFirstProject(const std::string& commandLine, bool dialogs) {
-    if (FileExists(commandLine) && IsProjectFile(wb_, commandLine))
-        return OpenProject(std::filesystem::absolute(commandLine).string());
+    if (FileExists(commandLine)) {
+        if (IsProjectFile(wb_, commandLine))
+            return OpenProject(std::filesystem::absolute(commandLine).string());
+        SetPanel(NoProjectText(commandLine));
+        if (dialogs) Tell(wb_, NoProjectText(commandLine), BoxIcon::Critical);
+    }
     const std::string last = RecentFile1.Paths().front();
     if (GetUserSetting(wb_, "Settings", "Load") == "1" && FileExists(last) &&
         IsProjectFile(wb_, last)) {

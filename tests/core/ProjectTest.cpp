@@ -147,12 +147,10 @@ TEST_F(Project, OnlyTheOwnerReadsWhatHoldsPasswords) {
 }
 
 TEST_F(Project, FilesThatNameNoSettingAreNoProjects) {
-    Prompts().UseDefaults();
     SaveProject(wb, ProjectPath("a.poc"));
     EXPECT_TRUE(IsProjectFile(wb, ProjectPath("a.poc")));
     for (const char* content : {"", "a letter", "txtName*|*Ann#|#"})
         EXPECT_FALSE(IsProjectFile(wb, folder.Write("b.poc", content))) << content;
-    EXPECT_EQ(Prompts().Shown().size(), 3u);
 }
 
 TEST_F(Project, ShippedTemplateHoldsTheDefaults) {

@@ -53,12 +53,10 @@ bool SaveProject(Workbench& wb, const std::string& path) {
     UpdateProgress(wb, static_cast<long>(settings.Controls().size()), 0,
                    "Saving '" + wb.state.ProjectName + "' project...");
     const std::string text = ReadControlValues(wb, settings);
-    std::string reason;
-    if (!WriteWholeFile(path, Sifrant().Sifriraj(text, ProjectKey), &reason,
+    if (!WriteWholeFile(path, Sifrant().Sifriraj(text, ProjectKey), nullptr,
                         FileAccess::OwnerOnly)) {
         std::tie(wb.state.ProjectName, wb.state.ProjectFolder) = before;
-        Tell(wb, "The project file '" + path + "' could not be written: " + reason + ".",
-             BoxIcon::Critical);
+        Tell(wb, "The project file '" + path + "' could not be written.", BoxIcon::Critical);
         return false;
     }
     settings.lbxRules.SetFile(RulesFile(wb.state));
@@ -68,13 +66,12 @@ bool SaveProject(Workbench& wb, const std::string& path) {
 
 bool IsProjectFile(Workbench& wb, const std::string& path) {
     const std::string text = Sifrant().DeSifriraj(ReadFileText(path), ProjectKey);
-    if (NamesControlOf(wb.forms.Get<frmSettings>(), text)) return true;
-    if (!wb.state.UnattendedRun)
-        Tell(wb,
-             "The file '" + path +
-                 "' is not a Mailvane project, or it is damaged. It stays as it is.",
-             BoxIcon::Critical);
-    return false;
+    return NamesControlOf(wb.forms.Get<frmSettings>(), text);
+}
+
+std::string NoProjectText(const std::string& path) {
+    return "The file '" + path +
+           "' is not a Mailvane project, or it is damaged. It stays as it is.";
 }
 
 void LoadProject(Workbench& wb, const std::string& path) {

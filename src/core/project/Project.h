@@ -25,8 +25,9 @@ void SetControlValue(Control& control, const std::string& value);
 bool SaveProject(Workbench& wb, const std::string& path);
 /// Reads the project into frmSettings.
 void LoadProject(Workbench& wb, const std::string& path);
-/// The file holds at least one value of the settings form; tells when it does not.
+/// The file holds at least one value of the settings form.
 bool IsProjectFile(Workbench& wb, const std::string& path);
+std::string NoProjectText(const std::string& path);  ///< what to say of one that does not
 /// What "Open", a recent file and the command line do: makes `path` the current project, unloads
 /// every form but frmMain and loads frmSettings.
 void SwitchProject(Workbench& wb, const std::string& path);
