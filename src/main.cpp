@@ -38,8 +38,8 @@ Usage: mailvane [options] [PROJECT.poc]
   --version        print the version
   --help           print this text
 
-One program runs on a program folder at a time: another start shows that one's window, and with
---script ends with 1.
+One program runs on a program folder at a time: another start hands its project or task over to that
+one and shows its window, or says why it cannot and ends with 1; with --script it always ends with 1.
 
 Exit status with --script: 0 all went as expected, 1 an expectation failed or a box came up
 that nothing answers, 2 the script is wrong or cannot be read.
