@@ -33,10 +33,6 @@ struct ExecuteTagTest : testing::Test, MergeBench {
         tag.ResultFile = folder.File("result");
         EXPECT_TRUE(SaveTag(wb, tag));
     }
-    std::vector<MessageRecord> Run() {
-        Dialog().cmdStart.Press();
-        return Outbox();
-    }
 
     std::string program = folder.Write("look up.sh", "");
     const TagList columns{{}};
@@ -131,7 +127,7 @@ TEST_F(ExecuteTagTest, AValueStaysOneArgument) {
               {{hostile, "ann@x", Cell()}, {"Bob", "bob@x", ""}});
     SaveProgram(1, "p=1 /[first \"name] \"x [Email] y\" [City] [Nobody] --");
     Message("##Execute Program 1##");
-    Run();
+    Merged();
     const std::string filled = "/a \"b\" ; $(touch x) | `y` ann@x \\\" 'c";
     EXPECT_THAT(processes.ran,
                 ElementsAre(Words{program, "p=1", filled, "x ann@x y", "[City]", "[Nobody]", "--"},
@@ -143,7 +139,7 @@ TEST_F(ExecuteTagTest, ProgramsRunOnceAMessageAndTheirTagsStay) {
     SaveProgram(1, "[Email]");
     SaveProgram(2, "second");
     Message("##execute program 1####Execute Program 2##[Name]", "##Execute Program 2##");
-    const auto messages = Run();
+    const auto messages = Merged();
     ASSERT_EQ(messages.size(), 40u);
     EXPECT_EQ(messages[39].Body, "##execute program 1####Execute Program 2##N40");
     ASSERT_EQ(processes.ran.size(), 40u);
@@ -151,11 +147,7 @@ TEST_F(ExecuteTagTest, ProgramsRunOnceAMessageAndTheirTagsStay) {
     EXPECT_EQ(processes.ran[39], (Words{program, "a40@x"}));
     EmptyOutbox();
 
-    frmMerge& dialog = Dialog();
-    dialog.optBulk.SetValue(true);
-    dialog.txtPacket.SetText("40");
-    dialog.cmdStart.Press();
-    EXPECT_EQ(Outbox().at(0).Body, "##execute program 1####Execute Program 2##");
+    EXPECT_EQ(Merged(Packets("40")).at(0).Body, "##execute program 1####Execute Program 2##");
     EXPECT_EQ(processes.ran.size(), 40u) << "nothing runs for packets";
 }
 
@@ -168,7 +160,7 @@ TEST_F(ExecuteTagTest, TagsCountOnlyWhereTheUserWroteThem) {
               {{"a@x", tags, "page"}, {"b@x", tags, "gone"}, {"c@x", "C", "gone"}});
     folder.Write("page.html", "[Name]");
     Message("Dear [Name]").lstHTML.SetItems({folder.File("[Page].html")});
-    EXPECT_EQ(Run().at(1).HTMLCode, tags);
+    EXPECT_EQ(Merged().at(1).HTMLCode, tags);
     EXPECT_TRUE(processes.ran.empty());
     EXPECT_TRUE(shell.panels.end() == std::ranges::find(shell.panels, "Executing CGI script..."));
 }
@@ -182,7 +174,7 @@ TEST_F(ExecuteTagTest, AFoundTagRunsForAllLaterMessages) {
     folder.Write("N4.html", "nothing");
     frmViewMerge& view = Message();
     view.lstHTML.SetItems({folder.File("[Name].html")});
-    const auto messages = Run();
+    const auto messages = Merged();
     ASSERT_EQ(messages.size(), 4u);
     EXPECT_THAT(processes.ran, ElementsAre(Words{program, "a2@x"}, Words{program, "a3@x"},
                                            Words{program, "a3@x"}));
@@ -219,7 +211,7 @@ TEST_F(ExecuteTagTest, WaitsForSecondsOrTheEnd) {
         processes.opened.clear();
         processes.succeeds = row.starts;
         const auto began = clock.Monotonic();
-        EXPECT_EQ(Run().size(), 1u) << row.name;
+        EXPECT_EQ(Merged().size(), 1u) << row.name;
         EXPECT_THAT(row.calls, ElementsAre(processes.ran.size(), processes.started.size(),
                                            processes.opened.size()))
             << row.name;
@@ -274,7 +266,7 @@ TEST_F(ExecuteTagTest, ScriptsGetEncodedValues) {
               {{"ann@x", "A&B=[Email] %/\"#"}, {"bob@x", Cell()}});
     SaveScript(1, "http://127.0.0.1:" + std::to_string(web.Port()) + "/s.pl", "n=[NAME]&m=[Email]");
     Message("##Execute CGI 1##");
-    EXPECT_EQ(Run().at(0).Body, "##Execute CGI 1##");
+    EXPECT_EQ(Merged().at(0).Body, "##Execute CGI 1##");
     EXPECT_THAT(lines, ElementsAre("GET /s.pl?n=A%26B%3D%5BEmail%5D+%25%2F%22%23&m=ann@x HTTP/1.1",
                                    "GET /s.pl?n=[NAME]&m=bob@x HTTP/1.1"));
     EXPECT_EQ(folder.Read("result"), "1");
@@ -284,11 +276,11 @@ TEST_F(ExecuteTagTest, ScriptsGetEncodedValues) {
     auto unsaved = LoadTag<CgiTagRecord>(wb, "1");
     unsaved.SaveResult = false;
     SaveTag(wb, unsaved);
-    Run();
+    Merged();
     EXPECT_EQ(ReadFileText(InProgramFolder("tmp.tmp")), "3");
     EmptyOutbox();
     Message("##Execute CGI 99##");
-    EXPECT_EQ(Run().size(), 2u) << "an empty address is called in vain";
+    EXPECT_EQ(Merged().size(), 2u) << "an empty address is called in vain";
 }
 
 }  // namespace

@@ -81,6 +81,26 @@ struct MergeBench : TestBench {
         return *dialog;
     }
 
+    frmMerge& Packets(const std::string& size) {
+        frmMerge& dialog = Dialog();
+        dialog.optBulk.SetValue(true);
+        dialog.txtPacket.SetText(size);
+        return dialog;
+    }
+    frmMerge& Rows(const std::string& first, const std::string& last) {
+        frmMerge& dialog = Dialog();
+        dialog.chkFractional.SetChecked(true);
+        dialog.txtFractional1.SetText(first);
+        dialog.txtFractional2.SetText(last);
+        return dialog;
+    }
+
+    std::vector<MessageRecord> Merged() { return Merged(Dialog()); }
+    std::vector<MessageRecord> Merged(frmMerge& dialog) {
+        dialog.cmdStart.Press();
+        return Outbox();
+    }
+
     std::vector<MessageRecord> Outbox() {
         std::vector<MessageRecord> messages;
         const auto rows = *wb.state.MessageStore->OpenRecordset("Outbox");

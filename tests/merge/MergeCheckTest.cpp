@@ -5,37 +5,34 @@
 #include "merge/check/MergeCheck.h"
 #include "merge/check/frmMergeCheck.h"
 
-namespace mailvane {
+namespace mailvane::test {
 namespace {
 
-using test::Cell;
-using test::MergeBench;
 using Lines = std::vector<std::string>;
 
-class CheckBeforeSending : public ::testing::Test {
-protected:
-    void SetUp() override {
-        bench.MakeTable("People", {{.name = "Email"}, {.name = "Name"}, {.name = "City"}},
-                        {{"ann@example.com", "Ann", "Cork"},
-                         {"bob@example.com", "", "Oslo"},
-                         {Cell(), "Cy", "Bergen"},
-                         {"not an address", "Di\r\nBcc: all@example.com", "Graz"},
-                         {"Ann B <ANN@example.com>", "Ann", Cell()},
-                         {"eve@example.com, two words@x", "Eve", "Rome"}});
-        bench.Message("");
+struct CheckBeforeSending : testing::Test, MergeBench {
+    CheckBeforeSending() {
+        MakeTable("People", {{.name = "Email"}, {.name = "Name"}, {.name = "City"}},
+                  {{"ann@example.com", "Ann", "Cork"},
+                   {"bob@example.com", "", "Oslo"},
+                   {Cell(), "Cy", "Bergen"},
+                   {"not an address", "Di\r\nBcc: all@example.com", "Graz"},
+                   {"Ann B <ANN@example.com>", "Ann", Cell()},
+                   {"eve@example.com, two words@x", "Eve", "Rome"}});
+        Message("");
     }
 
     void UseTable(const std::string& name) {
-        auto& view = bench.wb.forms.Get<frmViewMerge>();
+        auto& view = wb.forms.Get<frmViewMerge>();
         view.cmdRefresh.Press();
         view.cmbTable.SetText(name);
     }
 
     /// Each finding as "COUNT TEXT ROWS", the rows counted from 1.
-    std::vector<std::string> Findings() {
-        const MergePlan plan = MakeMergePlan(bench.wb, options);
-        std::vector<std::string> lines;
-        for (const MergeFinding& finding : CheckMerge(bench.wb, plan, [](auto) { return true; })) {
+    Lines Findings() {
+        const MergePlan plan = MakeMergePlan(wb, options);
+        Lines lines;
+        for (const MergeFinding& finding : CheckMerge(wb, plan, [](auto) { return true; })) {
             std::string line = std::to_string(finding.count) + " " + finding.text;
             for (const Bookmark row : finding.rows)
                 line += " " + std::to_string(*plan.recipients->PositionOf(row) + 1);
@@ -44,7 +41,6 @@ protected:
         return lines;
     }
 
-    MergeBench bench;
     MergeOptions options{.rows = MergeOptions::Rows{1, 6}};
 };
 
@@ -58,14 +54,14 @@ TEST_F(CheckBeforeSending, AddressesOfEachRow) {
 }
 
 TEST_F(CheckBeforeSending, AddressesAsSendingTakesThem) {
-    bench.MakeTable("Others", {{.name = "Email"}},
-                    {{"a@b.de"},
-                     {"a@b.c"},
-                     {"name@"},
-                     {"a@example..com"},
-                     {"@example.com"},
-                     {"ann@exa\r\nmple.com"},
-                     {"\"Smith, Al\" <al@example.com>"}});
+    MakeTable("Others", {{.name = "Email"}},
+              {{"a@b.de"},
+               {"a@b.c"},
+               {"name@"},
+               {"a@example..com"},
+               {"@example.com"},
+               {"ann@exa\r\nmple.com"},
+               {"\"Smith, Al\" <al@example.com>"}});
     UseTable("Others");
     options.rows = {1, 7};
     EXPECT_EQ(Findings(), (Lines{"4 Not an e-mail address 2 3 4 5",
@@ -74,8 +70,8 @@ TEST_F(CheckBeforeSending, AddressesAsSendingTakesThem) {
 
 TEST_F(CheckBeforeSending, TagsAndValues) {
     options.rows = {1, 5};
-    bench.Message("[Town], [CITY], [town] [not a\r\ntag] [[Name]] [] ##Execute Program 9##",
-                  "News for [name] of [Town] [!SYSDATE]");
+    Message("[Town], [CITY], [town] [not a\r\ntag] [[Name]] [] ##Execute Program 9##",
+            "News for [name] of [Town] [!SYSDATE]");
     const Lines expected = {"1 The program of the tag ##Execute Program 9## is not there",
                             "3 The tag [Town] names no column",
                             "1 No e-mail address 3",
@@ -88,26 +84,26 @@ TEST_F(CheckBeforeSending, TagsAndValues) {
 }
 
 TEST_F(CheckBeforeSending, FilesOfEachRow) {
-    WriteFileText(bench.folder.File("Ann.pdf"), "x");
-    WriteFileText(bench.folder.File("Ann.html"), "<p>[Street] [City]</p>");
+    WriteFileText(folder.File("Ann.pdf"), "x");
+    WriteFileText(folder.File("Ann.html"), "<p>[Street] [City]</p>");
     options.rows = {1, 2};
-    auto& view = bench.Message("");
-    view.lstAttach.SetItems({bench.folder.File("[Name].pdf")});
-    view.lstHTML.SetItems({bench.folder.File("[Name].html")});
+    auto& view = Message("");
+    view.lstAttach.SetItems({folder.File("[Name].pdf")});
+    view.lstHTML.SetItems({folder.File("[Name].html")});
     EXPECT_EQ(Findings(),
               (Lines{"1 The tag [Street] names no column", "1 The attachment is not there 2",
                      "1 The HTML file is not there 2", "1 The column 'Name' is empty 2"}));
-    ASSERT_EQ(mkfifo(bench.folder.File("pipe").c_str(), 0600), 0);
-    view.lstAttach.SetItems({bench.folder.File("pipe")});
+    ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
+    view.lstAttach.SetItems({folder.File("pipe")});
     EXPECT_EQ(Findings().at(1), "2 The attachment is not there 1 2") << "a pipe is no file";
 }
 
 TEST_F(CheckBeforeSending, TextsThatAreTooLong) {
-    bench.MakeTable("Long", {{.name = "Email"}, {.name = "Note", .type = FieldType::Memo}},
-                    {{"a@example.com", "short"},
-                     {"b@example.com", std::string(65530, 'x')},
-                     {"c@example.com", std::string(9 << 20, 'x')}});
-    bench.Message("[Note][Note]", "Subject [Note]");
+    MakeTable("Long", {{.name = "Email"}, {.name = "Note", .type = FieldType::Memo}},
+              {{"a@example.com", "short"},
+               {"b@example.com", std::string(65530, 'x')},
+               {"c@example.com", std::string(9 << 20, 'x')}});
+    Message("[Note][Note]", "Subject [Note]");
     UseTable("Long");
     options.rows = {1, 3};
     EXPECT_EQ(Findings(), (Lines{"1 A text of the message grows past 16 MB by its values 3",
@@ -117,7 +113,7 @@ TEST_F(CheckBeforeSending, TextsThatAreTooLong) {
 TEST_F(CheckBeforeSending, MessagesForMany) {
     options = {.personal = false, .packetSize = 4, .bulkTo = "all@example.com"};
     options.addressColumn = "Email";
-    bench.Message("Dear [Name]").lstAttach.SetItems({bench.folder.Write("[Name].pdf", "")});
+    Message("Dear [Name]").lstAttach.SetItems({folder.Write("[Name].pdf", "")});
     EXPECT_EQ(Findings(), (Lines{"2 The tag [Name] is taken out of messages for many",
                                  "2 In no packet: the last one is not full 5 6",
                                  "1 No e-mail address 3", "2 Not an e-mail address 4 6",
@@ -126,15 +122,12 @@ TEST_F(CheckBeforeSending, MessagesForMany) {
 }
 
 TEST_F(CheckBeforeSending, WindowSelectsTheRowsConcerned) {
-    bench.Message("Dear [Name]");
-    auto& dialog = bench.Dialog();
-    dialog.chkFractional.SetChecked(true);
-    dialog.txtFractional1.SetText("2");
-    dialog.txtFractional2.SetText("90");
+    Message("Dear [Name]");
+    auto& dialog = Rows("2", "90");
     std::vector<std::string> lines;
     std::string summary;
-    const Subscription shown = bench.windows.idle.Observe([&] {
-        auto* form = bench.wb.forms.Find<frmMergeCheck>();
+    const Subscription shown = windows.idle.Observe([&] {
+        auto* form = wb.forms.Find<frmMergeCheck>();
         if (!form || !form->Visible()) return;
         lines = form->lstFindings.Items();
         summary = form->lblSummary.Text();
@@ -146,19 +139,19 @@ TEST_F(CheckBeforeSending, WindowSelectsTheRowsConcerned) {
     EXPECT_EQ(summary, "These things were found in 5 records.");
     ASSERT_GE(lines.size(), 3u);
     EXPECT_EQ(lines[1] + "; " + lines[2], "1 x  No e-mail address; 2 x  Not an e-mail address");
-    const auto& view = bench.wb.forms.Get<frmViewDatabase>();
+    const auto& view = wb.forms.Get<frmViewDatabase>();
     EXPECT_EQ(view.Grid1.SelBookmarks().Count(), 2u);
     EXPECT_EQ(view.Grid1.CurrentRow(), 3u);
     EXPECT_TRUE(dialog.IsLoaded()) << "the run can still be started";
-    EXPECT_TRUE(bench.Outbox().empty());
+    EXPECT_TRUE(Outbox().empty());
 }
 
 TEST_F(CheckBeforeSending, CancelEndsItAtOnce) {
     int reports = 0;
-    const MergePlan plan = MakeMergePlan(bench.wb, {});
-    EXPECT_TRUE(CheckMerge(bench.wb, plan, [&](auto) { return ++reports > 1; }).empty());
+    const MergePlan plan = MakeMergePlan(wb, {});
+    EXPECT_TRUE(CheckMerge(wb, plan, [&](auto) { return ++reports > 1; }).empty());
     EXPECT_EQ(reports, 1);
 }
 
 }  // namespace
-}  // namespace mailvane
+}  // namespace mailvane::test

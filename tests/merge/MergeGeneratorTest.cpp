@@ -23,16 +23,6 @@ struct MergeGeneratorTest : Test, MergeBench {
                     "1", "-12", "1234567.5"},
                    {std::nullopt, std::nullopt, "second", std::nullopt, "0"}});
     }
-
-    std::vector<MessageRecord> Run(bool personal = true) {
-        frmMerge& dialog = Dialog();
-        if (!personal) {
-            dialog.optBulk.SetValue(true);
-            dialog.txtPacket.SetText("1");
-        }
-        dialog.cmdStart.Press();
-        return Outbox();
-    }
 };
 
 TEST_F(MergeGeneratorTest, FillsInTags) {
@@ -63,13 +53,13 @@ TEST_F(MergeGeneratorTest, FillsInTags) {
     };
     const auto check = [this](const Row& row) {
         Message(row.text, row.text, row.text);
-        const auto personal = Run();
+        const auto personal = Merged();
         ASSERT_EQ(personal.size(), 2u) << row.name;
         EXPECT_EQ(personal[0].Body, row.body) << row.name;
         EXPECT_EQ(personal[0].From, row.from) << row.name;
         EXPECT_EQ(personal[1].Body, row.nullRow) << row.name;
         EmptyOutbox();
-        const auto bulk = Run(false);
+        const auto bulk = Merged(Packets("1"));
         ASSERT_EQ(bulk.size(), 2u) << row.name;
         EXPECT_EQ(bulk[0].Body, row.bulk) << row.name;
         EmptyOutbox();
@@ -87,7 +77,7 @@ TEST_F(MergeGeneratorTest, SystemTagsStandInEveryTextButTheSender) {
     frmViewMerge& view = Message(tags, "##Execute Program 1##" + tags, tags);
     view.lstHTML.SetItems({folder.File("page.html")});
     folder.Write("page.html", tags);
-    const auto messages = Run();
+    const auto messages = Merged();
     EXPECT_EQ(messages[0].Body, values);
     EXPECT_EQ(messages[0].Subject, "##Execute Program 1##" + values);
     EXPECT_EQ(messages[0].HTMLCode, values);
@@ -98,7 +88,7 @@ TEST_F(MergeGeneratorTest, FillsInTheOtherFields) {
     frmViewMerge& view = Message("four", "two");
     wb.forms.Get<frmSettings>().txtReplyTo.SetText("[Email]");
     view.ActiveBar1.Press("High");
-    const auto messages = Run();
+    const auto messages = Merged();
     EXPECT_EQ(messages[0].ReplyTo, "[Email]");
     EXPECT_EQ(messages[0].Date, clock.Now());
     EXPECT_EQ(messages[0].Size, 7);
@@ -109,12 +99,12 @@ TEST_F(MergeGeneratorTest, FillsInTheOtherFields) {
 
 TEST_F(MergeGeneratorTest, ARowWithoutAddressGetsTheOneBefore) {
     frmViewMerge& view = Message();
-    EXPECT_EQ(Recipients(Run()), "ann@x ann@x ");
+    EXPECT_EQ(Recipients(Merged()), "ann@x ann@x ");
     EmptyOutbox();
     MakeTable("Nobody", {{.name = "Email"}}, {{Cell()}, {"b@x"}});
     wb.forms.Get<frmViewDatabase>().cmdRefresh.Press();
     view.cmbTable.SetText("Nobody");
-    EXPECT_EQ(Recipients(Run()), " b@x ");
+    EXPECT_EQ(Recipients(Merged()), " b@x ");
 }
 
 /// Files that are named like the tag are found by a row that has no value for it. The tag then goes
@@ -126,7 +116,7 @@ TEST_F(MergeGeneratorTest, FilesOfARow) {
     view.lstHTML.SetItems({folder.File("[First Name].html")});
     view.lstAttach.SetItems({folder.File("[first name].pdf")});
     for (const bool ofTheTag : {false, true}) {
-        const auto messages = Run();
+        const auto messages = Merged();
         EXPECT_EQ(messages[0].HTML, folder.File("Ann.html"));
         EXPECT_EQ(messages[0].HTMLCode, "<p>Ann 2/29/2024\r\n3/15/2024</p>");
         EXPECT_EQ(messages[0].ContentType, "html");
@@ -162,7 +152,7 @@ TEST_F(MergeGeneratorTest, ValuesKnowTheirPlace) {
         frmViewMerge& view = Message("", "[Name]", "\"[Name]\" [Name] <me@here>");
         view.cmbTable.SetText("Hostile");
         view.lstAttach.SetItems({path});
-        const auto messages = Run();
+        const auto messages = Merged();
         ASSERT_EQ(messages.size(), 4u);
         EXPECT_EQ(messages[0].From, "\"A \\\"B\\\" \\\\\" A \"B\" \\ <me@here>");
         EXPECT_EQ(messages[1].Subject, "BC");
@@ -178,7 +168,7 @@ TEST_F(MergeGeneratorTest, BulkTakesFilesAsTheyStand) {
     frmViewMerge& view = Message();
     view.lstHTML.SetItems({"/nowhere/[Email].html"});
     view.lstAttach.SetItems({"/nowhere/[Email].pdf"});
-    const auto messages = Run(false);
+    const auto messages = Merged(Packets("1"));
     EXPECT_EQ(messages[0].HTML, "/nowhere/[Email].html");
     EXPECT_EQ(messages[0].HTMLCode, "");
     EXPECT_EQ(messages[0].ContentType, "html");

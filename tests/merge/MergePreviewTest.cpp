@@ -40,8 +40,7 @@ struct PreviewTest : Test, MergeBench {
 
 TEST_F(PreviewTest, ShowsInAnyOrderWhatTheRunStores) {
     MergePreview preview(wb, Plan());
-    Dialog().cmdStart.Press();
-    const auto stored = Outbox();
+    const auto stored = Merged();
     ASSERT_EQ(preview.Count(), stored.size());
     for (const std::size_t number : {4, 2, 0, 1, 3})
         EXPECT_EQ(Parts(*preview.Message(number)), Parts(stored[number])) << number;
@@ -95,10 +94,7 @@ TEST_F(PreviewTest, PagesAndFinds) {
 }
 
 TEST_F(PreviewTest, OpensForTheRowsOfTheRun) {
-    auto& dialog = Dialog();
-    dialog.chkFractional.SetChecked(true);
-    dialog.txtFractional1.SetText("4");
-    dialog.txtFractional2.SetText("5");
+    auto& dialog = Rows("4", "5");
     std::vector<std::string> seen;
     const Subscription shown = windows.idle.Observe([&] {
         auto* form = wb.forms.Find<frmMergePreview>();

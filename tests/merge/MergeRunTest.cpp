@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <optional>
 
 #include "merge/MergeBench.h"
 #include "merge/check/MergeCheck.h"
@@ -8,7 +7,6 @@
 #include "merge/run/frmMSGOutbox.h"
 #include "send/report/DeliveryReport.h"
 #include "store/MergeMark.h"
-#include "support/FullDisk.h"
 
 namespace mailvane::test {
 namespace {
@@ -27,14 +25,9 @@ struct Options {
 
 struct MergeRunTest : testing::Test, MergeBench {
     frmMerge& Choose(const Options& options) {
-        frmMerge& dialog = Dialog();
+        frmMerge& dialog = options.first ? Rows(options.first, options.last) : Dialog();
         if (options.maximum) dialog.txtMax.SetText(options.maximum);
         dialog.chkMax.SetChecked(options.maximum != nullptr);
-        if (options.first) {
-            dialog.chkFractional.SetChecked(true);
-            dialog.txtFractional1.SetText(options.first);
-            dialog.txtFractional2.SetText(options.last);
-        }
         if (options.packet) {
             dialog.optBulk.SetValue(true);
             dialog.txtPacket.SetText(options.packet);
@@ -55,7 +48,7 @@ struct MergeRunTest : testing::Test, MergeBench {
 };
 
 /// "a1@x, a2@x, " up to `last`; a packet of `size` closes without a separator.
-std::string Packets(int last, int size) {
+std::string Joined(int last, int size) {
     std::string text;
     for (int i = 1; i <= last; ++i)
         text += "a" + std::to_string(i) + "@x" + (i % size == 0 ? "" : ", ");
@@ -171,18 +164,18 @@ TEST_F(MergeRunTest, ADateChoiceOnATextColumnIsDropped) {
 
 TEST_F(MergeRunTest, BulkPackets) {
     const std::tuple<const char*, int, Options, Texts> rows[] = {
-        {"19 in packets of 19", 19, {.packet = "19"}, {Packets(19, 19)}},
-        {"40 in packets of 19", 40, {.packet = "19"}, {Packets(19, 19), Packets(38, 19)}},
-        {"50 in packets of 19", 50, {.packet = "19"}, {Packets(19, 19), Packets(38, 19)}},
-        {"fewer than a packet", 3, {.packet = "19"}, {Packets(3, 3)}},
+        {"19 in packets of 19", 19, {.packet = "19"}, {Joined(19, 19)}},
+        {"40 in packets of 19", 40, {.packet = "19"}, {Joined(19, 19), Joined(38, 19)}},
+        {"50 in packets of 19", 50, {.packet = "19"}, {Joined(19, 19), Joined(38, 19)}},
+        {"fewer than a packet", 3, {.packet = "19"}, {Joined(3, 3)}},
         {"packets of one", 2, {.packet = "1"}, {"a1@x", "a1@xa2@x"}},
-        {"a packet of a fraction is never full", 4, {.packet = "2.5"}, {Packets(4, 4)}},
+        {"a packet of a fraction is never full", 4, {.packet = "2.5"}, {Joined(4, 4)}},
         {"rows shorter than a packet", 30, {.first = "5", .last = "10", .packet = "19"}, {}},
         {"rows with a rest",
          30,
          {.first = "5", .last = "9", .packet = " 2 "},
          {"a5@x, a6@x", "a5@x, a6@xa7@x, a8@x"}},
-        {"a maximum below a packet", 30, {.maximum = "3", .packet = "19"}, {Packets(3, 3)}},
+        {"a maximum below a packet", 30, {.maximum = "3", .packet = "19"}, {Joined(3, 3)}},
         {"rows of a maximum below a packet", 30, {"3", "2", "3", "19"}, {}},
     };
     for (const auto& [name, records, options, blindCopies] : rows) {
@@ -222,7 +215,7 @@ TEST_F(MergeRunTest, AnInvalidPacketSizeBecomes19OrEndsTheRun) {
     Prompts().QueueBox(BoxAnswer::Yes,
                        "'Messages per packet' text-box contains invalid value: 'none'.");
     dialog.cmdStart.Press();
-    EXPECT_EQ(BlindCopies(), Texts{Packets(19, 19)});
+    EXPECT_EQ(BlindCopies(), Texts{Joined(19, 19)});
 }
 
 TEST_F(MergeRunTest, CancelKeepsOrDeletesTheMessages) {
@@ -265,26 +258,6 @@ TEST_F(MergeRunTest, TheDeliveryReportSaysHowManyMessagesWereMade) {
         made += run.table + " " + std::to_string(run.generated) + " ";
     }
     EXPECT_EQ(made, "People 5 People 2 People 3 ");
-}
-
-TEST_F(MergeRunTest, FullDiskStopsTheRunWithOneBox) {
-    MakeRecipients(2000);
-    Message(std::string(2000, 'x'));
-    frmMerge& dialog = Dialog();
-    Prompts().QueueBox(BoxAnswer::Ok, "The message store cannot be written: ");
-    {
-        std::optional<test::FullDisk> full;
-        const auto watch = windows.yielded.Observe([&] {
-            const auto* status = wb.forms.Find<frmStatus>();
-            if (status && status->Progress1.Value() == 300) full.emplace();
-        });
-        dialog.cmdStart.Press();
-    }
-    EXPECT_EQ(Prompts().Shown().size(), 1u);
-    EXPECT_TRUE(dialog.cmdStart.Enabled());
-    const auto messages = Outbox();
-    EXPECT_EQ(messages.size(), 300u);
-    EXPECT_EQ(messages.back().Body.size(), 2000u);
 }
 
 TEST_F(MergeRunTest, MailingTable) {
@@ -398,21 +371,6 @@ TEST_F(MergeRunTest, WhateverClosesItsFormsEndsTheRunInOrder) {
         EXPECT_EQ(database->UserTableNames()->size(), 1u);
         EmptyOutbox();
     }
-}
-
-TEST_F(MergeRunTest, SendsWhenAskedTo) {
-    MakeRecipients(1);
-    frmViewMerge& view = Message();
-    std::vector<bool> finalSteps;
-    wb.forms.Get<frmSettings>().cmdSendEmail.onClick = [&] {
-        finalSteps.push_back(wb.state.FinalRunStep);
-    };
-    for (const char* command : {"Send Later", "Send Message"}) {
-        view.ActiveBar1.Press(command);
-        wb.forms.Find<frmMerge>()->cmdStart.Press();
-    }
-    EXPECT_EQ(finalSteps, std::vector<bool>{true});
-    EXPECT_FALSE(wb.state.FinalRunStep);
 }
 
 TEST_F(MergeRunTest, TheNoticeStaysAwayWhenAskedTo) {

@@ -8,6 +8,7 @@ namespace mailvane::test {
 namespace {
 
 struct SpellingTest : testing::Test, MergeBench {
+    SpellingTest() { MakeRecipients(1); }
     /// Presses these buttons, one at each idle moment, while the dialog stands open, and remembers
     /// the words it asked about and where they stood in the body.
     void Answer(RichTextBox& body, std::vector<std::function<void(frmSpelling&)>> steps) {
@@ -44,7 +45,6 @@ Step ChangeTo(const std::string& text, Button frmSpelling::*button = &frmSpellin
 }
 
 TEST_F(SpellingTest, GoesThroughTheBody) {
-    MakeRecipients(1);
     RichTextBox& body = Message().txtBody;
     const std::string complete = "The spelling check is complete.";
     const Step ignore = Press(&frmSpelling::cmdIgnore);
@@ -77,7 +77,6 @@ TEST_F(SpellingTest, GoesThroughTheBody) {
 }
 
 TEST_F(SpellingTest, OffersSuggestions) {
-    MakeRecipients(1);
     RichTextBox& body = Message("an adress here").txtBody;
     Answer(body, {[](frmSpelling& dialog) {
                EXPECT_EQ(dialog.txtChange.Text(), dialog.lstSuggestions.FirstItem());
@@ -89,7 +88,6 @@ TEST_F(SpellingTest, OffersSuggestions) {
 }
 
 TEST_F(SpellingTest, TellsOfWhatIsMissing) {
-    MakeRecipients(1);
     RichTextBox& body = Message("adress").txtBody;
     MakeFolders(InProgramFolder("words.txt"));  // no file can be written there
     Prompts().QueueBox(BoxAnswer::Ok, "Your dictionary '" + InProgramFolder("words.txt") +

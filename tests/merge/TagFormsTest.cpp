@@ -36,6 +36,19 @@ struct TagFormsTest : testing::Test, MergeBench {
         });
     }
 
+    /// Presses that button of the list, with this tag chosen.
+    template <class List>
+    std::string Insert(const char* key, const std::string& tag, Button TagListForm::*button) {
+        Then([this, tag, button] {
+            auto& list = wb.forms.Get<List>();
+            if (!tag.empty()) list.lbxTags.SetByUser(tag);
+            (list.*button).Press();
+        });
+        auto& view = wb.forms.Get<frmViewMerge>();
+        view.ActiveBar1.Press(key);
+        return view.txtBody.Text();
+    }
+
     std::string program = folder.Write("look up.sh", "");
 };
 
@@ -94,9 +107,8 @@ TEST_F(TagFormsTest, EnablesWhatCountsOnly) {
         (on ? editor.optWaitSec : editor.optWaitExit).SetValue(true);
         editor.chkInclude.SetChecked(on);
         for (const Control* control :
-             {static_cast<Control*>(&editor.txtSeconds), static_cast<Control*>(&editor.UpDown1),
-              static_cast<Control*>(&editor.txtResult), static_cast<Control*>(&editor.chkDelete),
-              static_cast<Control*>(&editor.cmdBrowse)})
+             std::initializer_list<Control*>{&editor.txtSeconds, &editor.UpDown1, &editor.txtResult,
+                                             &editor.chkDelete, &editor.cmdBrowse})
             EXPECT_EQ(control->Enabled(), on) << control->Name();
     }
     auto& script = wb.forms.Get<frmTagCGIAdd>();
@@ -181,32 +193,14 @@ TEST_F(TagFormsTest, ATagGoesInAtTheCaret) {
     MakeRecipients(1);
     WriteFileText(InProject("pTags.dat"), "3. execute a and include results.\r\n12. execute b\r\n");
     WriteFileText(InProject("cTags.dat"), "5. execute c CGI script and include results.\r\n");
-    frmViewMerge& view = Message("before after");
-    view.txtBody.Select(7, 0);
-    Then([this] {
-        auto& list = wb.forms.Get<frmTagProgram>();
-        EXPECT_EQ(list.lblInfo.Text(),
-                  "Please select the tag you want to insert in your message and click OK button "
-                  "below.");
-        list.lbxTags.SetByUser("#1");
-        list.cmdOk.Press();
-    });
-    view.ActiveBar1.Press("Execute Program");
-    EXPECT_EQ(view.txtBody.Text(), "before ##Execute Program 12##after");
-    Then([this] {
-        wb.forms.Get<frmTagCGI>().lbxTags.SetByUser("#0");
-        wb.forms.Get<frmTagCGI>().cmdOk.Press();
-    });
-    view.ActiveBar1.Press("Execute CGI");
-    EXPECT_EQ(view.txtBody.Text(), "before ##Execute Program 12####Execute CGI 5##after");
-    Then([this] {
-        wb.forms.Get<frmTagCGI>().lbxTags.SetByUser("#0");
-        wb.forms.Get<frmTagCGI>().cmdCancel.Press();
-    });
-    view.ActiveBar1.Press("Execute CGI");
-    Then([this] { wb.forms.Get<frmTagProgram>().cmdOk.Press(); });
-    view.ActiveBar1.Press("Execute Program");
-    EXPECT_EQ(view.txtBody.Text(), "before ##Execute Program 12####Execute CGI 5##after");
+    Message("before after").txtBody.Select(7, 0);
+    const std::string both = "before ##Execute Program 12####Execute CGI 5##after";
+    EXPECT_EQ(Insert<frmTagProgram>("Execute Program", "#1", &TagListForm::cmdOk),
+              "before ##Execute Program 12##after");
+    EXPECT_EQ(Insert<frmTagCGI>("Execute CGI", "#0", &TagListForm::cmdOk), both);
+    EXPECT_EQ(Insert<frmTagCGI>("Execute CGI", "#0", &TagListForm::cmdCancel), both);
+    EXPECT_EQ(Insert<frmTagProgram>("Execute Program", "", &TagListForm::cmdOk), both)
+        << "no tag is chosen";
 }
 
 }  // namespace

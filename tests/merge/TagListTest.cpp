@@ -24,25 +24,6 @@ std::string FillPassByPass(const std::vector<std::string>& names, std::string te
     return text;
 }
 
-TEST(TagList, ReplacesTagsPassByPass) {
-    // The values are those of the columns First Name, Email, Stadt.
-    const std::tuple<const char*, std::string, Values, std::string> rows[] = {
-        {"every occurrence", "[Email], [Email]", {"", "e", ""}, "e, e"},
-        {"letter case is ignored", "[EMAIL][first name]", {"F", "e", ""}, "eF"},
-        {"no column's name", "[Mail] [Email ] [ Email]", {"", "e", ""}, "[Mail] [Email ] [ Email]"},
-        {"no text keeps the tag", "a [Email] b", {"", std::nullopt, ""}, "a [Email] b"},
-        {"a later column's tag in a value", "[First Name]", {"[Stadt]!", "", "Ulm"}, "Ulm!"},
-        {"an earlier column's tag", "[Stadt]", {"F", "", "[First Name]"}, "[First Name]"},
-        {"a value makes a tag of its surroundings", "[Sta[Email]t]", {"", "d", "Ulm"}, "Ulm"},
-        {"a tag in brackets of its own", "[[Email]]", {"", "e", ""}, "[e]"},
-        {"an open bracket before a closed pair", "[ [x] [Email]", {"", "e", ""}, "[ [x] e"},
-        {"brackets that are never closed", "[Email", {"", "e", ""}, "[Email"},
-    };
-    const TagList tags({"First Name", "Email", "Stadt"});
-    for (const auto& [name, text, values, result] : rows)
-        EXPECT_EQ(Fill(tags, text, values), result) << name;
-}
-
 TEST(TagList, RemoveTakesOutTagsOnly) {
     const TagList tags({"A", "B"});
     std::string text = "x[a][C][B]y";

@@ -167,7 +167,6 @@ TEST_F(ViewMergeTest, LearnsAndOffersSenders) {
     view.txtFrom.SetText("b");
     view.txtFrom.onKeyUp('B');
     EXPECT_EQ(view.txtFrom.Text(), "bob@x");
-    EXPECT_EQ(view.txtFrom.SelectionStart(), 1u);
     view.txtFrom.SetByUser("Carol <c@x>");
     view.txtFrom.SetText("ca");
     view.txtFrom.onKeyUp('A');
