@@ -78,10 +78,9 @@ TEST_F(MergeGeneratorTest, SystemTagsStandInEveryTextButTheSender) {
     view.lstHTML.SetItems({folder.File("page.html")});
     folder.Write("page.html", tags);
     const auto messages = Merged();
-    EXPECT_EQ(messages[0].Body, values);
-    EXPECT_EQ(messages[0].Subject, "##Execute Program 1##" + values);
-    EXPECT_EQ(messages[0].HTMLCode, values);
-    EXPECT_EQ(messages[0].From, tags);
+    const MessageRecord& made = messages[0];
+    EXPECT_EQ(std::tie(made.Body, made.Subject, made.HTMLCode, made.From),
+              std::tuple(values, "##Execute Program 1##" + values, values, tags));
 }
 
 TEST_F(MergeGeneratorTest, FillsInTheOtherFields) {
@@ -89,12 +88,10 @@ TEST_F(MergeGeneratorTest, FillsInTheOtherFields) {
     wb.forms.Get<frmSettings>().txtReplyTo.SetText("[Email]");
     view.ActiveBar1.Press("High");
     const auto messages = Merged();
-    EXPECT_EQ(messages[0].ReplyTo, "[Email]");
-    EXPECT_EQ(messages[0].Date, clock.Now());
-    EXPECT_EQ(messages[0].Size, 7);
-    EXPECT_EQ(messages[0].Priority, "1");
-    EXPECT_EQ(messages[0].ContentType, "text");
-    EXPECT_EQ(messages[0].Status, "Read");
+    const MessageRecord& made = messages[0];
+    EXPECT_EQ(made.Date, clock.Now());
+    EXPECT_EQ(std::tie(made.ReplyTo, made.Size, made.Priority, made.ContentType, made.Status),
+              std::tuple("[Email]", 7, "1", "text", "Read"));
 }
 
 TEST_F(MergeGeneratorTest, ARowWithoutAddressGetsTheOneBefore) {
@@ -169,10 +166,9 @@ TEST_F(MergeGeneratorTest, BulkTakesFilesAsTheyStand) {
     view.lstHTML.SetItems({"/nowhere/[Email].html"});
     view.lstAttach.SetItems({"/nowhere/[Email].pdf"});
     const auto messages = Merged(Packets("1"));
-    EXPECT_EQ(messages[0].HTML, "/nowhere/[Email].html");
-    EXPECT_EQ(messages[0].HTMLCode, "");
-    EXPECT_EQ(messages[0].ContentType, "html");
-    EXPECT_EQ(messages[0].Attach, "/nowhere/.pdf");
+    const MessageRecord& made = messages[0];
+    EXPECT_EQ(std::tie(made.HTML, made.HTMLCode, made.ContentType, made.Attach),
+              std::tuple("/nowhere/[Email].html", "", "html", "/nowhere/.pdf"));
 }
 
 }  // namespace

@@ -33,11 +33,9 @@ TEST_F(TestMessageTest, GoesToTheAddressTyped) {
         view.ActiveBar1.Press("Test");
         const auto messages = Outbox();
         ASSERT_EQ(messages.size(), 1u);
-        EXPECT_EQ(messages[0].To, "test@there");
-        EXPECT_EQ(messages[0].Body, body);
-        EXPECT_EQ(messages[0].Subject, subject);
-        EXPECT_EQ(messages[0].From, from);
-        EXPECT_EQ(messages[0].Priority, "1");
+        const MessageRecord& made = messages[0];
+        EXPECT_EQ(std::tie(made.To, made.Body, made.Subject, made.From, made.Priority),
+                  std::tuple("test@there", body, subject, from, "1"));
         EmptyOutbox();
     }
     EXPECT_EQ(sent, 3);
@@ -80,10 +78,8 @@ TEST_F(TestMessageTest, TheScheduledMergeNeedsNobody) {
     MakeRecipients(2, "One");
     MakeRecipients(3, "Two");
     MakeTable("None", {{.name = "Email"}}, {});
-    const std::string from = "txtFrom*|*F#|#";
-    const std::string subject = "txtSubject*|*S#|#";
-    const std::string body = "txtBody*|*B#|#";
-    const std::string all = from + subject + body;
+    const std::string from = "txtFrom*|*F#|#", subject = "txtSubject*|*S#|#";
+    const std::string body = "txtBody*|*B#|#", all = from + subject + body;
     // The name of the case, the document ("": the file is missing), and the messages made.
     const std::tuple<const char*, std::string, std::size_t> rows[] = {
         {"a table of its own", all + "lblTable*|*two#|#", 3},
