@@ -305,6 +305,7 @@ const std::vector<Addresses> HostileLists = {
     {"a header more behind brackets", "<a@example.com>\r\nBcc: <evil@example.com>",
      "a@example.com "},
     {"a command before an address", "RCPT TO:<x@example.com>\r\nDATA", "x@example.com "},
+    {"a parameter", "a@example.com> NOTIFY=NEVER", "", "a@example.com NOTIFY=NEVER"},
     {"a parameter in a literal", "b@example.com,a@[x> NOTIFY=NEVER]", "b@example.com ",
      "a@[x> NOTIFY=NEVER]"},
     {"NUL", "a@exam\0ple.com"s, "a@example.com "},

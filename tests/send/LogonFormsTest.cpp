@@ -78,14 +78,13 @@ TEST_F(SendForms, LogonIsKeptWithTheProject) {
     settings.chkSMTPAuth.SetByUser("1");
     const std::string user = "ann=;[x]\xC3\xA4";
     const std::string password = " %41+ \"quoted\" ";
-    using Dialog = frmSMTPAuthentication;
-    With<Dialog>(settings.cmdSMTPAuth, [&](Dialog& dialog) {
+    With<frmSMTPAuthentication>(settings.cmdSMTPAuth, [&](auto& dialog) {
         dialog.txtUser.SetText(user);
         dialog.txtPass.SetText(password);
         dialog.cmdOk.Press();
     });
     EXPECT_EQ(ReadLogon(wb), (LogonData{user, password}));
-    With<Dialog>(settings.cmdSMTPAuth, [&](Dialog& dialog) {
+    With<frmSMTPAuthentication>(settings.cmdSMTPAuth, [&](auto& dialog) {
         EXPECT_EQ(dialog.txtUser.Text(), user);
         EXPECT_EQ(dialog.txtPass.Text(), password);
         dialog.txtUser.SetText("other");

@@ -90,9 +90,9 @@ public:
         ExpectDelivered(to, untried, error == Lost);
         const std::string text = "Error: " + error + "\r\n";
         const std::string message = "To: " + to + "\r\nSubject: Hello\r\nDate: 3/15/2024";
+        const std::string from = "From: " + rows[0].From + "\r\n";
         EXPECT_THAT(ErrorLog(), HasSubstr(text + message + "\r\n\r\n"));
-        EXPECT_THAT(ErrorLog(),
-                    HasSubstr(text + "From: " + rows[0].From + "\r\n" + message + " 10:"));
+        EXPECT_THAT(ErrorLog(), HasSubstr(text + from + message + " 10:"));
         const auto doubtful = CountOccurrences(promptText, "1 message may have been accepted");
         EXPECT_EQ(doubtful, error == Lost ? 1 : 0);
     }

@@ -318,9 +318,6 @@ TEST_F(SendRuns, PreparingDialogAppearsAboveTwentyMessages) {
         SCOPED_TRACE(count);
         QueueMany(count);
         long steps = 0;
-        const auto watch = wb.forms.created.Observe([&](Form& form) {
-            if (dynamic_cast<frmMSGPreparing*>(&form)) steps = 1;
-        });
         const auto yield = windows.yielded.Observe([&] {
             if (auto* preparing = wb.forms.Find<frmMSGPreparing>())
                 steps = std::max(steps, preparing->Progress1.Value());
