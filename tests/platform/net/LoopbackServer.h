@@ -92,17 +92,16 @@ public:
     LoopbackServer& operator=(const LoopbackServer&) = delete;
 
     int Port() const { return port_; }
-    int Connections() const { return connections_; }
 
 private:
     void Run() {
-        while (!stop_) {
+        for (int number = 0; !stop_;) {
             pollfd polled{listener_, POLLIN, 0};
             if (poll(&polled, 1, 20) <= 0) continue;
             const int fd = accept(listener_, nullptr, nullptr);
             if (fd < 0) return;
             Peer peer(fd);
-            talk_(peer, connections_++);
+            talk_(peer, number++);
         }
     }
 
@@ -110,7 +109,6 @@ private:
     int listener_;
     int port_ = 0;
     std::atomic<bool> stop_ = false;
-    std::atomic<int> connections_ = 0;
     std::thread thread_;
 };
 

@@ -49,35 +49,33 @@ TEST(MailAddress, AddressesOfAList) {
 }
 
 TEST(MailAddress, WhatIsAMailbox) {
-    const std::vector<std::string> mailboxes = {
-        "a@x",          "root",         "o'neil+tag@x-y.org",
-        "a..b@x",       "\"a, @>b\"@x", "a@[127.0.0.1]",
-        "a@[IPv6:::1]", "ž@š.si",       std::string(64, 'a') + "@" + std::string(255, 'x')};
-    for (const std::string& address : mailboxes)
+    const std::string local = std::string(64, 'a') + "@";
+    for (const std::string& address :
+         {"a@x"s, "root"s, "o'neil+tag@x-y.org"s, "a..b@x"s, "\"a, @>b\"@x"s, "a@[127.0.0.1]"s,
+          "a@[IPv6:::1]"s, "ž@š.si"s, local + std::string(255, 'x')})
         EXPECT_TRUE(IsMailbox(address)) << address;
-    const std::vector<std::string> others = {"",
-                                             "Ann a@x",
-                                             "a@x NOTIFY=NEVER",
-                                             "a@x>",
-                                             "a@xb@y",
-                                             "a@x\t",
-                                             "a@x\x7F",
-                                             "a\0@x"s,
-                                             "\"a@x",
-                                             "\"a\"x",
-                                             "\"a\"b@x",
-                                             "a@[x> SIZE=1]",
-                                             "a@[x]y@[z]",
-                                             "a@x:25",
-                                             "(a)@x",
-                                             "a\\@x",
-                                             "@x",
-                                             "a@",
-                                             "a@.x",
-                                             "a@x..y",
-                                             "\xC5@x",
-                                             std::string(64, 'a') + "@" + std::string(256, 'x')};
-    for (const std::string& address : others)
+    for (const std::string& address : {""s,
+                                       "Ann a@x"s,
+                                       "a@x NOTIFY=NEVER"s,
+                                       "a@x>"s,
+                                       "a@xb@y"s,
+                                       "a@x\t"s,
+                                       "a@x\x7F"s,
+                                       "a\0@x"s,
+                                       "\"a@x"s,
+                                       "\"a\"x"s,
+                                       "\"a\"b@x"s,
+                                       "a@[x> SIZE=1]"s,
+                                       "a@[x]y@[z]"s,
+                                       "a@x:25"s,
+                                       "(a)@x"s,
+                                       "a\\@x"s,
+                                       "@x"s,
+                                       "a@"s,
+                                       "a@.x"s,
+                                       "a@x..y"s,
+                                       "\xC5@x"s,
+                                       local + std::string(256, 'x')})
         EXPECT_FALSE(IsMailbox(address)) << address;
 }
 
@@ -93,13 +91,12 @@ TEST(MailAddress, HostileListsAreReadInNoTime) {
 }
 
 TEST(MailAddress, HeaderText) {
-    struct Row {
+    const std::string words = "aaaaaaaaa bbbbbbbbb ccccccccc ddddddddd eeeeeeeee fffffffff ";
+    const struct {
         const char* name;
         std::string value;
         std::string header;
-    };
-    const std::string words = "aaaaaaaaa bbbbbbbbb ccccccccc ddddddddd eeeeeeeee fffffffff ";
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"plain", "Hello, world", "Hello, world"},
         {"header injection", "a\r\nBcc: b@x\0c"s, "aBcc: b@xc"},
         {"outside ASCII", "Žan", "=?utf-8?B?xb1hbg==?="},
@@ -155,9 +152,8 @@ TEST(MailAddress, HeaderAddresses) {
          "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaa@example.com,\r\n "
          "bbbbbbbbbbbbbbbbbbbbbbbbbbbbbb@example.com"},
     };
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(EncodeHeaderAddresses(row.value, 3, false), row.header) << row.name;
-    }
     std::string many;
     for (int i = 0; i < 500; ++i)
         many += "Žan Žagar " + std::to_string(i) + " <z@example.com>,";
