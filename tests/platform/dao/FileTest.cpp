@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "platform/dao/DaoTestBase.h"
 
@@ -28,12 +27,6 @@ protected:
     bool RefusedInChild(OpenMode mode) {
         return InChild([&] { return OpenNumber(path_, mode) == dao_error::OpenedExclusively; }) ==
                1;
-    }
-
-    static void Overwrite(const std::string& path, std::int64_t place, const std::string& bytes) {
-        std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
-        file.seekp(place);
-        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     }
 
     bool LockFileExists() const { return std::filesystem::exists(path_ + ".lock"); }
@@ -164,7 +157,7 @@ TEST_F(FileTest, LeftoversGoUnlessAnybodyIsAtWork) {
 TEST_F(FileTest, DamageMetWhileReadingIsTold) {
     MakePeople({"Ann"});
     database_->Close();
-    Overwrite(path_, 4096, std::string(4096, '\x5a'));
+    folder_.Write("test.db", folder_.Read("test.db").replace(4096, 4096, 4096, '\x5a'));
     Reopen(path_);
     EXPECT_EQ(database_->OpenRecordset("People").Error().number, dao_error::DamagedFile);
 }

@@ -5,10 +5,7 @@
 namespace mailvane {
 namespace {
 
-std::string KeysWhere(SqlTestBase& base, const std::string& sqliteCondition) {
-    return base.Rows("SELECT ID FROM " + QuoteName(SqlTestBase::Clients) + " WHERE " +
-                     sqliteCondition + " ORDER BY ID");
-}
+class SqlCondition : public testing::Test, protected SqlTestBase {};
 
 struct ConditionCase {
     const char* name;
@@ -68,23 +65,24 @@ const ConditionCase Conditions[] = {
     {"qualified", "[Clients 1/2/2003 4:05:06 PM].[first name] = 'bob'", "2"},
 };
 
-TEST(SqlCondition, FindsTheRowsInFilterAndStatement) {
-    SqlTestBase base;
+TEST_F(SqlCondition, FindsTheRowsInFilterAndStatement) {
     for (const ConditionCase& row : Conditions) {
         SCOPED_TRACE(row.name);
-        const auto condition = TranslateCondition(row.condition, base.Table(SqlTestBase::Clients));
+        const auto condition = TranslateCondition(row.condition, Table(Clients));
         ASSERT_TRUE(condition.Ok()) << condition.Error().description;
-        EXPECT_EQ(KeysWhere(base, *condition), row.keys);
+        EXPECT_EQ(
+            Rows("SELECT ID FROM " + QuoteName(Clients) + " WHERE " + *condition + " ORDER BY ID"),
+            row.keys);
 
         const auto plan = PlanStatement(
             std::string("SELECT ID FROM [clients 1/2/2003 4:05:06 pm] WHERE ") + row.condition,
-            base.Schema());
+            Schema());
         ASSERT_TRUE(plan.Ok()) << plan.Error().description;
-        EXPECT_EQ(base.Rows(plan->query), row.keys);
+        EXPECT_EQ(Rows(plan->query), row.keys);
     }
 }
 
-TEST(SqlCondition, RefusesWithTheKnownNumbers) {
+TEST_F(SqlCondition, RefusesWithTheKnownNumbers) {
     const struct {
         const char* name;
         const char* condition;
@@ -107,9 +105,8 @@ TEST(SqlCondition, RefusesWithTheKnownNumbers) {
         {"aggregate", "Count(*) > 1", 3075},
         {"other tables are out of reach", "ID IN (SELECT ID FROM Outbox)", 3078},
     };
-    SqlTestBase base;
     for (const auto& row : rows) {
-        const auto condition = TranslateCondition(row.condition, base.Table(SqlTestBase::Clients));
+        const auto condition = TranslateCondition(row.condition, Table(Clients));
         ASSERT_TRUE(condition.Failed()) << row.name << ": " << *condition;
         EXPECT_EQ(condition.Error().number, row.number) << row.name;
         EXPECT_FALSE(condition.Error().description.empty()) << row.name;

@@ -9,6 +9,8 @@ namespace {
 
 using namespace std::string_literals;
 
+class SqlPlanTest : public testing::Test, protected SqlTestBase {};
+
 struct StatementCase {
     const char* name;
     const char* statements;  ///< separated by " | "
@@ -134,35 +136,34 @@ TEST(SqlPlan, StatementsDoTheirWork) {
     }
 }
 
-TEST(SqlPlan, SizesAreKept) {
-    SqlTestBase base;
-    Field sized = SqlTestBase::Column("Code");
+TEST_F(SqlPlanTest, SizesAreKept) {
+    Field sized = Column("Code");
     sized.size = 12;
-    base.Create({"Sized", 0, {sized}, {}});
-    EXPECT_EQ(base.Execute("INSERT INTO Sized SELECT [First Name] AS Code FROM " C), 0);
-    EXPECT_EQ(base.Execute("INSERT INTO Sized (Code) VALUES ('thirteen byte')"), 3464);
-    EXPECT_EQ(base.Execute("UPDATE Sized SET Code = Code & 'thirteen byte'"), -1);
-    EXPECT_EQ(base.Rows("SELECT max(length(Code)) FROM Sized"), "5");
+    Create({"Sized", 0, {sized}, {}});
+    EXPECT_EQ(Execute("INSERT INTO Sized SELECT [First Name] AS Code FROM " C), 0);
+    EXPECT_EQ(Execute("INSERT INTO Sized (Code) VALUES ('thirteen byte')"), 3464);
+    EXPECT_EQ(Execute("UPDATE Sized SET Code = Code & 'thirteen byte'"), -1);
+    EXPECT_EQ(Rows("SELECT max(length(Code)) FROM Sized"), "5");
 }
 
-TEST(SqlPlan, RowsOfOneTableCanBeChanged) {
+TEST_F(SqlPlanTest, RowsOfOneTableCanBeChanged) {
     const struct {
         const char* name;
         const char* sql;
         const char* table;  ///< "" when the rows cannot be changed
         const char* rows;   ///< keys, or the rows of the query
     } rows[] = {
-        {"sorted, ties by key", "SELECT * FROM " C " ORDER BY [First Name] ASC",
-         SqlTestBase::Clients, "4; 1; 5; 2; 3"},
-        {"sorted downwards", "SELECT * FROM " C " ORDER BY [Notes] DESC, ID", SqlTestBase::Clients,
+        {"sorted, ties by key", "SELECT * FROM " C " ORDER BY [First Name] ASC", Clients,
+         "4; 1; 5; 2; 3"},
+        {"sorted downwards", "SELECT * FROM " C " ORDER BY [Notes] DESC, ID", Clients,
          "1; 5; 4; 3; 2"},
-        {"the first rows", "SELECT TOP 2 " C ".* FROM " C ";", SqlTestBase::Clients, "1; 2"},
-        {"the first in an order", "SELECT TOP 2 ID, Notes FROM " C " ORDER BY Score DESC",
-         SqlTestBase::Clients, "2; 4"},
+        {"the first rows", "SELECT TOP 2 " C ".* FROM " C ";", Clients, "1; 2"},
+        {"the first in an order", "SELECT TOP 2 ID, Notes FROM " C " ORDER BY Score DESC", Clients,
+         "2; 4"},
         {"more than there are", "SELECT TOP 99 Outbox.* FROM Outbox", "Outbox", "1; 2; 3"},
         {"an alias", "SELECT o.Subject FROM outbox AS o WHERE o.Retries >= 0", "Outbox", "2; 3"},
-        {"rows with a partner", "SELECT DISTINCTROW " C ".* FROM " C ", " Q " WHERE " SAME,
-         SqlTestBase::Clients, "1; 5"},
+        {"rows with a partner", "SELECT DISTINCTROW " C ".* FROM " C ", " Q " WHERE " SAME, Clients,
+         "1; 5"},
         {"a brace in a text", "SELECT ID FROM Outbox WHERE Subject <> '{key}'", "Outbox",
          "1; 2; 3"},
         {"computed", "SELECT ID + 1 FROM Outbox", "", "2; 3; 4"},
@@ -175,24 +176,23 @@ TEST(SqlPlan, RowsOfOneTableCanBeChanged) {
          "SELECT Count(*), Count(Retries), Sum(Retries), Avg(Retries), Min(Date) FROM Outbox", "",
          "3 2 3 1.5 2003-01-02 00:00:00"},
     };
-    SqlTestBase base;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const auto plan = PlanStatement(row.sql, base.Schema());
+        const auto plan = PlanStatement(row.sql, Schema());
         ASSERT_TRUE(plan.Ok()) << plan.Error().description;
         EXPECT_EQ(plan->kind, SqlPlan::Kind::Select);
         EXPECT_EQ(plan->table, row.table);
         std::string keys = plan->keyQuery;
         if (!plan->table.empty()) keys.replace(keys.find("{key}"), 5, "rowid");
-        EXPECT_EQ(base.Rows(plan->table.empty() ? plan->query : keys), row.rows);
-        EXPECT_TRUE(base.TryRun(plan->query)) << base.Failure();
+        EXPECT_EQ(Rows(plan->table.empty() ? plan->query : keys), row.rows);
+        EXPECT_TRUE(TryRun(plan->query)) << Failure();
     }
-    const auto plan = PlanStatement("SELECT notes, id FROM " C, base.Schema());
+    const auto plan = PlanStatement("SELECT notes, id FROM " C, Schema());
     ASSERT_TRUE(plan.Ok());
     EXPECT_EQ(plan->columns, (std::vector<std::string>{"Notes", "ID"}));
 }
 
-TEST(SqlPlan, RefusesWithTheKnownNumbers) {
+TEST_F(SqlPlanTest, RefusesWithTheKnownNumbers) {
     const struct {
         const char* name;
         const char* sql;
@@ -217,12 +217,11 @@ TEST(SqlPlan, RefusesWithTheKnownNumbers) {
         {"aggregate in WHERE", "SELECT * FROM Outbox WHERE Count(*) > 1", 3075},
         {"subquery of two columns", "DELETE * FROM Mine WHERE ID IN (SELECT * FROM Outbox)", 3075},
     };
-    SqlTestBase base;
     for (const auto& row : rows)
-        EXPECT_EQ(base.Execute(row.sql), row.number) << row.name;
+        EXPECT_EQ(Execute(row.sql), row.number) << row.name;
 }
 
-TEST(SqlPlan, MalformedTextsAreSyntaxErrors) {
+TEST_F(SqlPlanTest, MalformedTextsAreSyntaxErrors) {
     const std::pair<std::string, std::vector<std::string>> groups[] = {
         {"",
          {"", ";", " ", "SELECT", "DROP", "DROP TABLE", "DROP TABLE a b", "DROP INDEX x",
@@ -256,28 +255,26 @@ TEST(SqlPlan, MalformedTextsAreSyntaxErrors) {
         texts.push_back(nested);
         texts.push_back(nested + "1");
     }
-    SqlTestBase base;
     for (const std::string& text : texts)
-        EXPECT_EQ(base.Execute(text), 3075) << text.substr(0, 60);
-    EXPECT_EQ(base.Rows("SELECT count(*) FROM Outbox"), "3");
+        EXPECT_EQ(Execute(text), 3075) << text.substr(0, 60);
+    EXPECT_EQ(Rows("SELECT count(*) FROM Outbox"), "3");
 }
 
 /// Whatever a changed character makes of a statement, it is refused or SQLite understands it.
-TEST(SqlPlan, DamagedStatementsNeverReachSqlite) {
-    SqlTestBase base;
-    const auto check = [&base](const std::string& text) {
-        const auto plan = PlanStatement(text, base.Schema());
+TEST_F(SqlPlanTest, DamagedStatementsNeverReachSqlite) {
+    const auto check = [this](const std::string& text) {
+        const auto plan = PlanStatement(text, Schema());
         if (plan.Failed()) return;
         std::vector<std::string> statements = plan->statements;
         if (!plan->query.empty()) statements.push_back(plan->query);
-        base.Run("SAVEPOINT damaged");
+        RunSql("SAVEPOINT damaged");
         for (const TableDef& table : plan->createdTables)
-            base.Create(table);
+            Create(table);
         for (const std::string& statement : statements)
-            EXPECT_TRUE(base.TryRun(statement)) << text << statement << base.Failure();
-        base.Run("ROLLBACK TO damaged; RELEASE damaged");
+            EXPECT_TRUE(TryRun(statement)) << text << statement << Failure();
+        RunSql("ROLLBACK TO damaged; RELEASE damaged");
         for (const TableDef& table : plan->createdTables)
-            base.Forget(table.name);
+            tables_.erase(table.name);
     };
     for (const std::string opening :
          {"(1 + ", "(ID = 1 AND (ID = 2 OR ", "NOT ", "-", "ID IN (1, ", "Subject & ", "ID = 1 OR ",
@@ -304,17 +301,16 @@ TEST(SqlPlan, DamagedStatementsNeverReachSqlite) {
 }
 
 /// Tables in which every row has every row of the other for a partner.
-TEST(SqlPlan, JoinsOfLargeTablesDoNotMultiply) {
+TEST_F(SqlPlanTest, JoinsOfLargeTablesDoNotMultiply) {
     constexpr int RowCount = 20000;
-    SqlTestBase base;
     for (const char* name : {"L", "R"}) {
-        base.Create({name, 0, {SqlTestBase::Column("a"), SqlTestBase::Column("b")}, {}});
-        base.Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-                 std::to_string(RowCount) + ") INSERT INTO " + name + " SELECT 'same', i FROM n");
+        Create({name, 0, {Column("a"), Column("b")}, {}});
+        RunSql("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+               std::to_string(RowCount) + ") INSERT INTO " + name + " SELECT 'same', i FROM n");
     }
     int hundreds = 0;
     sqlite3_progress_handler(
-        base.Handle(), 100,
+        database_, 100,
         [](void* count) {
             ++*static_cast<int*>(count);
             return 0;
@@ -328,11 +324,11 @@ TEST(SqlPlan, JoinsOfLargeTablesDoNotMultiply) {
           "HAVING Count(*)>1)",
           "DELETE L.*, R.* FROM L, R WHERE L.a = R.a"}) {
         hundreds = 0;
-        EXPECT_EQ(base.Execute(sql), 0) << sql;
+        EXPECT_EQ(Execute(sql), 0) << sql;
         EXPECT_LT(hundreds, RowCount) << sql;  // 100 steps of SQLite's machine for each row
     }
-    EXPECT_EQ(base.Rows("SELECT count(*) FROM N1 UNION ALL SELECT count(*) FROM N2 UNION ALL "
-                        "SELECT count(*) FROM N3 UNION ALL SELECT count(*) FROM R"),
+    EXPECT_EQ(Rows("SELECT count(*) FROM N1 UNION ALL SELECT count(*) FROM N2 UNION ALL "
+                   "SELECT count(*) FROM N3 UNION ALL SELECT count(*) FROM R"),
               "20000; 0; 20000; 0");
 }
 

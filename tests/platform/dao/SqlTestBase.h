@@ -32,17 +32,18 @@ public:
         const Field date = Column("Date", FieldType::Date);
         Create({"Outbox", 0, {id, Column("Subject"), date, retries}, {}});
         Create({"Mine", 0, {id, Column("Subject"), Column("Date"), retries}, {}});
-        Run(R"sql(INSERT INTO "Clients 1/2/2003 4:05:06 PM" VALUES
+        RunSql(R"sql(INSERT INTO "Clients 1/2/2003 4:05:06 PM" VALUES
             (1, 'Ann', 'ANN@a.com', '2003-01-02 00:00:00', 1.5, 1, 'x'),
             (2, 'Bob', 'bob@b.com', '2003-01-31 12:00:00', 10, 0, NULL),
             (3, 'ÄRGER', '"Cy" <cy@A.com>', NULL, NULL, -1, ''),
             (4, NULL, NULL, '2010-05-05', 3, 0, '50% [ok]'),
             (5, 'ann', 'ann@a.com', '1899-12-30 16:05:06', -4, 1, 'it''s'))sql");
-        Run(R"sql(INSERT INTO "O'Brien ""x""" VALUES (1, 'Ann@A.com', 'Rome'), (2, 'zoe@z.com', 'Oslo'),
+        RunSql(
+            R"sql(INSERT INTO "O'Brien ""x""" VALUES (1, 'Ann@A.com', 'Rome'), (2, 'zoe@z.com', 'Oslo'),
             (3, NULL, 'Bonn'), (4, 'ann@a.com', 'Graz'))sql");
-        Run(R"sql(INSERT INTO "Outbox" VALUES (1, 'one', '2003-01-02 00:00:00', NULL),
+        RunSql(R"sql(INSERT INTO "Outbox" VALUES (1, 'one', '2003-01-02 00:00:00', NULL),
             (2, 'two', '2003-01-02 16:05:06', 3), (3, 'three', NULL, 0))sql");
-        Run(R"sql(INSERT INTO "Mine" VALUES (7, 'old', '1/2/2003 4:05:06 PM', 1),
+        RunSql(R"sql(INSERT INTO "Mine" VALUES (7, 'old', '1/2/2003 4:05:06 PM', 1),
             (8, 'odd', 'yesterday', 2))sql");
     }
     ~SqlTestBase() { sqlite3_close(database_); }
@@ -61,16 +62,12 @@ public:
 
     void Create(const TableDef& table) {
         std::string columns;
-        for (const Field& field : table.fields) {
+        for (const Field& field : table.fields)
             columns += (columns.empty() ? "" : ", ") + QuoteName(field.name) + " " +
                        DeclaredType(field) + (field.IsAutoNumber() ? " PRIMARY KEY" : "");
-        }
-        Run("CREATE TABLE " + QuoteName(table.name) + " (" + columns + ")");
+        RunSql("CREATE TABLE " + QuoteName(table.name) + " (" + columns + ")");
         tables_[table.name] = table;
     }
-
-    /// For a table whose creation was undone.
-    void Forget(const std::string& table) { tables_.erase(table); }
 
     SchemaReader Schema() const {
         return [this](const std::string& name) -> std::optional<TableDef> {
@@ -86,22 +83,22 @@ public:
     int Execute(const std::string& sql, int* counted = nullptr) {
         const DaoResult<SqlPlan> plan = PlanStatement(sql, Schema());
         if (plan.Failed()) return plan.Error().number;
-        Run("SAVEPOINT plan");
+        RunSql("SAVEPOINT plan");
         for (const TableDef& table : plan->createdTables)
             Create(table);
         for (std::size_t i = 0; i < plan->statements.size(); ++i) {
             if (!TryRun(plan->statements[i])) {
-                Run("ROLLBACK TO plan");
+                RunSql("ROLLBACK TO plan");
                 return -1;
             }
             if (counted != nullptr && i == plan->countedStatement)
                 *counted = sqlite3_changes(database_);
         }
         for (const std::string& table : plan->droppedTables) {
-            Run("DROP TABLE " + QuoteName(table));
+            RunSql("DROP TABLE " + QuoteName(table));
             tables_.erase(table);
         }
-        Run("RELEASE plan");
+        RunSql("RELEASE plan");
         return 0;
     }
 
@@ -109,7 +106,7 @@ public:
     std::string Rows(const std::string& sqliteSql) {
         std::string rows;
         rows_ = &rows;
-        Run(sqliteSql);
+        RunSql(sqliteSql);
         rows_ = nullptr;
         return rows;
     }
@@ -129,12 +126,15 @@ public:
         return result == SQLITE_OK;
     }
 
-    void Run(const std::string& sqliteSql) {
+    void RunSql(const std::string& sqliteSql) {
         if (!TryRun(sqliteSql)) ADD_FAILURE() << failure_ << "\nin " << sqliteSql;
     }
 
     const std::string& Failure() const { return failure_; }
-    sqlite3* Handle() { return database_; }
+
+protected:
+    sqlite3* database_ = nullptr;
+    std::map<std::string, TableDef> tables_;
 
 private:
     void AddRow(int count, char** values) {
@@ -146,8 +146,6 @@ private:
         }
     }
 
-    sqlite3* database_ = nullptr;
-    std::map<std::string, TableDef> tables_;
     std::string* rows_ = nullptr;
     std::string failure_;
 };
