@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/dao/DaoValue.h"
-#include "platform/dao/StatementHandler.h"
 #include "platform/dao/structure/FieldTypes.h"
 
 namespace mailvane {
@@ -126,25 +125,6 @@ TEST(DeclaredTypes, OtherProgramsTypesHaveASensibleMeaning) {
     Field field;
     ReadDeclaredType("VARCHAR(50)", field);
     EXPECT_EQ(field.size, 50);
-}
-
-TEST(StatementHandler, PassesAsksAndEnds) {
-    std::vector<int> asked;
-    StatementHandler handler({dao_error::TableDoesNotExist}, [&](const DaoError& error) {
-        asked.push_back(error.number);
-        return error.number != dao_error::DuplicateKey;
-    });
-    EXPECT_TRUE(handler.GoOn({}));
-    EXPECT_TRUE(handler.GoOn(MakeDaoError(dao_error::TableDoesNotExist, "x")));
-    EXPECT_FALSE(handler.HadError());
-    EXPECT_TRUE(handler.Passes(MakeDaoError(dao_error::TableDoesNotExist, "x")));
-    EXPECT_FALSE(handler.Passes(MakeDaoError(dao_error::TooFewParameters)));
-    EXPECT_TRUE(handler.GoOn(MakeDaoError(dao_error::TooFewParameters)));
-    EXPECT_TRUE(handler.HadError());
-    EXPECT_FALSE(handler.GoOn(MakeDaoError(dao_error::DuplicateKey)));
-    EXPECT_FALSE(handler.GoOn({}));
-    EXPECT_FALSE(handler.GoOn(MakeDaoError(dao_error::TooFewParameters)));
-    EXPECT_EQ(asked, (std::vector<int>{dao_error::TooFewParameters, dao_error::DuplicateKey}));
 }
 
 }  // namespace

@@ -26,12 +26,11 @@ TEST(MxLookup, AnswersOfTheNameService) {
     dns.names["null.test"].exchangers = {{0, ""}};
     dns.names["broken.test"].fails = true;
     dns.names["silent.test"].silent = true;
-    struct Case {
+    const struct {
         const char* domain;
         int code;
         Hosts hosts;
-    };
-    const Case cases[] = {
+    } rows[] = {
         {"two.test", 0, {"mx1.two.test", "mx2.two.test"}},
         {"plain.test", 0, {"plain.test"}},
         {"unknown.test", 0, {"unknown.test"}},  // it may stand in the hosts file
@@ -40,13 +39,13 @@ TEST(MxLookup, AnswersOfTheNameService) {
         {"silent.test", net_error::TimedOut, {}},
     };
     std::mt19937 random(1);
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.domain);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.domain);
         const FoundExchangers found = LookUpExchangers(
-            test.domain, dns.Address(), NetClock::now() + milliseconds(500), [] { return true; },
+            row.domain, dns.Address(), NetClock::now() + milliseconds(500), [] { return true; },
             random);
-        EXPECT_EQ(found.error.code, test.code) << found.error.description;
-        EXPECT_EQ(found.hosts, test.hosts);
+        EXPECT_EQ(found.error.code, row.code) << found.error.description;
+        EXPECT_EQ(found.hosts, row.hosts);
     }
     int waits = 0;
     const auto canceled = LookUpExchangers(
